@@ -1,0 +1,17 @@
+#pragma once
+// The messages for when nothing of the application's own can be read, in each language that has
+// them. MuiMessages.cpp is the file that translators review.
+
+#include <array>
+#include <cstddef>
+
+struct MuiMessageRow {
+    const char* locale;                      // name of the texts' language
+    const wchar_t* localeUnavailable;        // the localized resources cannot be loaded
+    const wchar_t* unsupportedSystemLocale;  // the operating system's language is not supported
+};
+
+// Rows of languages, ahead of the last row, which has no locale and the English texts.
+constexpr std::size_t kMessageLanguages = 32;
+
+extern const std::array<MuiMessageRow, kMessageLanguages + 1> allMessages;
