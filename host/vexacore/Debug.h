@@ -1,0 +1,57 @@
+#pragma once
+// What the host saw, in order: for `--trace` of the launcher and for tests.
+//
+// Threads:  all calls from any thread.
+
+#include <chrono>
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vexacore::debug {
+
+using Clock = std::chrono::steady_clock;
+
+struct HostEvent {
+    Clock::time_point time;
+    std::string text;  // "localizer installed", "StartupTime: Starting"
+};
+
+// The one ordered list of host events: what is installed and uninstalled, loaded and released, each
+// mark of a measurement.
+class HostEvents {
+public:
+    // Never throws, so that destructors can call it; an event for which there is no memory is lost
+    // and counted.
+    static void Append(std::string_view text) noexcept;
+    static std::vector<HostEvent> All();
+    static std::size_t LostCount() noexcept;
+};
+
+enum class MarkKind { kBegin, kIntermediate, kEnd };
+
+struct Mark {
+    MarkKind kind;
+    std::string measurement;
+    std::string label;
+    bool flag;  // recorded as given, like `value`
+    int value;  // 0 for an end mark
+    Clock::time_point time;
+};
+
+// Named measurements of the process. Each mark is also a host event "name: label".
+//
+// Failure:  std::bad_alloc; the mark is not recorded then.
+class GlobalTimeMeasurement {
+public:
+    static void BeginMeasurement(const std::string& name, const std::string& label, bool flag,
+                                 int value);
+    static void IntermediateMeasurement(const std::string& name, const std::string& label,
+                                        bool flag, int value);
+    static void EndMeasurement(const std::string& name, const std::string& label, bool flag);
+
+    static std::vector<Mark> Marks();  // of all measurements, in the order they were made
+};
+
+}  // namespace vexacore::debug

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <new>
+
+namespace vexacore::config {
+
+// The application's last help against exhausted memory: a reserve that is given back to the system
+// once, so that the application can still save and say what happened.
+//
+// Owns:     the reserve. The host's reference to the installed manager is borrowed: whoever
+// installs
+//           one uninstalls it before deleting it.
+// Failure:  the constructor throws std::bad_alloc.
+// Threads:  install and uninstall on the launcher's thread; the reserve may be asked for from any.
+class ErrorManager {
+public:
+    static constexpr std::size_t kReserveBytes = 64 * 1024;
+
+    ErrorManager();
+    virtual ~ErrorManager();
+    ErrorManager(const ErrorManager&) = delete;
+    ErrorManager& operator=(const ErrorManager&) = delete;
+
+    // Frees the reserve; false when it is gone already.
+    virtual bool ReleaseReserve() noexcept;
+    bool HasReserve() const noexcept;
+
+    static void Set(ErrorManager* manager) noexcept;  // null uninstalls
+    static ErrorManager* Get() noexcept;              // null when none is installed
+
+    // While one lives, operator new that finds no memory asks the installed manager for its reserve
+    // and tries again; without a manager or a reserve it throws std::bad_alloc.
+    //
+    // Owns:   the place of std::new_handler; the destructor puts the handler from before back.
+    class NewHandlerInitializer {
+    public:
+        NewHandlerInitializer() noexcept;
+        ~NewHandlerInitializer();
+        NewHandlerInitializer(const NewHandlerInitializer&) = delete;
+        NewHandlerInitializer& operator=(const NewHandlerInitializer&) = delete;
+
+    private:
+        std::new_handler previous;
+    };
+
+private:
+    std::atomic<std::byte*> reserve;
+};
+
+}  // namespace vexacore::config

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "host/vexacore/FileSupport.h"
+#include "host/vexacore/String.h"
+
+namespace vexacore {
+
+// The host's UI locale.
+//
+// Threads:  none. Initialized at start-up on the launcher's thread.
+class Locale {
+public:
+    // `folder` is where locale files of the application's own are; an empty one names none.
+    static void Initialize(const UTF16String& language, const filesupport::Dir& folder);
+
+    static UTF16String Language();  // empty before Initialize
+};
+
+}  // namespace vexacore

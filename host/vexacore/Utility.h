@@ -1,0 +1,30 @@
+#pragma once
+// Conversions between 8-bit text and UTF-16. None of them fails on malformed text; exhausted memory
+// throws std::bad_alloc.
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "host/CoreFoundation/CoreFoundation.h"
+#include "host/vexacore/String.h"
+
+namespace vexacore::utility {
+
+// Each byte becomes the unit of the same value, 0 to 255.
+UTF16String AsciiToUTF16(const char* text, std::size_t length);
+UTF16String AsciiToUTF16(const char* text);  // up to the terminating NUL
+
+// Each maximal ill-formed run of bytes (a cut sequence, an overlong form, a surrogate, a value
+// above U+10FFFF, a stray byte) becomes one U+FFFD.
+UTF16String UTF8to16(std::string_view text);
+
+// The 8-bit form that the file system takes: UTF-8. An unpaired surrogate becomes U+FFFD.
+std::string UTF16toStdString(const UTF16String& text);
+// The way back, as UTF8to16.
+UTF16String StdToUTF16String(std::string_view text);
+
+// A string of the platform, all its units as they stand. Null gives the empty string.
+UTF16String MACtoVEXA(CFStringRef text);
+
+}  // namespace vexacore::utility

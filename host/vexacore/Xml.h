@@ -1,0 +1,83 @@
+#pragma once
+// The host's XML interface: a factory makes a parser for a handler, the parser reports the document
+// to the handler event by event. The order of the virtual operations is part of the interface.
+//
+// Threads:  none. A parser and its handler serve one thread at a time; the factory is installed on
+//           the launcher's thread.
+
+#include <cstdint>
+#include <vector>
+
+#include "host/vexacore/Owner.h"
+#include "host/vexacore/String.h"
+
+namespace vexacore::xml {
+
+struct Attribute {
+    UTF16String qualifiedName;
+    UTF16String namespaceUri;
+    UTF16String localName;
+    UTF16String value;
+
+    bool operator==(const Attribute&) const = default;
+};
+using Attributes = std::vector<Attribute>;
+
+// A missing namespace or prefix is the empty string.
+class AbstractParseHandler {
+public:
+    virtual ~AbstractParseHandler();
+
+    virtual void StartDocument() = 0;
+    // Called by parsers without namespace support only.
+    virtual void StartElement(const UTF16String& name, const Attributes& attributes) = 0;
+    virtual void StartElement(const UTF16String& qualifiedName, const UTF16String& namespaceUri,
+                              const UTF16String& localName, const Attributes& attributes) = 0;
+    // Called by parsers without namespace support only.
+    virtual void EndElement(const UTF16String& name) = 0;
+    virtual void EndElement(const UTF16String& qualifiedName, const UTF16String& namespaceUri,
+                            const UTF16String& localName) = 0;
+    virtual void StartCDATA() = 0;
+    virtual void EndCDATA() = 0;
+    virtual void Characters(const UTF16String& text) = 0;  // one text may come in several calls
+    virtual void Comment(const UTF16String& text) = 0;
+    virtual void EndDocument() = 0;
+    virtual void StartPrefixMapping(const UTF16String& prefix, const UTF16String& namespaceUri) = 0;
+    virtual void EndPrefixMapping(const UTF16String& prefix) = 0;
+};
+
+using ResultCode = std::int32_t;
+constexpr ResultCode kParseSucceeded = 0;
+constexpr ResultCode kParseFailed = 10;
+
+// Owns:     its handler.
+class AbstractDocParser {
+public:
+    // Takes the handler over; the caller's owner is empty afterwards.
+    explicit AbstractDocParser(Owner<AbstractParseHandler>& newHandler) : handler(newHandler) {}
+    virtual ~AbstractDocParser();
+    AbstractDocParser(const AbstractDocParser&) = delete;
+    AbstractDocParser& operator=(const AbstractDocParser&) = delete;
+
+    virtual bool HasNamespaceSupport() const = 0;
+    virtual ResultCode ParseDocument(const UTF16String& path) = 0;
+    virtual ResultCode ParseBuffer(const ByteString& document) = 0;
+
+protected:
+    Owner<AbstractParseHandler> handler;
+};
+
+class DocParserFactory {
+public:
+    virtual ~DocParserFactory();
+
+    // A new parser that takes the handler over; the caller's owner is empty afterwards.
+    virtual Owner<AbstractDocParser> GetParser(Owner<AbstractParseHandler>& handler) = 0;
+};
+
+// Installs the factory that the holder contains, or none when it is empty. The holder contains the
+// factory from before afterwards. The host owns the installed factory.
+void SetParserFactory(Owner<DocParserFactory>& holder);
+DocParserFactory* GetParserFactory() noexcept;  // borrowed; null when none is installed
+
+}  // namespace vexacore::xml
