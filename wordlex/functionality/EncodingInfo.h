@@ -1,0 +1,29 @@
+#pragma once
+#include <cstdint>
+#include <optional>
+
+#include "wordlex/staticlib/Wordlexlib.h"
+
+namespace lexon_private {
+
+// The encoding selector inside the library: 1 is UTF-8, anything else the system's default 8-bit
+// encoding. A public selector is copied into one of these, never reinterpreted.
+struct EncodingInfo {
+    std::uint64_t selector = 0;
+};
+
+inline constexpr std::uint64_t kUtf8Selector = 1;
+
+// The inward form of a public selector that may be null; hand on with Selector().
+class InwardEncoding {
+public:
+    explicit InwardEncoding(const lexon::EncodingInfo* encoding) noexcept {
+        if (encoding != nullptr) info.emplace(EncodingInfo{encoding->selector});
+    }
+    EncodingInfo* Selector() noexcept { return info.has_value() ? &*info : nullptr; }
+
+private:
+    std::optional<EncodingInfo> info;
+};
+
+}  // namespace lexon_private

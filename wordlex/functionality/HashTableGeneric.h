@@ -1,0 +1,96 @@
+#pragma once
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+
+#include "wordlex/functionality/BinUtil.h"
+#include "wordlex/functionality/HashItem.h"
+
+namespace lexon_private {
+
+// A table of 1021 buckets, each a chain of items linked through HashItem::next, newest first.
+// Owns:      every item linked into it, from Insert until Remove hands it back.
+// Invariant: buckets never grow in number; beside its chain each bucket keeps the chain's items and
+//            their tags in one block, so that a search compares tags that lie together and touches
+//            only the items whose tag fits. At 100 items a bucket this is what keeps a hit fast.
+// Order:     buckets ascending, within a bucket from the chain's head: enumeration and writing.
+// Threads:   none, const members included: Find and HasMoreItem write scratch state.
+class HashTableGeneric {
+public:
+    HashTableGeneric() = default;
+    HashTableGeneric(const HashTableGeneric&) = delete;
+    HashTableGeneric& operator=(const HashTableGeneric&) = delete;
+    ~HashTableGeneric();
+
+    // Links the item in front of its bucket's chain and takes it over. Equal items are not looked
+    // for: Remove the old one first to replace it. When memory runs out, the table and the caller's
+    // ownership are as before.
+    void Insert(HashItem* item);
+    // Links the items, in the given order, in front of one bucket's chain; as Insert otherwise.
+    void InsertAhead(unsigned long bucket, std::span<HashItem* const> items);
+    // Unlinks the newest item equal to `probe` and hands it to the caller; null when there is none.
+    HashItem* Remove(const HashItem& probe);
+    // The newest item equal to `probe`, still the table's; null when there is none.
+    HashItem* Find(const HashItem& probe) const;
+
+    std::int32_t NumItems() const;
+    // while (HasMoreItem()) use NextItem(): a pass over all items. After its end the next call
+    // starts a new pass. No item may come or go during a pass.
+    bool HasMoreItem() const;
+    HashItem* NextItem() const noexcept { return enumItem; }  // null before and after a pass
+
+    // Text: every item's own text form, in table order; gives the sum of their results.
+    // Binary: a version 1.5 body, but in host byte order; gives 4 and the bytes of keys and values.
+    // It writes its index last, so the stream must be able to seek; one that cannot fails.
+    std::uint32_t Serialize(std::ostream& out, bool binary,
+                            const lexon::EncodingInfo* encoding) const;
+
+private:
+    // The items of one chain, oldest first, and behind them in the same block their tags.
+    class Bucket {
+    public:
+        std::size_t Count() const noexcept { return count; }
+        HashItem* Head() const noexcept { return count == 0 ? nullptr : Items()[count - 1]; }
+        std::span<HashItem* const> Chain() const noexcept { return {Items(), count}; }
+        // Index of the newest item equal to `probe`, or Count().
+        std::size_t Position(const HashItem& probe) const;
+        void Reserve(std::size_t more);
+        void Append(HashItem* item);  // room is reserved
+        void Erase(std::size_t position) noexcept;
+
+    private:
+        HashItem** Items() const noexcept { return reinterpret_cast<HashItem**>(block.get()); }
+        std::uint16_t* Tags() const noexcept {
+            return reinterpret_cast<std::uint16_t*>(block.get() + capacity * sizeof(HashItem*));
+        }
+
+        std::unique_ptr<std::byte[]> block;
+        std::uint32_t count = 0;
+        std::uint32_t capacity = 0;
+    };
+
+    std::size_t Search(const HashItem& probe) const;
+    bool EnterChainFrom(std::size_t firstBucket) const;
+    std::uint32_t SerializeBinary(std::ostream& out, const lexon::EncodingInfo* encoding) const;
+
+    // Calls visit(item) for every item in table order.
+    template <class Visit>
+    void ForEach(Visit visit) const {
+        for (const Bucket& bucket : buckets) {
+            for (const HashItem* item = bucket.Head(); item != nullptr; item = item->next) {
+                visit(*item);
+            }
+        }
+    }
+
+    std::array<Bucket, kHashBucketCount> buckets;
+    mutable unsigned long lastBucket = 0;  // where the latest Find or Remove looked, and the item
+    mutable HashItem* lastPrevious = nullptr;  // in front of the last one that it examined
+    mutable bool enumRestart = true;
+    mutable std::int32_t enumBucket = 0;
+    mutable HashItem* enumItem = nullptr;
+};
+
+}  // namespace lexon_private

@@ -1,0 +1,20 @@
+#pragma once
+
+namespace lexon_private {
+
+// Classes of single UTF-16 code units.
+class UnicodeChar {
+public:
+    // The unit with its two bytes exchanged.
+    static unsigned short ByteSwap(unsigned short unit) noexcept {
+        return static_cast<unsigned short>(unit << 8 | unit >> 8);
+    }
+    // 0 to 9 for the decimal digits of many scripts (Unicode general category Nd, and the super-
+    // and subscript digits), else -1.
+    static signed char GetDecimalDigit(unsigned short unit) noexcept;
+    static bool IsMinusSign(unsigned short unit) noexcept;
+    static bool IsPlusSign(unsigned short unit) noexcept;
+    static bool IsWhiteSpace(unsigned short unit) noexcept;
+};
+
+}  // namespace lexon_private
