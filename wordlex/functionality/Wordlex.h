@@ -1,0 +1,108 @@
+#pragma once
+#include <cstdint>
+#include <utility>
+
+#include "wordlex/functionality/UnicodeRun.h"
+#include "wordlex/staticlib/Wordlexlib.h"
+
+namespace lexon_private {
+
+// The library's string: a UnicodeRun with text operations. Members that make a string from a raw
+// buffer or copy it out to one begin with BackDoor.
+// Invariant: the shared units never change. An operation that changes the text sizes a new value
+//            exactly, fills it and lets go of the old one; where nothing changes the value stays.
+// Equality:  of texts, by UnicodeUtil::Compare; strings that share one value are equal unasked.
+// Units:     lengths and capacities count UTF-16 units, for 8-bit text bytes. Nothing inside is
+//            terminated.
+// Failure:   conversion errors throw ASErrException. Whatever is thrown, the string is as it was.
+// Threads:   none, as UnicodeRun.
+class Wordlex : public UnicodeRun {
+public:
+    Wordlex() = default;
+    explicit Wordlex(UnicodeRun run) noexcept : UnicodeRun(std::move(run)) {}  // shares its value
+    explicit Wordlex(long value);                                              // decimal digits
+    Wordlex(const unsigned short* units, unsigned long count) : UnicodeRun(units, count) {}
+    Wordlex(const unsigned char* bytes, unsigned long count, const lexon::EncodingInfo* encoding)
+        : Wordlex(StringToPooledUnicode(bytes, count, encoding)) {}
+
+    // The pascal form reads `count` bytes behind the first one, which it does not look at.
+    static Wordlex BackDoorMakeFromUnicode(const unsigned short* units, unsigned long count);
+    static Wordlex BackDoorMakeFromCString(const char* bytes, unsigned long count,
+                                           const lexon::EncodingInfo* encoding);
+    static Wordlex BackDoorMakeFromPascalString(const unsigned char* text, unsigned long count,
+                                                const lexon::EncodingInfo* encoding);
+    // Text that says its own length: up to a 0 unit, up to a NUL, or counted by its first byte.
+    void BackDoorAssignUnicode(const unsigned short* text);
+    void BackDoorAssignCString(const char* text, const lexon::EncodingInfo* encoding);
+    void BackDoorAssignPascalString(const unsigned char* text, const lexon::EncodingInfo* encoding);
+    // Bytes that are not valid text give the empty string.
+    static Wordlex StringToPooledUnicode(const unsigned char* bytes, unsigned long count,
+                                         const lexon::EncodingInfo* encoding);
+
+    // The sizes count the terminator, or the count byte; the NoNull forms have none. A destination
+    // that is too small takes what fits. Then, or when it is null, `throwIfTooSmall` raises 'BUFF';
+    // the 8-bit forms raise it for a null destination only.
+    unsigned long BackDoorGetUnicodeSize() const noexcept { return GetLength() + 1; }
+    void BackDoorGetUnicode(unsigned short* destination, unsigned long capacity,
+                            bool throwIfTooSmall) const;
+    unsigned long BackDoorGetUnicodeSizeNoNull() const noexcept { return GetLength(); }
+    void BackDoorGetUnicodeNoNull(unsigned short* destination, unsigned long capacity,
+                                  bool throwIfTooSmall) const;
+    unsigned long BackDoorGetCStringSize(const lexon::EncodingInfo* encoding) const;
+    void BackDoorGetCString(char* destination, unsigned long capacity, bool throwIfTooSmall,
+                            const lexon::EncodingInfo* encoding) const;
+    unsigned long BackDoorGetPascalStringSize(const lexon::EncodingInfo* encoding) const;
+    void BackDoorGetPascalString(unsigned char* destination, unsigned long capacity,
+                                 bool throwIfTooSmall, const lexon::EncodingInfo* encoding) const;
+    // The shared units, null when empty, and their count; valid while the value is held.
+    void BackDoorGetInternalData(const unsigned short*& units,
+                                 unsigned long& length) const noexcept;
+
+    int CompareTo(const Wordlex& other) const;
+    bool operator==(const Wordlex& other) const { return CompareTo(other) == 0; }
+    bool operator!=(const Wordlex& other) const { return CompareTo(other) != 0; }
+    bool operator<(const Wordlex& other) const { return CompareTo(other) < 0; }
+    bool operator<=(const Wordlex& other) const { return CompareTo(other) <= 0; }
+    bool operator>(const Wordlex& other) const { return CompareTo(other) > 0; }
+    bool operator>=(const Wordlex& other) const { return CompareTo(other) >= 0; }
+
+    bool IsAllWhiteSpace() const;  // true for the empty string
+    // False when a unit behind an ASCII sign is no digit; the digits count all the same.
+    bool ToInteger(long& result) const;
+
+    // Markers: '^' directly followed by a digit character. A doubled '^' is no escape.
+    static unsigned short DigitCharacter(unsigned char n) noexcept {
+        return static_cast<unsigned short>(u'0' + n);
+    }
+    bool WillReplace(unsigned char n) const;
+    std::uint16_t CountHatOccurrences(unsigned short unit) const;  // 65535 stands for all above it
+    // Puts `value` in place of every marker of n, in one pass: markers in `value` stay.
+    void Replace(unsigned char n, const Wordlex& value);
+
+    // Puts `value` in place of the `occurrence`-th (from 1) tag < param name = "NAME" />, with any
+    // number of spaces, none included, where one is shown. False and unchanged when there is none.
+    bool BackDoorParamSubstitute(const char* name, const Wordlex& value, int occurrence);
+
+    void TrimBlanks();                         // U+0020 at both ends
+    void TrimEllipsis();                       // one "..." or U+2026 at the end
+    void EllipsisToHostEllipsis() noexcept {}  // the ellipsis of this platform is U+2026 itself
+    // Drops '&' marks ("&&" stands for '&', '&' before a space for itself), marks in parentheses
+    // whole, and everything from the first space followed by a backspace on.
+    void RemoveAccelerators();
+    void ChangeNewLineCharacter();       // LF becomes CR
+    void RemoveBadFilenameCharacters();  // ':' becomes '-'
+    bool RemoveExtension();              // cuts at the last '.'; false when there is none
+
+    // A platform encoding number, for conversions that have neither a selector nor a default.
+    static void SetDefaultApplicationEncoding(unsigned int encoding);
+
+private:
+    void ChangeUnits(unsigned short from, unsigned short to);
+};
+
+// The keywords of the parameter tag, "param" and "name". Alive from before their first use, be it
+// in another static initializer, to the end of the process.
+const Wordlex& wStrParam();
+const Wordlex& wStrName();
+
+}  // namespace lexon_private
