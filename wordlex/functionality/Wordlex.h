@@ -19,8 +19,8 @@ namespace lexon_private {
 class Wordlex : public UnicodeRun {
 public:
     Wordlex() = default;
-    explicit Wordlex(UnicodeRun run) noexcept : UnicodeRun(std::move(run)) {}  // shares its value
-    explicit Wordlex(long value);                                              // decimal digits
+    explicit Wordlex(UnicodeRun text) noexcept : UnicodeRun(std::move(text)) {}  // shares its value
+    explicit Wordlex(long value);                                                // decimal digits
     Wordlex(const unsigned short* units, unsigned long count) : UnicodeRun(units, count) {}
     Wordlex(const unsigned char* bytes, unsigned long count, const lexon::EncodingInfo* encoding)
         : Wordlex(StringToPooledUnicode(bytes, count, encoding)) {}
@@ -100,8 +100,8 @@ private:
     void ChangeUnits(unsigned short from, unsigned short to);
 };
 
-// The keywords of the parameter tag, "param" and "name". Alive from before their first use, be it
-// in another static initializer, to the end of the process.
+// The keywords of the parameter tag, "param" and "name". Made at load or at their first use, be
+// that in another static initializer; destroyed at process exit, after the objects that used them.
 const Wordlex& wStrParam();
 const Wordlex& wStrName();
 

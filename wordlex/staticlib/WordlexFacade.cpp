@@ -1,0 +1,142 @@
+#include <utility>
+
+#include "wordlex/functionality/Wordlex.h"
+#include "wordlex/staticlib/Wordlexlib.h"
+
+namespace {
+
+constexpr char lversion[] = "5.1";
+
+}  // namespace
+
+const char* WLLibraryVersion() noexcept { return lversion; }
+
+void WordlexLibVersion_5_1() noexcept {}
+
+namespace lexon {
+
+constinit bool EnableQuorvHatEscapes = false;
+
+namespace {
+
+// Lets the held string become what `make` gives, or the empty string when it throws. The old text
+// lives until then: the new one may be made from its units.
+template <class Make>
+void RemakeOrEmpty(lexon_private::Wordlex& held, Make make) {
+    const lexon_private::Wordlex old = std::exchange(held, lexon_private::Wordlex());
+    held = make();
+}
+
+}  // namespace
+
+Wordlex::Wordlex() : text(new lexon_private::Wordlex) {}
+Wordlex::Wordlex(long value) : text(new lexon_private::Wordlex(value)) {}
+Wordlex::Wordlex(const lexon_private::Wordlex& other) : text(new lexon_private::Wordlex(other)) {}
+Wordlex::Wordlex(const Wordlex& other) : Wordlex(*other.text) {}
+
+Wordlex& Wordlex::operator=(const Wordlex& other) {
+    *text = *other.text;
+    return *this;
+}
+
+Wordlex::~Wordlex() { delete text; }
+
+void Wordlex::MakeFromUnicode(const unsigned short* units, unsigned long count) {
+    RemakeOrEmpty(*text,
+                  [=] { return lexon_private::Wordlex::BackDoorMakeFromUnicode(units, count); });
+}
+
+void Wordlex::MakeFromCString(const char* bytes, unsigned long count, EncodingInfo* encoding) {
+    RemakeOrEmpty(*text, [=] {
+        return lexon_private::Wordlex::BackDoorMakeFromCString(bytes, count, encoding);
+    });
+}
+
+void Wordlex::MakeFromPascalString(const unsigned char* bytes, unsigned long count,
+                                   EncodingInfo* encoding) {
+    RemakeOrEmpty(*text, [=] {
+        return lexon_private::Wordlex::BackDoorMakeFromPascalString(bytes, count, encoding);
+    });
+}
+
+void Wordlex::AssignUnicode(const unsigned short* units) { text->BackDoorAssignUnicode(units); }
+
+void Wordlex::AssignCString(const char* bytes, EncodingInfo* encoding) {
+    text->BackDoorAssignCString(bytes, encoding);
+}
+
+void Wordlex::AssignPascalString(const unsigned char* bytes, EncodingInfo* encoding) {
+    text->BackDoorAssignPascalString(bytes, encoding);
+}
+
+unsigned long Wordlex::GetUnicodeSize() const { return text->BackDoorGetUnicodeSize(); }
+
+void Wordlex::GetUnicode(unsigned short* destination, unsigned long capacity,
+                         bool throwIfTooSmall) const {
+    text->BackDoorGetUnicode(destination, capacity, throwIfTooSmall);
+}
+
+unsigned long Wordlex::GetUnicodeSizeNoNull() const { return text->BackDoorGetUnicodeSizeNoNull(); }
+
+void Wordlex::GetUnicodeNoNull(unsigned short* destination, unsigned long capacity,
+                               bool throwIfTooSmall) const {
+    text->BackDoorGetUnicodeNoNull(destination, capacity, throwIfTooSmall);
+}
+
+unsigned long Wordlex::GetCStringSize(EncodingInfo* encoding) const {
+    return text->BackDoorGetCStringSize(encoding);
+}
+
+void Wordlex::GetCString(char* destination, unsigned long capacity, bool throwIfTooSmall,
+                         EncodingInfo* encoding) const {
+    text->BackDoorGetCString(destination, capacity, throwIfTooSmall, encoding);
+}
+
+unsigned long Wordlex::GetPascalStringSize(EncodingInfo* encoding) const {
+    return text->BackDoorGetPascalStringSize(encoding);
+}
+
+void Wordlex::GetPascalString(unsigned char* destination, unsigned long capacity,
+                              bool throwIfTooSmall, EncodingInfo* encoding) const {
+    text->BackDoorGetPascalString(destination, capacity, throwIfTooSmall, encoding);
+}
+
+void Wordlex::GetInternalData(const unsigned short** units, unsigned long* length) const {
+    text->BackDoorGetInternalData(*units, *length);
+}
+
+bool Wordlex::ParamSubstitute(const char* name, const Wordlex& value) {
+    return ParamSubstitute(name, value, 1);
+}
+
+bool Wordlex::ParamSubstitute(const char* name, const Wordlex& value, int occurrence) {
+    return text->BackDoorParamSubstitute(name, *value.text, occurrence);
+}
+
+bool Wordlex::WillReplace(unsigned char n) const { return text->WillReplace(n); }
+void Wordlex::Replace(unsigned char n, const Wordlex& value) { text->Replace(n, *value.text); }
+
+int Wordlex::CompareTo(const Wordlex& other) const { return text->CompareTo(*other.text); }
+bool Wordlex::operator==(const Wordlex& other) const { return *text == *other.text; }
+bool Wordlex::operator!=(const Wordlex& other) const { return *text != *other.text; }
+bool Wordlex::operator<(const Wordlex& other) const { return *text < *other.text; }
+bool Wordlex::operator<=(const Wordlex& other) const { return *text <= *other.text; }
+bool Wordlex::operator>(const Wordlex& other) const { return *text > *other.text; }
+bool Wordlex::operator>=(const Wordlex& other) const { return *text >= *other.text; }
+
+void Wordlex::Clear() { text->Clear(); }
+bool Wordlex::IsAllWhiteSpace() const { return text->IsAllWhiteSpace(); }
+bool Wordlex::IsEmpty() const { return text->IsEmpty(); }
+bool Wordlex::ToInteger(long& result) const { return text->ToInteger(result); }
+void Wordlex::TrimBlanks() { text->TrimBlanks(); }
+void Wordlex::TrimEllipsis() { text->TrimEllipsis(); }
+void Wordlex::EllipsisToHostEllipsis() { text->EllipsisToHostEllipsis(); }
+void Wordlex::RemoveAccelerators() { text->RemoveAccelerators(); }
+void Wordlex::RemoveBadFilenameCharacters() { text->RemoveBadFilenameCharacters(); }
+bool Wordlex::RemoveExtension() { return text->RemoveExtension(); }
+
+void Wordlex::SetDefaultApplicationEncoding(unsigned int encoding) {
+    lexon_private::Wordlex::SetDefaultApplicationEncoding(encoding);
+}
+
+}  // namespace lexon
