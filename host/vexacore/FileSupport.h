@@ -5,6 +5,7 @@
 // Threads:  none; each object serves one thread at a time.
 
 #include <cstdint>
+#include <string>
 
 #include "host/vexacore/String.h"
 
@@ -59,7 +60,7 @@ public:
 private:
     [[noreturn]] void Fail(int error) const;
 
-    UTF16String path;
+    std::string path;  // as given to the system
     int descriptor;
 };
 

@@ -13,7 +13,8 @@ public:
     // `folder` is where locale files of the application's own are; an empty one names none.
     static void Initialize(const UTF16String& language, const filesupport::Dir& folder);
 
-    static UTF16String Language();  // empty before Initialize
+    static UTF16String GetLanguage();  // empty before Initialize
+    static filesupport::Dir GetFolder();
 };
 
 }  // namespace vexacore

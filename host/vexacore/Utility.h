@@ -1,6 +1,6 @@
 #pragma once
 // Conversions between 8-bit text and UTF-16. None of them fails on malformed text; exhausted memory
-// throws std::bad_alloc.
+// throws std::bad_alloc, a text of more than 2 GiB in the result std::length_error.
 
 #include <cstddef>
 #include <string>
@@ -15,8 +15,8 @@ namespace vexacore::utility {
 UTF16String AsciiToUTF16(const char* text, std::size_t length);
 UTF16String AsciiToUTF16(const char* text);  // up to the terminating NUL
 
-// Each maximal ill-formed run of bytes (a cut sequence, an overlong form, a surrogate, a value
-// above U+10FFFF, a stray byte) becomes one U+FFFD.
+// A sequence that is cut short becomes one U+FFFD, and so does each other byte that cannot begin or
+// go on with a sequence: two for the overlong C0 80, three for the surrogate ED A0 80.
 UTF16String UTF8to16(std::string_view text);
 
 // The 8-bit form that the file system takes: UTF-8. An unpaired surrogate becomes U+FFFD.

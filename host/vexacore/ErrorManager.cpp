@@ -1,0 +1,47 @@
+#include "host/vexacore/ErrorManager.h"
+
+#include "host/vexacore/Debug.h"
+
+namespace vexacore::config {
+
+namespace {
+
+std::atomic<ErrorManager*> installed;
+
+void MemoryExhausted() {
+    ErrorManager* const manager = installed;
+    if (!manager || !manager->ReleaseReserve()) throw std::bad_alloc();
+}
+
+}  // namespace
+
+ErrorManager::ErrorManager() : reserve(new std::byte[kReserveBytes]) {}
+
+ErrorManager::~ErrorManager() { delete[] reserve.load(); }
+
+bool ErrorManager::ReleaseReserve() noexcept {
+    std::byte* const released = reserve.exchange(nullptr);
+    delete[] released;
+    return released != nullptr;
+}
+
+bool ErrorManager::HasReserve() const noexcept { return reserve != nullptr; }
+
+void ErrorManager::Set(ErrorManager* manager) noexcept {
+    installed = manager;
+    debug::HostEvents::Append(manager ? "error manager installed" : "error manager uninstalled");
+}
+
+ErrorManager* ErrorManager::Get() noexcept { return installed; }
+
+ErrorManager::NewHandlerInitializer::NewHandlerInitializer() noexcept
+    : previous(std::set_new_handler(MemoryExhausted)) {
+    debug::HostEvents::Append("new-handler installed");
+}
+
+ErrorManager::NewHandlerInitializer::~NewHandlerInitializer() {
+    std::set_new_handler(previous);
+    debug::HostEvents::Append("new-handler removed");
+}
+
+}  // namespace vexacore::config
