@@ -1,0 +1,50 @@
+#pragma once
+// The part of Foundation that the system calls, shaped as Foundation's selectors are: the file
+// manager's folders by their role.
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <type_traits>
+
+#include "host/CoreFoundation/CoreFoundation.h"
+
+enum NSSearchPathDirectory : unsigned long { NSApplicationSupportDirectory = 14 };
+
+enum NSSearchPathDomainMask : unsigned long { NSLocalDomainMask = 2 };  // for all users
+
+struct NSError {
+    std::string localizedDescription;
+};
+
+// A file URL.
+// Owns: its path, an absolute one in UTF-16.
+class NSURL {
+public:
+    explicit NSURL(CFStringRef path);  // retains the path
+
+    CFStringRef Path() const noexcept;  // borrowed
+
+private:
+    struct Release {
+        void operator()(CFStringRef text) const noexcept { CFRelease(text); }
+    };
+    std::unique_ptr<std::remove_pointer_t<CFStringRef>, Release> filePath;
+};
+
+// Threads: all calls from any thread, as long as none changes the environment.
+class NSFileManager {
+public:
+    static NSFileManager& DefaultManager();
+
+    // The folder of that role. The one that is known is the Application Support folder of the local
+    // domain: the first entry of XDG_DATA_DIRS, or /usr/local/share where that is not set. Folders
+    // are not created and need not exist, nor is any other URL taken into account:
+    // `appropriateForURL` is null and `create` false.
+    // Failure: gives nothing and fills `error`, when it is not null, for everything that is not
+    // known and when the first entry of XDG_DATA_DIRS is empty, not absolute or not UTF-8.
+    std::optional<NSURL> URLForDirectory(NSSearchPathDirectory directory,
+                                         NSSearchPathDomainMask inDomain,
+                                         const NSURL* appropriateForURL, bool create,
+                                         std::optional<NSError>* error) const;
+};

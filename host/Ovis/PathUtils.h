@@ -1,0 +1,19 @@
+#pragma once
+
+#include "host/vexacore/String.h"
+
+namespace Ovis {
+
+class PathUtils {
+public:
+    // The path with exactly one separator at its end. The empty path becomes the root folder, so
+    // that a path built on a folder that could not be had never leads into the working folder.
+    static vexacore::UTF16String AddTrailingSlash(const vexacore::UTF16String& path);
+
+    // Whether the path names a folder, when `folder` is set, or else something that is no folder.
+    static bool ExistsOnDisk(const vexacore::UTF16String& path, bool folder);
+
+    static vexacore::UTF16String GetPathSeparator();
+};
+
+}  // namespace Ovis
