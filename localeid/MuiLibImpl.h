@@ -8,7 +8,7 @@
 #include "localeid/LocaleList.h"
 
 // The order forced by MuiForceOrderOfOsLocales, names separated by ';'; null when none is.
-// Owned, from new[]; what the process ends with is left to the process.
+// Owned, from new[]; the last one is never freed.
 extern char* g_osLangOverride;
 
 // What counts as the language that PromoteLanguage looks for.

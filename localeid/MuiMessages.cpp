@@ -28,7 +28,7 @@ constexpr std::array<MuiMessageRow, kMessageLanguages + 1> allMessages = {{
      L"الرجاء إعادة تثبيت التطبيق أو إصلاحه ثم المحاولة مرة أخرى.",
      L"لا يدعم هذا التطبيق لغة نظام التشغيل الحالية. "
      L"الرجاء فتح «الخيارات الإقليمية وخيارات اللغة» في لوحة التحكم من قائمة «ابدأ» في Windows. "
-     L"ثم الرجاء تغيير الإعداد «لغة البرامج غير المتوافقة مع Unicode»، ضمن علامة التبويب «خيارات متقدمة» (أو علامة التبويب «إداري» في نظام Vista)، بحيث يطابق لغة التطبيق."},
+     L"بعد ذلك، ضمن علامة التبويب «خيارات متقدمة» (وفي نظام Vista ضمن علامة التبويب «إداري»)، الرجاء تغيير الإعداد «لغة البرامج غير المتوافقة مع Unicode» ليطابق لغة التطبيق."},
     {"bg",
      L"Локализираните файлове с ресурси за това приложение не можаха да бъдат заредени. "
      L"Моля, преинсталирайте или поправете приложението и опитайте отново.",
@@ -98,10 +98,10 @@ constexpr std::array<MuiMessageRow, kMessageLanguages + 1> allMessages = {{
      L"Zatim na kartici „Dodatno” (u sustavu Vista na kartici „Administrativno”) promijenite postavku „Jezik za programe koji ne podržavaju Unicode” tako da odgovara jeziku aplikacije."},
     {"hu",
      L"Az alkalmazás honosított erőforrásfájljait nem sikerült betölteni. "
-     L"Kérjük, telepítse újra vagy javítsa ki az alkalmazást, majd próbálkozzon újra.",
+     L"Kérjük, telepítse újra vagy javítsa meg az alkalmazást, majd próbálkozzon újra.",
      L"Ez az alkalmazás nem támogatja az operációs rendszer jelenlegi nyelvét. "
      L"Kérjük, a Windows Start menüjéből nyissa meg a Vezérlőpult „Területi és nyelvi beállítások” elemét. "
-     L"Ezután a „Speciális” lapon (Vista rendszerben a „Felügyelet” lapon) módosítsa „A Unicode kódolást nem használó programok nyelve” beállítást úgy, hogy az megegyezzen az alkalmazás nyelvével."},
+     L"Ezután a „Speciális” lapon (Vista rendszeren a „Felügyelet” lapon) módosítsa „A Unicode kódolást nem használó programok nyelve” beállítást úgy, hogy az megegyezzen az alkalmazás nyelvével."},
     {"it",
      L"Non è stato possibile caricare i file di risorse localizzati di questa applicazione. "
      L"Reinstallare o riparare l’applicazione e riprovare.",
@@ -139,7 +139,7 @@ constexpr std::array<MuiMessageRow, kMessageLanguages + 1> allMessages = {{
      L"Åpne «Innstillinger for region og språk» i Kontrollpanel fra Start-menyen i Windows. "
      L"Endre deretter innstillingen «Språk for ikke-Unicode-programmer» på fanen «Avansert» (i Vista på fanen «Administrativt»), slik at den samsvarer med språket i programmet."},
     {"nl",
-     L"De gelokaliseerde bronbestanden voor deze toepassing konden niet worden geladen. "
+     L"De gelokaliseerde resourcebestanden voor deze toepassing konden niet worden geladen. "
      L"Installeer de toepassing opnieuw of herstel deze en probeer het daarna nogmaals.",
      L"Deze toepassing biedt geen ondersteuning voor de huidige taal van het besturingssysteem. "
      L"Open via het menu Start van Windows het onderdeel “Land-/taalinstellingen” van het Configuratiescherm. "
@@ -222,4 +222,6 @@ static_assert(std::is_sorted(allMessages.begin(), allMessages.begin() + kMessage
                              [](const MuiMessageRow& a, const MuiMessageRow& b) {
                                  return std::string_view(a.locale) < b.locale;
                              }));
-static_assert(*allMessages[kMessageLanguages].locale == '\0');
+static_assert(*allMessages.back().locale == '\0' &&
+              allMessages.back().localeUnavailable == kEnglishLocaleUnavailable &&
+              allMessages.back().unsupportedSystemLocale == kEnglishUnsupportedSystemLocale);
