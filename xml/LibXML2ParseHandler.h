@@ -1,0 +1,83 @@
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <map>
+#include <string_view>
+
+#include "host/vexacore/Xml.h"
+
+struct _xmlEntity;
+struct _xmlParserCtxt;
+
+namespace vexacore::xml {
+
+// Parses a document with libxml2's SAX2 parser and reports it to the host's handler.
+//
+// Owns:     its handler, which is never null; during ParseBuffer the libxml2 context.
+// Invariant: one scope map for each open element, the declarations made on it. An element that a
+//           failed parse left open keeps its map until the parser goes.
+// Entities: internal ones are replaced by their text. References to external ones are refused:
+//           nothing but the given document is ever opened, and nothing process-wide is changed
+//           for it.
+// Limits:   a document of more than 2 GiB is refused. A document whose entities and default
+//           attributes yield more than 1 MB plus five times its size is given up, and so is one
+//           that nests deeper than libxml2 allows (256 elements).
+// Failure:  kParseFailed for a document that cannot be read as XML and for an exception of the
+//           handler, which is discarded; the events up to there have been delivered, none follows.
+//           Errors of the file layer leave ParseDocument as exceptions.
+// Threads:  none; separate parsers may work on separate threads.
+class LibXML2ParseHandler : public AbstractDocParser {
+public:
+    // Takes the handler over; the caller's owner is empty afterwards.
+    explicit LibXML2ParseHandler(Owner<AbstractParseHandler>& handler);
+    ~LibXML2ParseHandler() override;
+
+    bool HasNamespaceSupport() const override;
+    ResultCode ParseDocument(const UTF16String& path) override;
+    // The document ends at its first NUL.
+    ResultCode ParseBuffer(const ByteString& document) override;
+
+    // Called by libxml2; `parser` is the LibXML2ParseHandler. They let no exception out: it would
+    // pass through libxml2's frames and leak what they hold.
+    static void internalSubset(void* parser, const unsigned char* name,
+                               const unsigned char* externalId, const unsigned char* systemId);
+    static _xmlEntity* getEntity(void* parser, const unsigned char* name);
+    static void startDocument(void* parser);
+    static void endDocument(void* parser);
+    static void characters(void* parser, const unsigned char* text, int length);
+    static void cdataBlock(void* parser, const unsigned char* text, int length);
+    static void comment(void* parser, const unsigned char* text);
+    // `namespaces` holds pairs of prefix and URI, `attributes` five pointers each: local name,
+    // prefix, URI, start and end of the value.
+    static void startElementWithNamespace(void* parser, const unsigned char* localName,
+                                          const unsigned char* prefix, const unsigned char* uri,
+                                          int namespaceCount, const unsigned char** namespaces,
+                                          int attributeCount, int defaultedCount,
+                                          const unsigned char** attributes);
+    static void endElementWithNamespace(void* parser, const unsigned char* localName,
+                                        const unsigned char* prefix, const unsigned char* uri);
+
+private:
+    using Scope = std::map<UTF16String, UTF16String>;  // prefix to namespace URI
+
+    template <class Action>
+    static void Report(void* parser, Action action) noexcept;
+    UTF16String HandOn(std::string_view text);
+    UTF16String HandOnUri(const unsigned char* uri);
+    UTF16String HandOnQualifiedName(const unsigned char* prefix, const unsigned char* localName);
+
+    _xmlParserCtxt* context = nullptr;  // null outside ParseBuffer
+    std::deque<Scope> scopes;
+    bool failed = false;     // a callback of this parse has thrown
+    std::size_t budget = 0;  // bytes that this parse may still hand on
+};
+
+// Makes LibXML2ParseHandlers.
+class LibXML2ParserFactory : public DocParserFactory {
+public:
+    ~LibXML2ParserFactory() override;
+    Owner<AbstractDocParser> GetParser(Owner<AbstractParseHandler>& handler) override;
+};
+
+}  // namespace vexacore::xml
