@@ -8,7 +8,8 @@
 //          release them. The environment is read (CFStringGetSystemEncoding,
 //          CFPreferencesCopyValue), so no thread may change it meanwhile.
 // Failure: a "Create" or "Copy" function gives null where the text or value cannot be had. Memory
-//          exhaustion raises std::bad_alloc and leaks nothing.
+//          exhaustion raises std::bad_alloc, and an encoding whose data this machine's ICU lacks
+//          std::runtime_error; neither leaks anything.
 
 extern "C" {
 
@@ -43,7 +44,7 @@ CFTypeID CFGetTypeID(CFTypeRef object);
 CFTypeID CFStringGetTypeID();
 CFTypeID CFArrayGetTypeID();
 
-extern const CFAllocatorRef kCFAllocatorDefault;  // malloc and free; null means the same
+extern const CFAllocatorRef kCFAllocatorDefault;  // null
 extern const CFAllocatorRef kCFAllocatorNull;     // as a deallocator: the text stays the caller's
 
 // Text encodings. A number that is not listed here is taken as the system encoding.
@@ -102,17 +103,16 @@ CFStringEncoding CFStringGetSystemEncoding();
 // kCFAllocatorDefault. A range lies within the string.
 
 // Conversions to Unicode are strict: bytes that are no text of the encoding give null. UTF-16 needs
-// an even count and takes unpaired surrogates as they are. With isExternalRepresentation a leading
-// byte order mark is honoured and dropped, and kCFStringEncodingUTF16 without one is big-endian;
-// otherwise a mark is text and kCFStringEncodingUTF16 is in host order.
+// an even count and takes unpaired surrogates as they are. kCFStringEncodingUTF16 is in host order.
+// With isExternalRepresentation a mark at the head of UTF-8 or kCFStringEncodingUTF16 is honoured
+// and dropped, and the latter is big-endian without one.
 CFStringRef CFStringCreateWithBytes(CFAllocatorRef allocator, const UInt8* bytes, CFIndex byteCount,
                                     CFStringEncoding encoding, Boolean isExternalRepresentation);
 
 CFStringRef CFStringCreateWithCharacters(CFAllocatorRef allocator, const UniChar* units,
                                          CFIndex count);
 
-// With kCFAllocatorNull the units are borrowed and outlive the string; otherwise the string takes
-// them over, also when the call fails, and frees them with std::free.
+// Borrows the units, which outlive the string: `contentsDeallocator` is kCFAllocatorNull.
 CFStringRef CFStringCreateWithCharactersNoCopy(CFAllocatorRef allocator, const UniChar* units,
                                                CFIndex count, CFAllocatorRef contentsDeallocator);
 

@@ -1,6 +1,5 @@
 #include "host/CoreFoundation/Object.h"
 
-#include <cstdlib>
 #include <utility>
 
 #include "host/CoreFoundation/LiveObjects.h"
@@ -43,12 +42,8 @@ OpaqueCFString::OpaqueCFString(std::vector<UniChar> text, bool isImmortal) noexc
       units(storage.data()),
       length(static_cast<CFIndex>(storage.size())) {}
 
-OpaqueCFString::OpaqueCFString(const UniChar* text, CFIndex count, bool isMallocked) noexcept
-    : head(host::cf::Type::kString), units(text), length(count), mallocked(isMallocked) {}
-
-OpaqueCFString::~OpaqueCFString() {
-    if (mallocked) std::free(const_cast<UniChar*>(units));
-}
+OpaqueCFString::OpaqueCFString(const UniChar* text, CFIndex count) noexcept
+    : head(host::cf::Type::kString), units(text), length(count) {}
 
 OpaqueCFArray::OpaqueCFArray(std::vector<CFTypeRef> references) noexcept
     : values(std::move(references)) {}

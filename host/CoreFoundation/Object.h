@@ -34,15 +34,13 @@ private:
 struct OpaqueCFString {
     // Takes the units over.
     explicit OpaqueCFString(std::vector<UniChar> text, bool isImmortal = false) noexcept;
-    // Borrows the units, or owns them when `isMallocked`.
-    OpaqueCFString(const UniChar* text, CFIndex count, bool isMallocked) noexcept;
-    ~OpaqueCFString();
+    // Borrows the units.
+    OpaqueCFString(const UniChar* text, CFIndex count) noexcept;
 
     host::cf::ObjectHead head;
-    std::vector<UniChar> storage;
+    std::vector<UniChar> storage;  // empty when the units are borrowed
     const UniChar* units;
     CFIndex length;
-    bool mallocked = false;
 };
 
 // Holds one reference to each value.
