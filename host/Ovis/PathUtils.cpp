@@ -1,0 +1,28 @@
+#include "host/Ovis/PathUtils.h"
+
+#include <filesystem>
+#include <system_error>
+
+#include "host/vexacore/FileSupport.h"
+#include "host/vexacore/Utility.h"
+
+namespace Ovis {
+
+namespace {
+constexpr char16_t kSeparator = u'/';
+}
+
+vexacore::UTF16String PathUtils::AddTrailingSlash(const vexacore::UTF16String& path) {
+    // find_last_not_of gives npos for a path of separators only; npos + 1 is 0.
+    return path.substr(0, path.find_last_not_of(kSeparator) + 1) + kSeparator;
+}
+
+bool PathUtils::ExistsOnDisk(const vexacore::UTF16String& path, bool folder) {
+    if (!folder) return vexacore::utility::FileUtils::FileExists(path);
+    std::error_code unreachable;
+    return std::filesystem::is_directory(vexacore::utility::UTF16toStdString(path), unreachable);
+}
+
+vexacore::UTF16String PathUtils::GetPathSeparator() { return {kSeparator}; }
+
+}  // namespace Ovis
