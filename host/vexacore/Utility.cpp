@@ -6,6 +6,7 @@
 #include <cstring>
 #include <limits>
 #include <stdexcept>
+#include <vector>
 
 namespace vexacore::utility {
 
@@ -52,5 +53,12 @@ std::string UTF16toStdString(const UTF16String& text) {
 }
 
 UTF16String StdToUTF16String(std::string_view text) { return UTF8to16(text); }
+
+UTF16String MACtoVEXA(CFStringRef text) {
+    if (!text) return UTF16String();
+    std::vector<UniChar> units(static_cast<std::size_t>(CFStringGetLength(text)));
+    CFStringGetCharacters(text, CFRangeMake(0, CFStringGetLength(text)), units.data());
+    return UTF16String(units.begin(), units.end());
+}
 
 }  // namespace vexacore::utility

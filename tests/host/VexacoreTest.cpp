@@ -106,6 +106,14 @@ TEST(Utility, EncodesPathsAsUtf8) {
     EXPECT_EQ("\xEF\xBF\xBDz", utility::UTF16toStdString({char16_t{0xD83C}, u'z'}));
 }
 
+TEST(Utility, TakesPlatformStringsAsTheyStand) {
+    const UniChar units[] = {u'a', 0, 0xD83C};
+    const CFStringRef text = CFStringCreateWithCharacters(nullptr, units, 3);
+    EXPECT_EQ(UTF16String(units, units + 3), utility::MACtoVEXA(text));
+    CFRelease(text);
+    EXPECT_EQ(u"", utility::MACtoVEXA(nullptr));
+}
+
 TEST(Identity, RecordsEachCallInOrder) {
     const std::size_t before = config::GetIdentity().size();
     config::SetSAPCode(u"first");

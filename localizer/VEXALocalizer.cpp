@@ -1,0 +1,85 @@
+#include "localizer/VEXALocalizer.h"
+
+#include <fstream>
+#include <vector>
+
+#include "host/Ovis/Language.h"
+#include "host/Ovis/PathUtils.h"
+#include "host/vexacore/Threads.h"
+#include "host/vexacore/Utility.h"
+
+namespace FE {
+
+using vexacore::UTF16String;
+
+namespace {
+
+constexpr char16_t kDictionaryFileName[] = u"wdictionary.dat";
+
+vexacore::threads::RecursiveMutex sCriticalSection;
+
+class ScopedLock {
+public:
+    ScopedLock() { sCriticalSection.Lock(nullptr); }
+    ~ScopedLock() { sCriticalSection.Unlock(); }
+    ScopedLock(const ScopedLock&) = delete;
+    ScopedLock& operator=(const ScopedLock&) = delete;
+};
+
+}  // namespace
+
+Localizer::Localizer() = default;
+Localizer::~Localizer() = default;
+
+UTF16String Localizer::GetLocalizedString(const char* key) const {
+    std::string text(key);
+    if (text.find('=') == std::string::npos)
+        return vexacore::utility::AsciiToUTF16(text.data(), text.size());
+    if (text.starts_with("($$$")) {
+        text.erase(0, 1);
+        if (text.ends_with(')')) text.pop_back();
+        return PerformWordlexLookup(text);
+    }
+    if (text.starts_with("$$$")) return PerformWordlexLookup(text);
+    return vexacore::utility::UTF8to16(text);
+}
+
+UTF16String Localizer::PerformWordlexLookup(const std::string& key) const {
+    // Locked to the end: the found string shares its count with the dictionary.
+    const ScopedLock lock;
+    if (!dictionary.IsValid()) return vexacore::utility::AsciiToUTF16(key.data(), key.size());
+    const lexon::Wordlex found = dictionary.Lookup(key.c_str(), nullptr);
+    std::vector<unsigned short> units(found.GetUnicodeSize());
+    found.GetUnicode(units.data(), units.size(), true);
+    return UTF16String(units.begin(), units.end() - 1);
+}
+
+bool Localizer::LoadDictionary(const UTF16String& baseFolder) {
+    return LoadWordlexDictionary(baseFolder);
+}
+
+bool Localizer::LoadWordlexDictionary(const UTF16String& baseFolder) {
+    UTF16String path;
+    if (!GetWordlexDictionaryFolder(baseFolder, path)) return false;
+    std::ifstream file(vexacore::utility::UTF16toStdString(path));
+    if (!file) return false;
+    const ScopedLock lock;
+    dictionary.Read(&file);
+    return true;
+}
+
+bool Localizer::GetWordlexDictionaryFolder(const UTF16String& baseFolder, UTF16String& file) const {
+    using Ovis::PathUtils;
+    const UTF16String folder = PathUtils::AddTrailingSlash(baseFolder);
+    const UTF16String languages = PathUtils::AddTrailingSlash(folder + u"Dictionaries");
+    const UTF16String language = PathUtils::AddTrailingSlash(languages + Ovis::GetLanguageString());
+    for (const UTF16String& candidate :
+         {language + kDictionaryFileName, folder + kDictionaryFileName}) {
+        if (!PathUtils::ExistsOnDisk(candidate, false)) continue;
+        file = candidate;
+        return true;
+    }
+    return false;
+}
+
+}  // namespace FE

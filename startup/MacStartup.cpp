@@ -1,0 +1,64 @@
+#include "startup/MacStartup.h"
+
+#include <boost/shared_ptr.hpp>
+#include <memory>
+#include <string>
+
+#include "host/HUIF/Initializer.h"
+#include "host/Ovis/Module.h"
+#include "host/vexacore/Debug.h"
+#include "host/vexacore/String.h"
+#include "startup/VEXAInitializer.h"
+
+using vexacore::debug::GlobalTimeMeasurement;
+
+namespace {
+
+using AppMain = std::int32_t(std::intptr_t, std::int32_t, std::int32_t);
+
+const vexacore::UTF16String kFrontendFrameworkName = u"Frontend.framework";
+const std::string kStrAppMain = "AppMain";
+constexpr auto kLaunchCookie = static_cast<std::int32_t>(0xC3A951E7);
+
+constexpr char kMeasurement[] = "StartupTime";
+
+void EndMeasurement() {
+    GlobalTimeMeasurement::EndMeasurement(kMeasurement, "Application closing", true);
+}
+
+std::unique_ptr<Startup::VEXAInitializer> BringUpHost() noexcept {
+    try {
+        return std::make_unique<Startup::VEXAInitializer>();
+    } catch (...) {
+        return nullptr;
+    }
+}
+
+}  // namespace
+
+extern "C" [[gnu::visibility("default")]] std::int32_t Run(std::intptr_t first, std::int32_t second,
+                                                           std::int32_t cookie) {
+    if (cookie != kLaunchCookie) return 1;
+
+    // Destroyed in reverse, whichever way Run ends: first the module handle, then the host.
+    const auto host = BringUpHost();
+    if (!host) return 1;
+    boost::shared_ptr<Ovis::Module> frontend;
+
+    GlobalTimeMeasurement::BeginMeasurement(kMeasurement, "Starting", true, 1000);
+    const std::int32_t status = Ovis::Module::LoadRelative(
+        kFrontendFrameworkName, Ovis::Module::PathType::kApplicationFramework, frontend);
+    GlobalTimeMeasurement::IntermediateMeasurement(kMeasurement, "Framewright DLL load finished",
+                                                   true, 6);
+    const bool loaded = status >= 0 && frontend;
+    void* const entry = loaded ? frontend->GetProcAddress(kStrAppMain.c_str()) : nullptr;
+    if (!entry) {
+        EndMeasurement();
+        return 1;
+    }
+
+    const HUIF::Initializer userInterface;
+    const std::int32_t result = reinterpret_cast<AppMain*>(entry)(first, second, 0);
+    EndMeasurement();
+    return result;
+}

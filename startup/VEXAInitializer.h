@@ -1,0 +1,36 @@
+#pragma once
+
+#include <memory>
+
+#include "host/vexacore/ErrorManager.h"
+#include "host/vexacore/String.h"
+#include "localizer/VEXALocalizer.h"
+
+namespace Startup {
+
+// Prepares the host for the application: identity, error manager, XML parser factory, localizer
+// with its dictionaries, locale. The destructor takes it back.
+//
+// Owns:     the error manager, the new-handler initializer and the localizer. The host refers to
+//           them only while this object lives; it owns the parser factory itself.
+// Failure:  any exception of the host leaves the constructor. The host then refers to nothing that
+//           goes with this object; the identity, and the factory if it was installed, stay.
+// Threads:  made and destroyed on the launcher's thread.
+class VEXAInitializer {
+public:
+    VEXAInitializer();
+    ~VEXAInitializer();
+    VEXAInitializer(const VEXAInitializer&) = delete;
+    VEXAInitializer& operator=(const VEXAInitializer&) = delete;
+
+private:
+    void SetUpHost();
+    static void Uninstall() noexcept;
+
+    // Deleted in reverse: the localizer first.
+    std::unique_ptr<vexacore::config::ErrorManager> errorManager;
+    std::unique_ptr<vexacore::config::ErrorManager::NewHandlerInitializer> newHandlerInitializer;
+    std::unique_ptr<FE::Localizer> localizer;
+};
+
+}  // namespace Startup
