@@ -228,7 +228,7 @@ private:
 };
 
 // The first pass: '\' and '^' with the unit behind them.
-std::vector<unsigned short> ResolveUnitEscapes(Units text) {
+std::vector<unsigned short> ResolveUnitEscapes(Units text, const EscapeTableEntry* hatEscapes) {
     std::vector<unsigned short> output;
     output.reserve(text.size());
     unsigned short pending = 0;  // the escape character that waits for its unit
@@ -242,8 +242,7 @@ std::vector<unsigned short> ResolveUnitEscapes(Units text) {
             continue;
         }
         const unsigned short replacement = DictionaryEntry::LookupEscape(
-            pending == u'\\' ? DictionaryEntry::BackslashEscapes() : DictionaryEntry::HatEscapes(),
-            unit);
+            pending == u'\\' ? sBackslashEscapeTable : hatEscapes, unit);
         if (replacement != 0) {
             output.push_back(replacement);
         } else {
@@ -296,6 +295,7 @@ std::uint32_t DictionaryEntry::SerializeValue(std::ostream& out, bool binary,
 
 UnicodeRun DictionaryEntry::ConvertEscapeSequences(const unsigned short* text,
                                                    unsigned long length) {
+    const EscapeTableEntry* const hatEscapes = HatEscapes();
     const Units units(text, length);
     bool unitEscapes = false;
     bool entities = false;
@@ -306,7 +306,7 @@ UnicodeRun DictionaryEntry::ConvertEscapeSequences(const unsigned short* text,
     if (!unitEscapes) {
         return entities ? EntityPass(units).Run() : UnicodeRun(text, length);
     }
-    return EntityPass(ResolveUnitEscapes(units)).Run();
+    return EntityPass(ResolveUnitEscapes(units, hatEscapes)).Run();
 }
 
 UnicodeRun DictionaryEntry::ConvertEscapeSequencesISO(const unsigned short* text,

@@ -37,8 +37,8 @@ public:
     };
 
     // Copies the key; converts the escapes of `text`, the value as its source writes it.
-    DictionaryEntry(const ByteRunKey& key, const unsigned short* text, unsigned long length)
-        : ByteRunKey(key), value(ConvertEscapeSequences(text, length)) {}
+    DictionaryEntry(const ByteRunKey& key, const unsigned short* text, unsigned long unitCount)
+        : ByteRunKey(key), value(ConvertEscapeSequences(text, unitCount)) {}
     // Takes the value as it stands. Without `copyKey` the key's bytes are borrowed and must outlive
     // the entry.
     DictionaryEntry(const unsigned char* key, unsigned long keyLength, bool copyKey,
@@ -70,7 +70,7 @@ public:
 
     // The replacement of `unit`, or 0.
     static unsigned short LookupEscape(const EscapeTableEntry* table, unsigned short unit);
-    // The tables of '\' and '^'. The latter is chosen at the first call of the process, by
+    // The tables of '\' and '^'. The latter is chosen at the first conversion of the process, by
     // lexon::EnableQuorvHatEscapes, and then stays.
     static const EscapeTableEntry* BackslashEscapes();
     static const EscapeTableEntry* HatEscapes();

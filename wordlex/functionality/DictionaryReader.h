@@ -1,0 +1,58 @@
+#pragma once
+#include <cstdint>
+#include <iosfwd>
+#include <memory>
+
+#include "wordlex/functionality/Buffer.h"
+
+namespace lexon_private {
+
+// Reads a text dictionary line by line: UTF-16 in either byte order, or 8-bit text.
+// Owns:    its line buffer. Stream and image are borrowed and outlive the reader.
+// Failure: a source that cannot be read ends the text; there is no error state of its own.
+// Input is read ahead in blocks, from the first line on and not before.
+class DictionaryReader {
+public:
+    // Chooses by the first two bytes: FF FE and FE FF are the marks of UTF-16 and are passed over;
+    // anything else is 8-bit text. The stream's state is cleared and, for 8-bit text, it moves back
+    // to its start. A null stream gives a reader without lines.
+    static std::unique_ptr<DictionaryReader> Make(std::istream* stream);
+    // The same over an image; null when it holds fewer than two bytes.
+    static std::unique_ptr<DictionaryReader> Make(const char* begin, const char* end);
+    // Reads up to `*count` bytes and sets `*count` to those read; none from a null stream.
+    static void ReadDataStream(std::istream* stream, char* buffer, long* count);
+
+    DictionaryReader(const DictionaryReader&) = delete;
+    DictionaryReader& operator=(const DictionaryReader&) = delete;
+    virtual ~DictionaryReader() = default;
+
+    // The units of the next line and a 0 behind them, without the line's end; null when the input
+    // is used up. Valid until the next call. A unit or byte 0 ends the input for good.
+    virtual unsigned short* ReadALine() = 0;
+    // Units of the line that ReadALine gave, without the 0.
+    std::size_t GetLineLength() const noexcept { return line.GetLength(); }
+
+protected:
+    explicit DictionaryReader(std::istream* stream);
+    DictionaryReader(const char* begin, const char* end);
+
+    // Reads up to `*count` bytes and sets `*count` to those read.
+    void ReadDataStream(char* buffer, long* count);
+    // Ends the line with a 0 and gives its units.
+    unsigned short* EndLine();
+
+    Buffer<unsigned short> line;
+    bool ended = false;  // a 0 was met
+
+private:
+    enum class SourceKind : std::int32_t { kStream = 0, kMemory = 2 };
+
+    void ReadDataBuffer(char* buffer, long* count);
+
+    std::istream* stream = nullptr;
+    SourceKind sourceKind;
+    const char* imageCursor = nullptr;
+    const char* imageEnd = nullptr;
+};
+
+}  // namespace lexon_private

@@ -1,0 +1,44 @@
+#include "wordlex/functionality/UnicodeReader.h"
+
+#include <algorithm>
+
+namespace lexon_private {
+
+namespace {
+
+bool EndsRun(unsigned short unit) {
+    // Most units of a text lie above CR and below U+2028.
+    if (unit > 0x000D && unit < 0x2028) return false;
+    return unit == 0 || unit == 0x000A || unit == 0x000D || unit == 0x2028 || unit == 0x2029;
+}
+
+}  // namespace
+
+unsigned short* UnicodeReader::ReadALine() {
+    line.SetLength(0);
+    while (!ended) {
+        if (blockCursor == blockLength) {
+            blockCursor = 0;
+            blockLength = ReadCharacters(block.data(), block.size());
+            if (blockLength == 0) break;
+        }
+        const unsigned short* const begin = block.data() + blockCursor;
+        const unsigned short* const end = block.data() + blockLength;
+        const unsigned short* const stop = std::find_if(begin, end, EndsRun);
+        line.Append(begin, static_cast<std::size_t>(stop - begin));
+        blockCursor = static_cast<std::size_t>(stop - block.data());
+        if (stop == end) continue;
+        ++blockCursor;
+        if (*stop != 0) return EndLine();
+        ended = true;
+    }
+    return line.GetLength() == 0 ? nullptr : EndLine();
+}
+
+std::size_t UnicodeReader::ReadCharacters(unsigned short* units, std::size_t count) {
+    long bytes = static_cast<long>(count * sizeof *units);
+    ReadDataStream(reinterpret_cast<char*>(units), &bytes);
+    return static_cast<std::size_t>(bytes) / sizeof *units;
+}
+
+}  // namespace lexon_private
