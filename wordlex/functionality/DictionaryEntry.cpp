@@ -91,9 +91,9 @@ struct EntityTables {
         };
         for (const NamedCharacter& word : kWordsOfOurOwn)
             add(word.name, word.codePoint);
-        for (unsigned short i = 0; i < std::size(kLatin1Names); ++i) {
-            add(kLatin1Names[i], static_cast<unsigned short>(kLatin1First + i));
-        }
+        unsigned short codePoint = kLatin1First;
+        for (const wchar_t* const name : kLatin1Names)
+            add(name, codePoint++);
         for (const NamedCharacter& special : kSpecialNames)
             add(special.name, special.codePoint);
         *row = kEndOfTable;

@@ -22,6 +22,8 @@ public:
     // Reads up to `*count` bytes and sets `*count` to those read; none from a null stream.
     static void ReadDataStream(std::istream* stream, char* buffer, long* count);
 
+    explicit DictionaryReader(std::istream* source);
+    DictionaryReader(const char* begin, const char* end);
     DictionaryReader(const DictionaryReader&) = delete;
     DictionaryReader& operator=(const DictionaryReader&) = delete;
     virtual ~DictionaryReader() = default;
@@ -33,9 +35,6 @@ public:
     std::size_t GetLineLength() const noexcept { return line.GetLength(); }
 
 protected:
-    explicit DictionaryReader(std::istream* stream);
-    DictionaryReader(const char* begin, const char* end);
-
     // Reads up to `*count` bytes and sets `*count` to those read.
     void ReadDataStream(char* buffer, long* count);
     // Ends the line with a 0 and gives its units.

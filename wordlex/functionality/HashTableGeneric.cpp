@@ -18,7 +18,7 @@ std::size_t HashTableGeneric::Bucket::Position(const HashItem& probe) const {
 void HashTableGeneric::Bucket::Reserve(std::size_t more) {
     if (capacity - count >= more) return;
     Bucket larger;
-    larger.capacity = static_cast<std::uint32_t>(std::max<std::size_t>(count + more, 2U * count));
+    larger.capacity = static_cast<std::uint32_t>(std::max(count + more, 2 * std::size_t{count}));
     larger.block.reset(
         new std::byte[larger.capacity * (sizeof(HashItem*) + sizeof(std::uint16_t))]);
     std::copy_n(Items(), count, larger.Items());

@@ -10,10 +10,7 @@ namespace lexon_private {
 //          make their line empty.
 class MultibyteReader : public DictionaryReader {
 public:
-    explicit MultibyteReader(std::istream* stream)
-        : DictionaryReader(stream), bytes(kFirstLineBytes) {}
-    MultibyteReader(const char* begin, const char* end)
-        : DictionaryReader(begin, end), bytes(kFirstLineBytes) {}
+    using DictionaryReader::DictionaryReader;
 
     unsigned short* ReadALine() override;
 
@@ -23,7 +20,7 @@ private:
 
     bool CollectLine();
 
-    Buffer<unsigned char> bytes;                   // the line before its conversion
+    Buffer<unsigned char> bytes{kFirstLineBytes};  // the line before its conversion
     std::array<unsigned char, kBlockBytes> block;  // read ahead
     std::size_t blockCursor = 0;
     std::size_t blockLength = 0;

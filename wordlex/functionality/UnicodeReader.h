@@ -9,8 +9,7 @@ namespace lexon_private {
 // An odd last byte of the input forms no unit and is dropped.
 class UnicodeReader : public DictionaryReader {
 public:
-    explicit UnicodeReader(std::istream* stream) : DictionaryReader(stream) {}
-    UnicodeReader(const char* begin, const char* end) : DictionaryReader(begin, end) {}
+    using DictionaryReader::DictionaryReader;
 
     unsigned short* ReadALine() override;
     // Reads up to `count` units, in host order; gives how many, fewer only at the input's end.

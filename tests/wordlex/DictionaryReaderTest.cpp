@@ -1,0 +1,104 @@
+#include "wordlex/functionality/DictionaryReader.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <vector>
+
+#include "tests/wordlex/Text.h"
+
+namespace wordlex_tests {
+namespace {
+
+using lexon_private::DictionaryReader;
+using namespace std::string_literals;
+using Lines = std::vector<std::u16string>;
+
+std::string Utf16(std::u16string_view text, bool bigEndian) {
+    std::string bytes;
+    for (const char16_t unit : text) {
+        const char high = static_cast<char>(unit >> 8);
+        const char low = static_cast<char>(unit & 0xFF);
+        bytes += bigEndian ? high : low;
+        bytes += bigEndian ? low : high;
+    }
+    return bytes;
+}
+
+Lines ReadAll(DictionaryReader* reader) {
+    Lines lines;
+    while (const unsigned short* line = reader->ReadALine()) {
+        lines.push_back(Text(line, reader->GetLineLength()));
+        EXPECT_EQ(line[reader->GetLineLength()], 0);
+    }
+    EXPECT_EQ(reader->ReadALine(), nullptr) << "the end is sticky";
+    return lines;
+}
+
+// The lines of a text through both sources, which must agree.
+Lines LinesOf(const std::string& bytes) {
+    std::istringstream stream(bytes);
+    const Lines fromStream = ReadAll(DictionaryReader::Make(&stream).get());
+    const std::vector<char> image(bytes.begin(), bytes.end());  // exact size, for the sanitizers
+    const auto reader = DictionaryReader::Make(image.data(), image.data() + image.size());
+    EXPECT_EQ(reader == nullptr, image.size() < 2);
+    if (reader != nullptr) {
+        EXPECT_EQ(ReadAll(reader.get()), fromStream);
+    }
+    return fromStream;
+}
+
+struct Row {
+    int line;
+    std::u16string_view text;
+    Lines expected;
+};
+
+TEST(DictionaryReaderLines, AreTheSameInEveryWidthAndOrder) {
+    const std::u16string longLine(10'000, u'x');
+    const std::u16string blockLine(4096, u'y');  // ends where a block of units ends
+    for (const Row& row :
+         std::initializer_list<Row>{{__LINE__, u"", {}},
+                                    {__LINE__, u"a", {u"a"}},
+                                    {__LINE__, u"a\n", {u"a"}},
+                                    {__LINE__, u"a\rb\nc\r\nd", {u"a", u"b", u"c", u"", u"d"}},
+                                    {__LINE__, u"\n\n", {u"", u""}},
+                                    {__LINE__, u"ab\0cd\nef"s, {u"ab"}},
+                                    {__LINE__, u"a\n\0b"s, {u"a"}},
+                                    {__LINE__, u"\0a"s, {}},
+                                    {__LINE__, u"a\n" + longLine + u"\nb", {u"a", longLine, u"b"}},
+                                    {__LINE__, blockLine + u"\nb", {blockLine, u"b"}}}) {
+        SCOPED_TRACE(row.line);
+        EXPECT_EQ(LinesOf("\xFF\xFE" + Utf16(row.text, false)), row.expected);
+        EXPECT_EQ(LinesOf("\xFE\xFF" + Utf16(row.text, true)), row.expected);
+        EXPECT_EQ(LinesOf(std::string(row.text.begin(), row.text.end())), row.expected);
+    }
+}
+
+TEST(DictionaryReaderLines, OfUnicodeTextAlone) {
+    EXPECT_EQ(LinesOf("\xFE\xFF" + Utf16(u"a\u2028b\u2029\u4E2D\xD800", true)),
+              (Lines{u"a", u"b", u"\u4E2D\xD800"s}));
+    EXPECT_EQ(LinesOf("\xFF\xFE" + Utf16(u"ab", false) + "c"), Lines{u"ab"}) << "odd last byte";
+    EXPECT_EQ(LinesOf("\xFF\xFE"
+                      "c"),
+              Lines{});
+}
+
+TEST(DictionaryReaderLines, OfEightBitTextAlone) {
+    // Without a mark UTF-16 is 8-bit text and ends at its first 0 byte; UTF-8's mark is text.
+    EXPECT_EQ(LinesOf(Utf16(u"ab", false)), Lines{u"a"});
+    EXPECT_EQ(LinesOf("\xEF\xBB\xBF\"k=\xC3\xA9\""), Lines{u"\uFEFF\"k=\u00E9\""});
+    EXPECT_EQ(LinesOf("a\n\xC3\nb"), (Lines{u"a", u"", u"b"})) << "bytes that are no text";
+    EXPECT_EQ(LinesOf("x"), Lines{u"x"});
+}
+
+TEST(DictionaryReaderStream, NullOrFailedGivesNoLines) {
+    EXPECT_EQ(ReadAll(DictionaryReader::Make(static_cast<std::istream*>(nullptr)).get()), Lines{});
+    std::istringstream failed("text");
+    failed.setstate(std::ios::badbit);
+    // Choosing the reader clears the state to move back, so the text is read after all.
+    EXPECT_EQ(ReadAll(DictionaryReader::Make(&failed).get()), Lines{u"text"});
+}
+
+}  // namespace
+}  // namespace wordlex_tests

@@ -1,0 +1,386 @@
+#include "wordlex/functionality/Dictionary.h"
+
+#include <algorithm>
+#include <cstring>
+#include <istream>
+#include <limits>
+#include <ostream>
+#include <string>
+#include <utility>
+
+#include "wordlex/functionality/BinUtil.h"
+#include "wordlex/functionality/DictionaryMap.h"
+#include "wordlex/functionality/DictionaryReader.h"
+#include "wordlex/functionality/FastArray.h"
+#include "wordlex/functionality/ImageReader.h"
+#include "wordlex/functionality/UnicodeUtil.h"
+
+namespace lexon_private {
+
+constinit Dictionary* Dictionary::sMainDictionary = nullptr;
+
+namespace {
+
+constexpr unsigned long kNone = std::numeric_limits<unsigned long>::max();
+constexpr std::uint32_t kNoId = 0xFFFFFFFF;
+
+// Ids are 32-bit inside the store; none of them is wider.
+std::uint32_t StoreId(unsigned long id) {
+    return id < kNoId ? static_cast<std::uint32_t>(id) : kNoId;
+}
+
+unsigned long PublicId(std::uint32_t id) { return id == kNoId ? kNone : id; }
+
+std::unique_ptr<char[]> CopyText(const char* text, std::size_t length) {
+    auto copy = std::make_unique<char[]>(length + 1);
+    std::copy_n(text, length, copy.get());
+    return copy;
+}
+
+}  // namespace
+
+Dictionary::Dictionary(bool compact) : compactStore(new FastArray) {
+    compactStore->AddReference();
+    if (compact) BecomeCompact();
+}
+
+Dictionary::Dictionary(const Dictionary& other) { *this = other; }
+
+Dictionary& Dictionary::operator=(const Dictionary& other) {
+    if (this == &other || !other.IsCompact()) return *this;
+    std::unique_ptr<char[]> name;
+    if (other.localeName != nullptr) {
+        name = CopyText(other.localeName.get(), std::strlen(other.localeName.get()));
+    }
+    localeName = std::move(name);
+    other.compactStore->AddReference();
+    if (compactStore != nullptr) compactStore->RemoveReference();
+    compactStore = other.compactStore;
+    storeMajor = other.storeMajor;
+    storeMinor = other.storeMinor;
+    return *this;
+}
+
+Dictionary::~Dictionary() {
+    if (sMainDictionary == this) sMainDictionary = nullptr;
+    if (compactStore != nullptr) compactStore->RemoveReference();
+}
+
+FastArray& Dictionary::Store() {
+    if (compactStore == nullptr) {
+        compactStore = new FastArray;
+        compactStore->AddReference();
+    }
+    return *compactStore;
+}
+
+// Keys
+
+bool Dictionary::ParseKey(const char* text, Key& key) {
+    if (text == nullptr || *text == '\0') return false;
+    if (*text == '$') {
+        if (std::strncmp(text, "$$$", 3) != 0) return false;
+        text += 3;
+    }
+    key.bytes = reinterpret_cast<const unsigned char*>(text);
+    key.length = std::strcspn(text, "=");
+    key.rest = text + key.length;
+    return true;
+}
+
+bool Dictionary::ParseLiteral(const char* text, const char*& key, unsigned long& keyLength,
+                              const char*& value, unsigned long& valueLength) {
+    Key parsed;
+    if (!ParseKey(text, parsed)) return false;
+    key = reinterpret_cast<const char*>(parsed.bytes);
+    keyLength = parsed.length;
+    value = parsed.rest + (*parsed.rest == '=' ? 1 : 0);
+    valueLength = std::strlen(value);
+    return true;
+}
+
+const DictionaryEntry* Dictionary::FindEntry(const Key& key) const {
+    return static_cast<const DictionaryEntry*>(
+        entries.Find(ByteRunKey(key.bytes, key.length, false)));
+}
+
+std::uint32_t Dictionary::FindId(const Key& key) const {
+    return compactStore->FindId(key.bytes, key.length);
+}
+
+std::uint32_t Dictionary::FindId(const char* text) const {
+    Key key;
+    return IsCompact() && ParseKey(text, key) ? FindId(key) : kNoId;
+}
+
+// Look-ups
+
+std::optional<UnicodeRun> Dictionary::Find(const Key& key) const {
+    if (IsCompact()) {
+        const std::uint32_t id = FindId(key);
+        if (id == kNoId) return std::nullopt;
+        return compactStore->GetValue(id);
+    }
+    const DictionaryEntry* const entry = FindEntry(key);
+    if (entry == nullptr) return std::nullopt;
+    return entry->GetValue();
+}
+
+bool Dictionary::FindInPlace(const Key& key, const unsigned short*& units,
+                             unsigned long& length) const {
+    if (IsCompact()) {
+        const std::uint32_t id = FindId(key);
+        return id != kNoId && compactStore->GetUTF16Ptr(id, units, length);
+    }
+    const DictionaryEntry* const entry = FindEntry(key);
+    if (entry == nullptr) return false;
+    units = entry->GetValue().GetData();
+    length = entry->GetValue().GetLength();
+    return true;
+}
+
+UnicodeRun Dictionary::DefaultText(const Key& key, const lexon::EncodingInfo* encoding) {
+    if (*key.rest == '\0') return {};
+    const auto* const text = reinterpret_cast<const unsigned char*>(key.rest + 1);
+    const std::size_t length = std::strlen(key.rest + 1);
+    if (length == 0) return {};
+    Buffer<unsigned short> units(length);
+    if (encoding != nullptr && encoding->selector != 0) {
+        InwardEncoding inward(encoding);
+        UnicodeUtil::StringToUnicode(text, length, units, inward.Selector());
+    } else {
+        std::copy_n(text, length, units.GetData());
+        units.SetLength(length);
+    }
+    return DictionaryEntry::ConvertEscapeSequences(units.GetData(), units.GetLength());
+}
+
+Wordlex Dictionary::Lookup(const char* text, const lexon::EncodingInfo* encoding) {
+    Key key;
+    if (!ParseKey(text, key)) return {};
+    if (auto value = Find(key)) return Wordlex(*std::move(value));
+    if (const Dictionary* const main = Fallback()) {
+        if (auto value = main->Find(key)) return Wordlex(*std::move(value));
+    }
+    return Wordlex(DefaultText(key, encoding));
+}
+
+const Dictionary* Dictionary::HolderOf(unsigned long id) const {
+    if (ValidId(id)) return this;
+    const Dictionary* const main = Fallback();
+    return main != nullptr && main->ValidId(id) ? main : nullptr;
+}
+
+Wordlex Dictionary::Lookup(unsigned long id, const lexon::EncodingInfo* /*encoding*/) {
+    const Dictionary* const holder = HolderOf(id);
+    if (holder == nullptr) return {};
+    return Wordlex(holder->compactStore->GetValue(StoreId(id)));
+}
+
+Wordlex Dictionary::Lookup(const char* key, unsigned long index,
+                           const lexon::EncodingInfo* encoding) {
+    return DictionaryMap::Instance()[index]->Lookup(key, encoding);
+}
+
+Wordlex Dictionary::Lookup(unsigned long id, unsigned long index,
+                           const lexon::EncodingInfo* encoding) {
+    return DictionaryMap::Instance()[index]->Lookup(id, encoding);
+}
+
+bool Dictionary::LookupReturnUTF16Ptr(const char* text, const unsigned short*& units,
+                                      unsigned long& length,
+                                      const lexon::EncodingInfo* /*encoding*/) {
+    units = nullptr;
+    Key key;
+    if (!ParseKey(text, key)) return false;
+    if (FindInPlace(key, units, length)) return true;
+    const Dictionary* const main = Fallback();
+    return main != nullptr && main->FindInPlace(key, units, length);
+}
+
+bool Dictionary::LookupReturnUTF16Ptr(unsigned long id, const unsigned short*& units,
+                                      unsigned long& length,
+                                      const lexon::EncodingInfo* /*encoding*/) {
+    units = nullptr;
+    const Dictionary* const holder = HolderOf(id);
+    return holder != nullptr &&
+           holder->compactStore->GetUTF16Ptr(StoreId(id), units, length);
+}
+
+bool Dictionary::HasKey(const char* text, const lexon::EncodingInfo* /*encoding*/) {
+    Key key;
+    if (!ParseKey(text, key)) return false;
+    return IsCompact() ? FindId(key) != kNoId : FindEntry(key) != nullptr;
+}
+
+Wordlex Dictionary::Accelerator(const char* key, const lexon::EncodingInfo* encoding) {
+    return Accelerator(FindId(key), encoding);
+}
+
+Wordlex Dictionary::Accelerator(unsigned int id, const lexon::EncodingInfo* /*encoding*/) {
+    if (!IsCompact()) return {};
+    return Wordlex(compactStore->Accelerator(id));
+}
+
+unsigned long Dictionary::GetNumericId(const char* key) const { return PublicId(FindId(key)); }
+
+char* Dictionary::GetStringId(unsigned long id) const {
+    return IsCompact() ? compactStore->FindStringId(StoreId(id)) : nullptr;
+}
+
+bool Dictionary::ValidId(unsigned long id) const {
+    return IsCompact() && compactStore->ValidId(StoreId(id));
+}
+
+// Changes
+
+unsigned long Dictionary::Add(const char* text, const unsigned short* value,
+                              unsigned long valueLength, const lexon::EncodingInfo* /*encoding*/,
+                              const unsigned short* accelerator,
+                              unsigned long acceleratorLength) {
+    Key key;
+    if (!IsCompact() || !ParseKey(text, key)) return kNone;
+    return PublicId(compactStore->Add(
+        key.bytes, static_cast<std::uint32_t>(key.length),
+        reinterpret_cast<const unsigned char*>(value), static_cast<std::uint32_t>(2 * valueLength),
+        reinterpret_cast<const unsigned char*>(accelerator),
+        static_cast<std::uint32_t>(2 * acceleratorLength)));
+}
+
+unsigned long Dictionary::Remove(const char* key) { return Remove(GetNumericId(key)); }
+
+unsigned long Dictionary::Remove(unsigned long id) {
+    return IsCompact() ? PublicId(compactStore->Remove(StoreId(id))) : kNone;
+}
+
+Wordlex Dictionary::Locale() const {
+    Wordlex name;
+    if (localeName != nullptr) name.BackDoorAssignCString(localeName.get(), nullptr);
+    return name;
+}
+
+void Dictionary::Locale(const char* name) {
+    if (!IsCompact() || name == nullptr || *name == '\0') return;
+    localeName = CopyText(name, std::strlen(name));
+}
+
+// Enumeration
+
+unsigned long Dictionary::NumKeys() const {
+    return IsCompact() ? compactStore->LiveCount()
+                       : static_cast<unsigned long>(entries.NumItems());
+}
+
+bool Dictionary::HasMoreKey() {
+    return IsCompact() ? compactStore->HasMoreItem() : entries.HasMoreItem();
+}
+
+bool Dictionary::NextKey(char* buffer, unsigned long size, bool throwIfTooSmall) {
+    if (IsCompact()) {
+        const std::uint32_t id = compactStore->NextItem();
+        if (!compactStore->ValidId(id) || compactStore->GetData(id, buffer, size)) return true;
+    } else if (const auto* entry = static_cast<const DictionaryEntry*>(entries.NextItem())) {
+        if (buffer != nullptr && entry->GetLength() < size) {
+            *std::copy_n(entry->GetData(), entry->GetLength(), buffer) = '\0';
+            return true;
+        }
+    } else if (buffer != nullptr && size != 0) {
+        *buffer = '\0';
+        return true;
+    }
+    if (throwIfTooSmall) throw lexon::ASErrException(lexon::ASErrException::kShortBuffer);
+    return false;
+}
+
+char* Dictionary::NextKey() {
+    if (!IsCompact()) return nullptr;
+    const std::uint32_t id = compactStore->NextItem();
+    return compactStore->ValidId(id) ? compactStore->FindStringId(id) : nullptr;
+}
+
+bool Dictionary::ReSetKeyEnumeration() {
+    if (!IsCompact()) return false;
+    compactStore->RestartEnumeration();
+    return true;
+}
+
+Dictionary* Dictionary::SetAsMain(unsigned long index) {
+    sMainDictionary = DictionaryMap::Instance()[index];
+    return sMainDictionary;
+}
+
+// Text
+
+const unsigned short* Dictionary::FindQuoteMark(const unsigned short* text) {
+    unsigned short before = 0;
+    for (; *text != 0; before = *text++) {
+        if (*text == u'"' && before != u'\\') return text;
+    }
+    return nullptr;
+}
+
+bool Dictionary::ParseEntry(const unsigned short* line, const unsigned short*& key,
+                            unsigned long& keyLength, const unsigned short*& value,
+                            unsigned long& valueLength) {
+    const unsigned short* begin = line;
+    const unsigned short* end = nullptr;
+    if (const unsigned short* const opening = FindQuoteMark(line)) {
+        begin = opening + 1;
+        end = FindQuoteMark(begin);
+    }
+    if (end == nullptr) end = begin + UnicodeUtil::StringLength(begin);
+
+    if (begin != end && *begin == u'$') {
+        constexpr std::u16string_view kPrefix = u"$$$";
+        if (!std::equal(kPrefix.begin(), kPrefix.end(), begin, std::min(begin + 3, end))) {
+            return false;
+        }
+        begin += kPrefix.size();
+    }
+    const unsigned short* const equals = std::find(begin, end, u'=');
+    key = begin;
+    keyLength = static_cast<unsigned long>(equals - begin);
+    value = equals == end ? end : equals + 1;
+    valueLength = static_cast<unsigned long>(end - value);
+    return true;
+}
+
+void Dictionary::AddEntry(unsigned short* line) {
+    const unsigned short* key = nullptr;
+    const unsigned short* value = nullptr;
+    unsigned long keyLength = 0;
+    unsigned long valueLength = 0;
+    if (!ParseEntry(line, key, keyLength, value, valueLength)) {
+        valid = false;
+        return;
+    }
+    // The bytes of the key take the first half of its units, well ahead of the value.
+    auto* const keyBytes = reinterpret_cast<unsigned char*>(line + (key - line));
+    for (unsigned long i = 0; i < keyLength; ++i) {
+        keyBytes[i] = static_cast<unsigned char>(key[i]);
+    }
+
+    if (IsCompact()) {
+        const UnicodeRun converted = DictionaryEntry::ConvertEscapeSequences(value, valueLength);
+        compactStore->Add(keyBytes, static_cast<std::uint32_t>(keyLength),
+                          reinterpret_cast<const unsigned char*>(converted.GetData()),
+                          static_cast<std::uint32_t>(2 * converted.GetLength()), nullptr, 0);
+        return;
+    }
+    const ByteRunKey probe(keyBytes, keyLength, false);
+    auto entry = std::make_unique<DictionaryEntry>(probe, value, valueLength);
+    // Where an old entry leaves, there is room for the new one: only a plain insertion can throw.
+    delete entries.Remove(probe);
+    entries.Insert(entry.get());
+    entry.release();
+}
+
+void Dictionary::ReadText(DictionaryReader& reader, bool skipMark) {
+    constexpr unsigned short kMark = 0xFEFF;
+    while (unsigned short* const line = reader.ReadALine()) {
+        const bool markAlone = skipMark && line[0] == kMark && line[1] == 0;
+        if (line[0] != 0 && !markAlone) AddEntry(line);
+    }
+}
+
+}  // namespace lexon_private

@@ -1,0 +1,23 @@
+#pragma once
+#include <memory>
+#include <vector>
+
+#include "wordlex/functionality/Dictionary.h"
+
+namespace lexon_private {
+
+// The process's registry of dictionaries, by arbitrary numbers.
+// Owns:    its dictionaries, until the process exits.
+// Threads: the first call of Instance may come from any thread; nothing else is guarded.
+class DictionaryMap {
+public:
+    static DictionaryMap& Instance();
+    // The dictionary of that index; an empty hash-table dictionary is made for a new one.
+    Dictionary* operator[](unsigned long index);
+
+private:
+    std::vector<unsigned long> ids;
+    std::vector<std::unique_ptr<Dictionary>> dictionaries;  // parallel to ids
+};
+
+}  // namespace lexon_private
