@@ -5,10 +5,11 @@
 #include <istream>
 #include <limits>
 #include <ostream>
-#include <string>
+#include <string_view>
 #include <utility>
 
-#include "wordlex/functionality/BinUtil.h"
+#include "wordlex/functionality/BinaryFormat.h"
+#include "wordlex/functionality/BinaryHeader.h"
 #include "wordlex/functionality/DictionaryMap.h"
 #include "wordlex/functionality/DictionaryReader.h"
 #include "wordlex/functionality/FastArray.h"
@@ -22,7 +23,7 @@ constinit Dictionary* Dictionary::sMainDictionary = nullptr;
 namespace {
 
 constexpr unsigned long kNone = std::numeric_limits<unsigned long>::max();
-constexpr std::uint32_t kNoId = 0xFFFFFFFF;
+constexpr std::uint32_t kNoId = FastArray::kNoId;
 
 // Ids are 32-bit inside the store; none of them is wider.
 std::uint32_t StoreId(unsigned long id) {
@@ -64,6 +65,11 @@ Dictionary& Dictionary::operator=(const Dictionary& other) {
 Dictionary::~Dictionary() {
     if (sMainDictionary == this) sMainDictionary = nullptr;
     if (compactStore != nullptr) compactStore->RemoveReference();
+}
+
+void Dictionary::BecomeCompact() noexcept {
+    storeMajor = kWrittenMajor;
+    storeMinor = kWrittenMinor;
 }
 
 FastArray& Dictionary::Store() {
@@ -203,8 +209,7 @@ bool Dictionary::LookupReturnUTF16Ptr(unsigned long id, const unsigned short*& u
                                       const lexon::EncodingInfo* /*encoding*/) {
     units = nullptr;
     const Dictionary* const holder = HolderOf(id);
-    return holder != nullptr &&
-           holder->compactStore->GetUTF16Ptr(StoreId(id), units, length);
+    return holder != nullptr && holder->compactStore->GetUTF16Ptr(StoreId(id), units, length);
 }
 
 bool Dictionary::HasKey(const char* text, const lexon::EncodingInfo* /*encoding*/) {
@@ -236,15 +241,12 @@ bool Dictionary::ValidId(unsigned long id) const {
 
 unsigned long Dictionary::Add(const char* text, const unsigned short* value,
                               unsigned long valueLength, const lexon::EncodingInfo* /*encoding*/,
-                              const unsigned short* accelerator,
-                              unsigned long acceleratorLength) {
+                              const unsigned short* accelerator, unsigned long acceleratorLength) {
     Key key;
     if (!IsCompact() || !ParseKey(text, key)) return kNone;
     return PublicId(compactStore->Add(
-        key.bytes, static_cast<std::uint32_t>(key.length),
-        reinterpret_cast<const unsigned char*>(value), static_cast<std::uint32_t>(2 * valueLength),
-        reinterpret_cast<const unsigned char*>(accelerator),
-        static_cast<std::uint32_t>(2 * acceleratorLength)));
+        key.bytes, key.length, reinterpret_cast<const unsigned char*>(value), 2 * valueLength,
+        reinterpret_cast<const unsigned char*>(accelerator), 2 * acceleratorLength));
 }
 
 unsigned long Dictionary::Remove(const char* key) { return Remove(GetNumericId(key)); }
@@ -267,8 +269,7 @@ void Dictionary::Locale(const char* name) {
 // Enumeration
 
 unsigned long Dictionary::NumKeys() const {
-    return IsCompact() ? compactStore->LiveCount()
-                       : static_cast<unsigned long>(entries.NumItems());
+    return IsCompact() ? compactStore->LiveCount() : static_cast<unsigned long>(entries.NumItems());
 }
 
 bool Dictionary::HasMoreKey() {
@@ -309,7 +310,97 @@ Dictionary* Dictionary::SetAsMain(unsigned long index) {
     return sMainDictionary;
 }
 
-// Text
+// Reading and writing
+
+void Dictionary::Read(std::istream* stream) {
+    if (stream == nullptr) {
+        valid = false;
+        return;
+    }
+    const auto reader = DictionaryReader::Make(stream);
+    char head[kBinaryMagic.size()];
+    long count = sizeof head;
+    DictionaryReader::ReadDataStream(stream, head, &count);
+    stream->clear();
+    stream->seekg(0);
+    if (HasBinaryMagic(head, static_cast<std::size_t>(count))) {
+        Read(*stream);
+    } else {
+        ReadText(*reader, true);  // from the start again, the mark of UTF-16 included
+    }
+}
+
+void Dictionary::Read(std::istream& stream) {
+    ImageReader image(stream, lexon::EndianT::kHost);
+    ReadBinary(image, true);
+}
+
+void Dictionary::Read(const char* data, int size, bool copyKeys) {
+    constexpr int kShortestBinary = 25;
+    if (data == nullptr || size <= 0) {
+        valid = false;
+    } else if (HasBinaryMagic(data, static_cast<std::size_t>(size))) {
+        ImageReader image(data, data + size, lexon::EndianT::kHost);
+        if (size < kShortestBinary) {
+            valid = false;
+        } else {
+            ReadBinary(image, copyKeys);
+        }
+    } else if (const auto reader = DictionaryReader::Make(data, data + size)) {
+        ReadText(*reader, false);
+    } else {
+        valid = false;
+    }
+}
+
+void Dictionary::Read(std::istream* stream, unsigned long index) {
+    DictionaryMap::Instance()[index]->Read(stream);
+}
+
+void Dictionary::ReadBinary(ImageReader& image, bool copyKeys) {
+    const BinaryHeader header = ReadBinaryHeader(image);
+    bool good = image.Ok();
+    if (good && header.body == BinaryHeader::Body::kVersion2) {
+        good = ReadCompactImage(image, header);
+    } else if (good && header.body == BinaryHeader::Body::kVersion15) {
+        good = entries.read_ver15(image, copyKeys, header.encoding) == 0;
+    } else if (good) {
+        good = entries.read_ver10(image, copyKeys, header.encoding) == 0;
+    }
+    if (!good) valid = false;
+}
+
+bool Dictionary::ReadCompactImage(ImageReader& image, const BinaryHeader& header) {
+    // Whatever allocates comes first, so that the image, its locale and the version change as one.
+    auto name = header.locale.has_value() ? CopyText(header.locale->data(), header.locale->size())
+                                          : nullptr;
+    if (Store().Load(image) == ImageResult::kMalformed) return false;
+    if (name != nullptr) localeName = std::move(name);
+    BecomeCompact();
+    return true;
+}
+
+std::uint32_t Dictionary::Serialize(std::ostream& out, bool binary,
+                                    const lexon::EncodingInfo* encoding) const {
+    return Serialize(out, binary ? lexon::SaveType::kBinary : lexon::SaveType::kText, encoding,
+                     lexon::EndianT::kHost, 0);
+}
+
+std::uint32_t Dictionary::Serialize(std::ostream& out, lexon::SaveType type,
+                                    const lexon::EncodingInfo* encoding, lexon::EndianT order,
+                                    unsigned int idBase) const {
+    const bool binary = type == lexon::SaveType::kBinary || type == lexon::SaveType::kBinaryNoKeys;
+    std::uint32_t written = 0;
+    if (binary) {
+        written = WriteBinaryHeader(out, encoding != nullptr, order, localeName.get());
+    } else {
+        out.write("\xFF\xFE", 2);
+    }
+    return written + (IsCompact() ? compactStore->Serialize2(out, type, encoding, order, idBase)
+                                  : entries.Serialize2(out, binary, encoding, order));
+}
+
+// Lines of text
 
 const unsigned short* Dictionary::FindQuoteMark(const unsigned short* text) {
     unsigned short before = 0;
@@ -362,9 +453,9 @@ void Dictionary::AddEntry(unsigned short* line) {
 
     if (IsCompact()) {
         const UnicodeRun converted = DictionaryEntry::ConvertEscapeSequences(value, valueLength);
-        compactStore->Add(keyBytes, static_cast<std::uint32_t>(keyLength),
+        compactStore->Add(keyBytes, keyLength,
                           reinterpret_cast<const unsigned char*>(converted.GetData()),
-                          static_cast<std::uint32_t>(2 * converted.GetLength()), nullptr, 0);
+                          2 * converted.GetLength(), nullptr, 0);
         return;
     }
     const ByteRunKey probe(keyBytes, keyLength, false);

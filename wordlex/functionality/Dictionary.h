@@ -14,6 +14,7 @@ namespace lexon_private {
 class DictionaryReader;
 class FastArray;
 class ImageReader;
+struct BinaryHeader;
 
 // The in-memory dictionary: 8-bit keys to UTF-16 values, in one of two stores. Below store version
 // 2 it is a hash table of entries; from 2 on a compact store, which alone knows ids, Add, Remove,
@@ -41,8 +42,7 @@ class ImageReader;
 //   version 2: body cut short, id base in conflict  as is   as before; compact, with the new locale
 //   version 1: body cut short, tables that          no      the entries linked ahead of the fault
 //     decrease, slot above 1020
-//   binary: memory exhausted                        as is   version 2 as before, version 1 as
-//                                                           above; throws
+//   binary: memory exhausted, conversion error      as is   as before; throws
 class Dictionary {
 public:
     Dictionary() : Dictionary(false) {}
@@ -76,8 +76,8 @@ public:
     // `units` is null and `length` untouched when the result is false.
     bool LookupReturnUTF16Ptr(const char* key, const unsigned short*& units, unsigned long& length,
                               const lexon::EncodingInfo* encoding);
-    bool LookupReturnUTF16Ptr(unsigned long id, const unsigned short*& units,
-                              unsigned long& length, const lexon::EncodingInfo* encoding);
+    bool LookupReturnUTF16Ptr(unsigned long id, const unsigned short*& units, unsigned long& length,
+                              const lexon::EncodingInfo* encoding);
     bool HasKey(const char* key, const lexon::EncodingInfo* encoding);  // here alone
 
     Wordlex Accelerator(const char* key, const lexon::EncodingInfo* encoding);
@@ -126,8 +126,8 @@ public:
     // The same split for a lookup key, which has no quotation marks; the value is the default text.
     static bool ParseLiteral(const char* text, const char*& key, unsigned long& keyLength,
                              const char*& value, unsigned long& valueLength);
-    // Stores one line of a text dictionary, converted; clears the valid flag when it has no key. The
-    // line is used up: its key is narrowed in place.
+    // Stores one line of a text dictionary, converted; clears the valid flag when it has no key.
+    // The line is used up: its key is narrowed in place.
     void AddEntry(unsigned short* line);
 
 private:
@@ -153,6 +153,7 @@ private:
     static UnicodeRun DefaultText(const Key& key, const lexon::EncodingInfo* encoding);
     void ReadText(DictionaryReader& reader, bool skipMark);
     void ReadBinary(ImageReader& image, bool copyKeys);
+    bool ReadCompactImage(ImageReader& image, const BinaryHeader& header);
 
     static Dictionary* sMainDictionary;
 

@@ -28,7 +28,7 @@ Dictionary& Dictionary::operator=(const Dictionary& other) {
 Dictionary::~Dictionary() { delete dictionary; }
 
 void Dictionary::Release(char** text) {
-    delete[] *text;
+    delete[] * text;
     *text = nullptr;
 }
 
@@ -64,8 +64,7 @@ Wordlex Dictionary::Accelerator(unsigned int id, const EncodingInfo* encoding) {
 
 unsigned long Dictionary::Add(const char* key, const unsigned short* value,
                               unsigned long valueLength, const EncodingInfo* encoding,
-                              const unsigned short* accelerator,
-                              unsigned long acceleratorLength) {
+                              const unsigned short* accelerator, unsigned long acceleratorLength) {
     return dictionary->Add(key, value, valueLength, encoding, accelerator, acceleratorLength);
 }
 

@@ -1,0 +1,427 @@
+#include "wordlex/functionality/Dictionary.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <random>
+#include <set>
+#include <sstream>
+
+#include "tests/wordlex/Text.h"
+#include "wordlex/functionality/DictionaryMap.h"
+
+namespace wordlex_tests {
+namespace {
+
+using lexon_private::Dictionary;
+using lexon_private::DictionaryMap;
+using namespace std::string_literals;
+
+constexpr unsigned long kNone = ~0UL;
+
+std::unique_ptr<Dictionary> FromText(std::u16string_view lines, bool compact = false) {
+    auto dictionary = std::make_unique<Dictionary>(compact);
+    const auto units = Units(u"\uFEFF" + std::u16string(lines));
+    dictionary->Read(reinterpret_cast<const char*>(units.data()),
+                     static_cast<int>(2 * units.size()), true);
+    return dictionary;
+}
+
+unsigned long Add(Dictionary& dictionary, const char* key, std::u16string_view value,
+                  std::u16string_view accelerator = {}) {
+    const auto v = Units(value);
+    const auto a = Units(accelerator);
+    return dictionary.Add(key, v.data(), v.size(), nullptr, a.data(), a.size());
+}
+
+std::u16string Lookup(Dictionary& dictionary, const char* key) {
+    return Text(dictionary.Lookup(key, nullptr));
+}
+
+std::set<std::string> Keys(Dictionary& dictionary) {
+    std::set<std::string> keys;
+    char key[300];
+    while (dictionary.HasMoreKey()) {
+        EXPECT_TRUE(dictionary.NextKey(key, sizeof key, true));
+        EXPECT_TRUE(keys.insert(key).second) << key << " comes twice";
+    }
+    return keys;
+}
+
+std::string Saved(const Dictionary& dictionary, lexon::SaveType type,
+                  lexon::EndianT order = lexon::EndianT::kHost) {
+    std::ostringstream out;
+    dictionary.Serialize(out, type, nullptr, order, 0);
+    return out.str();
+}
+
+void Load(Dictionary& dictionary, const std::string& image) {
+    dictionary.Read(image.data(), static_cast<int>(image.size()), true);
+}
+
+struct LineCase {
+    int line;
+    std::u16string_view text;
+    std::string_view key;
+    std::u16string_view value;
+};
+
+TEST(DictionaryText, LinesBecomeEntriesInBothStores) {
+    for (const LineCase& row : std::initializer_list<LineCase>{
+             {__LINE__, u"\"$$$/Menu/Open=Open...\"", "/Menu/Open", u"Open..."},
+             {__LINE__, uR"("$$$/T=Say \"hello\"")", "/T", u"Say \"hello\""},
+             {__LINE__, u"# x \"$$$/Label=Name:\" y", "/Label", u"Name:"},
+             {__LINE__, u"\"$$$/Year=^C #{copyyear}\"", "/Year", u"\u00A9 2019"},
+             {__LINE__, u"\"$$$/Empty=\"", "/Empty", u""},
+             {__LINE__, u"\"$$$/NoValue\"", "/NoValue", u""},
+             {__LINE__, u"\"Plain=text\"", "Plain", u"text"},
+             {__LINE__, u"Plain2=text with no marks", "Plain2", u"text with no marks"},
+             {__LINE__, u"\"open=to the end", "open", u"to the end"},
+             {__LINE__, u"\"k=a=b\"", "k", u"a=b"},
+             {__LINE__, u"\" k =  v \"", " k ", u"  v "},
+             {__LINE__, u"\"\u0141=x\"", "A", u"x"},
+             {__LINE__, u"\"a\u013Db\"", "a=b", u""},  // split before it is narrowed: no "="
+             {__LINE__, uR"("k=v\" rest)", "k", u"v\" rest"},
+             {__LINE__, uR"(\"k=v)", "\\\"k", u"v"},  // an escaped mark opens nothing
+             {__LINE__, uR"("k=v\\" "l=w")", "k", uR"(v\" )"},
+             {__LINE__, u"\"$$$=x\"", "", u"x"},
+             {__LINE__, u"\"$$$$=x\"", "$", u"x"},
+             {__LINE__, u"\"=$x\"", "", u"$x"}}) {
+        for (const bool compact : {false, true}) {
+            SCOPED_TRACE(row.line);
+            const auto dictionary = FromText(row.text, compact);
+            EXPECT_TRUE(dictionary->IsValid());
+            EXPECT_EQ(dictionary->NumKeys(), 1U);
+            // A key that holds "=" cannot be asked for: see it in the enumeration.
+            ASSERT_TRUE(dictionary->HasMoreKey());
+            if (!(compact && row.key.empty())) {
+                char key[32];
+                EXPECT_TRUE(dictionary->NextKey(key, sizeof key, false));
+                EXPECT_EQ(key, row.key);
+            }
+            if (row.key.find('=') == std::string_view::npos) {
+                EXPECT_EQ(Lookup(*dictionary, ("$$$" + std::string(row.key) + "=d").c_str()),
+                          row.value);
+            }
+        }
+    }
+}
+
+TEST(DictionaryText, BadPrefixMakesInvalidAndTheRestIsKept) {
+    for (const std::u16string_view bad :
+         {u"\"$/Bad=x\"", u"\"$$=x\"", u"\"$\"", u"$", u"\"$$x$=\""}) {
+        const auto dictionary =
+            FromText(u"\"a=1\"\n" + std::u16string(bad) + u"\n\n\uFEFF\"b=2\"\n\"a=3\"");
+        EXPECT_FALSE(dictionary->IsValid());
+        EXPECT_EQ(Keys(*dictionary), (std::set<std::string>{"a", "b"}));
+        EXPECT_EQ(Lookup(*dictionary, "a"), u"3") << "the later line counts";
+    }
+}
+
+TEST(DictionaryText, StreamsSkipTheirMarkAndNothingElse) {
+    // A stream meets its mark again: alone it is skipped, ahead of an unquoted key it is part of
+    // it.
+    std::istringstream alone("\xFF\xFE\n\0a\0=\0b\0"s);
+    Dictionary one;
+    one.Read(&alone);
+    EXPECT_EQ(Keys(one), std::set<std::string>{"a"});
+    std::istringstream ahead("\xFF\xFE"s + "a\0=\0b\0"s);
+    Dictionary two;
+    two.Read(&ahead);
+    EXPECT_EQ(Keys(two), std::set<std::string>{"\xFF"
+                                               "a"});
+    EXPECT_TRUE(one.IsValid() && two.IsValid());
+}
+
+TEST(DictionaryRead, WhatCannotBeReadMakesInvalid) {
+    Dictionary fromNothing;
+    fromNothing.Read(static_cast<std::istream*>(nullptr));
+    EXPECT_FALSE(fromNothing.IsValid());
+    const std::string magic = "Wordlex Binary Format";
+    for (const auto& [data, size] : std::initializer_list<std::pair<const char*, int>>{
+             {nullptr, 4}, {"ab", 0}, {"ab", -1}, {"a", 1}, {magic.c_str(), 21}}) {
+        Dictionary dictionary;
+        dictionary.Read(data, size, true);
+        EXPECT_FALSE(dictionary.IsValid()) << size;
+    }
+    std::istringstream empty;
+    Dictionary fromEmpty;
+    fromEmpty.Read(&empty);
+    EXPECT_TRUE(fromEmpty.IsValid()) << "an empty stream is an empty text";
+}
+
+TEST(DictionaryLookup, OwnThenMainThenDefault) {
+    for (const bool ownCompact : {false, true}) {
+        for (const bool mainCompact : {false, true}) {
+            const auto own = FromText(u"\"/both=own\"\n\"/empty=\"", ownCompact);
+            auto main = FromText(u"\"/both=main\"\n\"/main=main\"\n\"/empty=x\"", mainCompact);
+            EXPECT_EQ(Lookup(*own, "$$$/main=default"), u"default");
+            main->SetAsMain();
+            EXPECT_EQ(Lookup(*own, "$$$/both=default"), u"own");
+            EXPECT_EQ(Lookup(*own, "$$$/main=default"), u"main");
+            EXPECT_EQ(Lookup(*own, "$$$/empty=default"), u"") << "found and empty is the answer";
+            EXPECT_FALSE(own->HasKey("/main", nullptr));
+            const unsigned short* units = nullptr;
+            unsigned long length = 0;
+            EXPECT_TRUE(own->LookupReturnUTF16Ptr("/main", units, length, nullptr));
+            EXPECT_EQ(Text(units, length), u"main");
+            EXPECT_FALSE(own->LookupReturnUTF16Ptr("/none=default", units, length, nullptr));
+            EXPECT_EQ(units, nullptr);
+            main.reset();
+            EXPECT_EQ(Lookup(*own, "$$$/main=default"), u"default");
+        }
+    }
+}
+
+TEST(DictionaryLookup, DefaultTexts) {
+    Dictionary dictionary;
+    const lexon::EncodingInfo none{0};
+    const lexon::EncodingInfo utf8{1};
+    struct Row {
+        int line;
+        const char* key;
+        const lexon::EncodingInfo* encoding;
+        std::u16string_view expected;
+    };
+    for (const Row& row :
+         std::initializer_list<Row>{{__LINE__, "$$$/A/B=Fallback", nullptr, u"Fallback"},
+                                    {__LINE__, "$$$/A/B=Line^nTwo#{amp}", nullptr, u"Line\nTwo&"},
+                                    {__LINE__, "$$$/A/B", nullptr, u""},
+                                    {__LINE__, "$$$/A/B=", nullptr, u""},
+                                    {__LINE__, "A=B=C", nullptr, u"B=C"},
+                                    {__LINE__, "=x", nullptr, u"x"},
+                                    {__LINE__, "$A=x", nullptr, u""},
+                                    {__LINE__, "$$A=x", nullptr, u""},
+                                    {__LINE__, "", nullptr, u""},
+                                    {__LINE__, nullptr, nullptr, u""},
+                                    {__LINE__, "k=\xC3\xA9", nullptr, u"\u00C3\u00A9"},
+                                    {__LINE__, "k=\xC3\xA9", &none, u"\u00C3\u00A9"},
+                                    {__LINE__, "k=\xC3\xA9", &utf8, u"\u00E9"},
+                                    {__LINE__, "k=\xC3", &utf8, u""}}) {
+        SCOPED_TRACE(row.line);
+        EXPECT_EQ(Text(dictionary.Lookup(row.key, row.encoding)), row.expected);
+        EXPECT_FALSE(dictionary.HasKey(row.key, nullptr));
+    }
+    EXPECT_EQ(dictionary.NumKeys(), 0U) << "default texts are not stored";
+}
+
+TEST(DictionaryLookup, SharesTheStoredValueOfTheHashTable) {
+    const auto dictionary = FromText(u"\"k=v\"");
+    const unsigned short* units = nullptr;
+    unsigned long length = 0;
+    ASSERT_TRUE(dictionary->LookupReturnUTF16Ptr("k", units, length, nullptr));
+    EXPECT_EQ(dictionary->Lookup("k", nullptr).GetData(), units);
+}
+
+TEST(DictionaryIds, OfTheCompactStoreAlone) {
+    Dictionary dictionary(true);
+    EXPECT_EQ(Add(dictionary, "$$$/a=ignored", u"A", u"Ctrl+A"), 0U);
+    EXPECT_EQ(Add(dictionary, "/b", u"B"), 1U);
+    EXPECT_EQ(Add(dictionary, "/a", uR"(A\n2)"), 0U);
+    EXPECT_EQ(Add(dictionary, "$x", u"X"), kNone);
+    EXPECT_EQ(Lookup(dictionary, "/a"), uR"(A\n2)") << "stored as it is";
+    EXPECT_EQ(dictionary.GetNumericId("$$$/b=x"), 1U);
+    EXPECT_EQ(dictionary.GetNumericId("/c"), kNone);
+    EXPECT_EQ(Text(dictionary.Lookup(1UL, nullptr)), u"B");
+    EXPECT_EQ(Text(dictionary.Accelerator("/a", nullptr)), u"Ctrl+A");
+    EXPECT_EQ(Text(dictionary.Accelerator(1U, nullptr)), u"");
+    EXPECT_FALSE(dictionary.ValidId(2));
+    EXPECT_FALSE(dictionary.ValidId(1UL << 32)) << "ids are never cut to 32 bits";
+    EXPECT_EQ(Text(dictionary.Lookup(1UL << 32, nullptr)), u"");
+    EXPECT_EQ(dictionary.Remove(1UL << 32), kNone);
+    EXPECT_EQ(dictionary.Remove("/none"), kNone);
+    EXPECT_EQ(dictionary.Remove("/a"), 0U);
+    EXPECT_EQ(dictionary.NumKeys(), 1U);
+    const std::unique_ptr<char[]> removed(dictionary.GetStringId(0));
+    EXPECT_STREQ(removed.get(), "");
+
+    dictionary.SetAsMain();
+    Dictionary other(true);
+    EXPECT_EQ(Text(other.Lookup(1UL, nullptr)), u"B") << "by id falls back too";
+    EXPECT_EQ(Text(other.Accelerator(0U, nullptr)), u"");
+}
+
+TEST(DictionaryIds, HashTableGivesFailureValues) {
+    const auto dictionary = FromText(u"\"k=v\"");
+    EXPECT_EQ(Add(*dictionary, "k2", u"v"), kNone);
+    EXPECT_EQ(dictionary->Remove("k"), kNone);
+    EXPECT_EQ(dictionary->Remove(0UL), kNone);
+    EXPECT_EQ(dictionary->GetNumericId("k"), kNone);
+    EXPECT_EQ(dictionary->GetStringId(0), nullptr);
+    EXPECT_FALSE(dictionary->ValidId(0));
+    EXPECT_FALSE(dictionary->ReSetKeyEnumeration());
+    EXPECT_EQ(dictionary->NextKey(), nullptr);
+    dictionary->Locale("fr_FR");
+    EXPECT_EQ(Text(dictionary->Locale()), u"");
+    EXPECT_EQ(Keys(*dictionary), std::set<std::string>{"k"}) << "and nothing changed";
+}
+
+TEST(DictionaryEnumeration, BuffersAndRestarts) {
+    for (const bool compact : {false, true}) {
+        const auto dictionary = FromText(u"\"abcd=1\"", compact);
+        char buffer[5] = "????";
+        ASSERT_TRUE(dictionary->HasMoreKey());
+        EXPECT_FALSE(dictionary->NextKey(buffer, 4, false));
+        EXPECT_FALSE(dictionary->NextKey(nullptr, 99, false));
+        try {
+            dictionary->NextKey(buffer, 4, true);
+            FAIL() << "a short buffer raises";
+        } catch (const lexon::ASErrException& error) {
+            EXPECT_EQ(error.GetCode(), 0x42554646);
+            EXPECT_STREQ(error.what(), "Wordlex error 'BUFF'");
+        }
+        EXPECT_TRUE(dictionary->NextKey(buffer, 5, true));
+        EXPECT_STREQ(buffer, "abcd");
+        EXPECT_EQ(dictionary->ReSetKeyEnumeration(), compact);
+        EXPECT_EQ(dictionary->HasMoreKey(), compact);
+        EXPECT_FALSE(dictionary->HasMoreKey() && !compact);
+    }
+}
+
+TEST(DictionaryCopy, SharesCompactStoresAndNothingElse) {
+    const auto hash = FromText(u"\"k=v\"");
+    Dictionary empty(*hash);
+    EXPECT_EQ(empty.NumKeys(), 0U);
+    EXPECT_TRUE(empty.IsValid());
+
+    Dictionary compact(true);
+    compact.Locale("fr_FR");
+    compact.Locale("");
+    compact.Locale(nullptr);
+    Dictionary copy(compact);
+    Add(copy, "/k", u"v");
+    EXPECT_EQ(Lookup(compact, "/k"), u"v");
+    EXPECT_EQ(Text(copy.Locale()), u"fr_FR");
+    copy = *hash;  // a hash table is never copied
+    copy = copy;
+    EXPECT_EQ(Lookup(copy, "/k"), u"v");
+
+    // A copy without a store gets one when an image needs it.
+    Load(empty, Saved(compact, lexon::SaveType::kBinary));
+    EXPECT_EQ(Lookup(empty, "/k"), u"v");
+    EXPECT_EQ(Text(empty.Locale()), u"fr_FR");
+}
+
+TEST(DictionaryRegistry, NumbersDictionaries) {
+    DictionaryMap& map = DictionaryMap::Instance();
+    EXPECT_EQ(map[7], map[7]);
+    EXPECT_NE(map[7], map[8]);
+    std::istringstream text("\"$$$/k=v\"");
+    Dictionary::Read(&text, 7);
+    EXPECT_EQ(Text(Dictionary::Lookup("$$$/k=d", 7, nullptr)), u"v");
+    EXPECT_EQ(Text(Dictionary::Lookup("$$$/k=d", 8, nullptr)), u"d");
+    EXPECT_EQ(Text(lexon_private::Wordlex("$$$/k=d", 7, nullptr)), u"v");
+    EXPECT_EQ(Text(lexon_private::Wordlex(0U, 7, nullptr)), u"");
+    EXPECT_EQ(Dictionary::SetAsMain(7), map[7]);
+    EXPECT_EQ(Text(Dictionary::Lookup("$$$/k=d", 8, nullptr)), u"v");
+    Dictionary().SetAsMain();  // and gone again
+}
+
+TEST(DictionarySave, BinaryFileHidesTheTextBeforeIt) {
+    Dictionary compact(true);
+    Add(compact, "/new", u"new");
+    const auto dictionary = FromText(u"\"/old=old\"");
+    Load(*dictionary, Saved(compact, lexon::SaveType::kBinary));
+    EXPECT_EQ(Keys(*dictionary), std::set<std::string>{"/new"});
+    EXPECT_EQ(Lookup(*dictionary, "/old=gone"), u"gone");
+    EXPECT_TRUE(dictionary->IsValid());
+}
+
+TEST(DictionarySave, TypesAndStores) {
+    const auto hash = FromText(u"\"/k=v\"");
+    const auto compact = FromText(u"\"/k=v\"", true);
+    const std::string text = "\xFF\xFE\"\0/\0k\0=\0v\0\"\0\n\0"s;
+    EXPECT_EQ(Saved(*hash, lexon::SaveType::kText), text);
+    EXPECT_EQ(Saved(*compact, lexon::SaveType::kText), text);
+    EXPECT_EQ(Saved(*hash, lexon::SaveType::kNothing), text);
+    EXPECT_EQ(Saved(*compact, lexon::SaveType::kNothing), "\xFF\xFE");
+    EXPECT_EQ(Saved(*hash, lexon::SaveType::kBinary), Saved(*compact, lexon::SaveType::kBinary));
+}
+
+// Long random sequences against a simple map, in both the store and what it is saved to and loaded
+// from again; loads and additions mix, so that images lie between writable arrays.
+TEST(DictionaryModel, RandomSequencesAgreeWithAMap) {
+    std::mt19937 random(20);
+    const auto below = [&random](unsigned n) { return random() % n; };
+    for (int sequence = 0; sequence < 4; ++sequence) {
+        Dictionary dictionary(true);
+        std::map<std::string, std::u16string> model;
+        std::map<std::string, unsigned long> ids;
+        for (int step = 0; step < 3000; ++step) {
+            const std::string key = "/Key/" + std::to_string(below(700));
+            const std::u16string value(below(20), static_cast<char16_t>(u'a' + below(26)));
+            switch (below(20)) {
+                case 0: {  // merge an image of a few keys
+                    Dictionary more(true);
+                    for (unsigned i = 0; i < 5; ++i) {
+                        const std::string newKey = key + std::to_string(i);
+                        Add(more, newKey.c_str(), value);
+                        model[newKey] = value;
+                    }
+                    Load(dictionary,
+                         Saved(more, lexon::SaveType::kBinary,
+                               below(2) == 0 ? lexon::EndianT::kBig : lexon::EndianT::kLittle));
+                    for (const auto& [k, v] : model)
+                        ids[k] = dictionary.GetNumericId(k.c_str());
+                    break;
+                }
+                case 1:
+                case 2:
+                case 3:
+                    EXPECT_EQ(dictionary.Remove(key.c_str()),
+                              model.erase(key) == 1 ? ids[key] : kNone);
+                    break;
+                default: {
+                    const unsigned long id = Add(dictionary, key.c_str(), value);
+                    if (model.insert_or_assign(key, value).second) {
+                        ids[key] = id;
+                    } else {
+                        EXPECT_EQ(id, ids[key]) << "a changed value keeps its id";
+                    }
+                }
+            }
+        }
+        std::set<std::string> keys;
+        for (const auto& [key, value] : model) {
+            keys.insert(key);
+            EXPECT_EQ(Lookup(dictionary, key.c_str()), value);
+            EXPECT_EQ(Text(dictionary.Lookup(ids[key], nullptr)), value);
+        }
+        EXPECT_EQ(dictionary.NumKeys(), model.size());
+        EXPECT_EQ(Keys(dictionary), keys);
+        for (const auto order : {lexon::EndianT::kBig, lexon::EndianT::kLittle}) {
+            const std::string image = Saved(dictionary, lexon::SaveType::kBinary, order);
+            Dictionary reloaded;
+            Load(reloaded, image);
+            EXPECT_EQ(Keys(reloaded), keys);
+            EXPECT_EQ(Saved(reloaded, lexon::SaveType::kBinary, order), image);
+            for (const auto& [key, value] : model) {
+                EXPECT_EQ(reloaded.GetNumericId(key.c_str()), ids[key]);
+            }
+        }
+    }
+}
+
+TEST(DictionarySize, MoreThanSixteenBitsOfEntriesThroughBothWriters) {
+    constexpr unsigned kEntries = 66'000;
+    std::string text;
+    for (unsigned i = 0; i < kEntries; ++i) {
+        text += "\"$$$/Many/" + std::to_string(i) + "=v" + std::to_string(i) + "\"\n";
+    }
+    for (const bool compact : {false, true}) {
+        Dictionary dictionary(compact);
+        Load(dictionary, text);
+        Dictionary reloaded;
+        Load(reloaded, Saved(dictionary, lexon::SaveType::kBinary));
+        ASSERT_EQ(reloaded.NumKeys(), kEntries);
+        for (unsigned i = 0; i < kEntries; i += 1009) {
+            const std::string number = std::to_string(i);
+            EXPECT_EQ(Lookup(reloaded, ("/Many/" + number).c_str()),
+                      u"v" + std::u16string(number.begin(), number.end()));
+        }
+    }
+}
+
+}  // namespace
+}  // namespace wordlex_tests
