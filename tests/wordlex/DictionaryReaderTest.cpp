@@ -50,7 +50,7 @@ Lines LinesOf(const std::string& bytes) {
 
 struct Row {
     int line;
-    std::u16string_view text;
+    std::u16string text;
     Lines expected;
 };
 
