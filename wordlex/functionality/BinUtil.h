@@ -1,6 +1,8 @@
 #pragma once
 #include <cstdint>
+#include <iosfwd>
 
+#include "wordlex/functionality/BinaryFormat.h"
 #include "wordlex/staticlib/Wordlexlib.h"
 
 namespace lexon_private {
@@ -19,5 +21,22 @@ std::uint16_t KeyTag(const unsigned char* bytes, unsigned long length) noexcept;
 
 // Whether multi-byte fields in the given byte order differ from this machine's.
 bool setEndian(lexon::EndianT order) noexcept;
+
+// What the head of a written file says of it, ahead of the byte order.
+struct wbfid_ {
+    const char* identification;  // NUL-terminated
+    std::uint8_t major;
+    std::uint8_t minor;
+    std::uint8_t encoding;  // of the values of version 1 files; version 2 values are UTF-16
+};
+inline constexpr wbfid_ wbfid{wbfidstr, kWrittenMajor, kWrittenMinor, 0};
+inline constexpr wbfid_ wbfid_utf8{wbfidstr, kWrittenMajor, kWrittenMinor, 1};
+
+// Write the header, or the locale block in the given byte order. Each gives the number of bytes
+// that the stream took; a stream that takes fewer than it should is bad afterwards.
+std::uint32_t wbfwrite_wbfid(std::ostream& out, const wbfid_& id, lexon::EndianT order);
+std::uint32_t wbfwrite_deflocale(std::ostream& out, lexon::EndianT order);
+std::uint32_t wbfwrite_locale(std::ostream& out, const char* name, std::uint32_t length,
+                              lexon::EndianT order);
 
 }  // namespace lexon_private

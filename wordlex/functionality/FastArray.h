@@ -1,0 +1,141 @@
+#pragma once
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <iosfwd>
+#include <memory>
+#include <vector>
+
+#include "wordlex/functionality/BinUtil.h"
+#include "wordlex/functionality/IdList.h"
+#include "wordlex/functionality/ImageReader.h"
+#include "wordlex/functionality/PackedRuns.h"
+#include "wordlex/functionality/RefCountObj.h"
+#include "wordlex/functionality/UnicodeRun.h"
+
+namespace lexon_private {
+
+// One array of entries of a compact store: an image that was loaded, or up to 100 added entries.
+// An entry of a keyed array whose key is empty was removed or overridden, or has the empty key.
+struct cFarray {
+    std::uint32_t entryCount = 0;
+    std::uint32_t idBase = 0;  // id of the first entry
+    bool keyed = true;
+    PackedRuns<unsigned char> keys;  // of keyed arrays
+    PackedRuns<unsigned short> values;
+    // The accelerator strings of some entries, in the order of these.
+    std::uint32_t acceleratorCount = 0;
+    Table<std::uint32_t> acceleratorEntries;  // index of each one's entry, ascending
+    PackedRuns<unsigned short> accelerators;
+
+    // Index of the accelerator string of an entry, or acceleratorCount.
+    std::uint32_t getAccelIndex(std::uint32_t entry) const noexcept;
+};
+
+// What became of an image.
+enum class ImageResult {
+    kLoaded,     // merged; also when it brings nothing
+    kRejected,   // it ends early, or its id base conflicts with the store
+    kMalformed,  // it says something that cannot be
+};
+
+// The compact store: entries in packed tables, numbered by ids that are never reused, found by key
+// through 1021 slots of ids. Images and added entries lie side by side as a list of arrays.
+// Owns:      everything in it; nothing refers to an image once that is loaded.
+// Ids:       32 bits, from 0 without gaps in the order of loading and adding; kNoId is none. An id
+//            is valid until its entry is removed or overridden. That of the empty key never is.
+// Units:     lengths of keys, values and accelerators are bytes unless a name says units. What is
+//            longer than 65,535 bytes is cut to the low 16 bits of its length.
+// Failure:   by value, as each member says. An allocation that fails leaves the store as before.
+// Threads:   none; enumeration moves a cursor even through const members.
+class FastArray final : public RefCountObj {
+public:
+    static constexpr std::uint32_t kNoId = 0xFFFFFFFF;
+
+    FastArray() = default;
+    FastArray(const FastArray&) = delete;
+    FastArray& operator=(const FastArray&) = delete;
+
+    // The id of the entry with exactly this key, or kNoId.
+    std::uint32_t FindId(const unsigned char* key, unsigned long keyLength) const;
+    bool ValidId(std::uint32_t id) const { return validId(id); }
+    std::uint32_t LiveCount() const noexcept { return liveCount; }  // neither removed nor overridden
+
+    // A copy of the value, made in one allocation; empty for an invalid id.
+    UnicodeRun GetValue(std::uint32_t id) const;
+    // The value in place, valid until the store changes; false for an invalid id.
+    bool GetUTF16Ptr(std::uint32_t id, const unsigned short*& units,
+                     unsigned long& unitCount) const;
+    UnicodeRun Accelerator(std::uint32_t id) const;  // empty when there is none
+    // A new NUL-terminated copy of the key, freed with array delete; empty when the entry was
+    // removed, null when there is no such entry or it has no keys.
+    char* FindStringId(std::uint32_t id) const;
+    // Copies the key and a NUL. False when they do not fit or the id is invalid; the buffer is then
+    // an empty text.
+    bool GetData(std::uint32_t id, char* buffer, unsigned long size) const;
+    bool GetData(std::uint32_t id, unsigned char* buffer, unsigned long size,
+                 std::uint16_t& keyLength) const;
+
+    // Adds an entry, or changes the value of the key's entry; gives its id. The accelerator may be
+    // null or empty. For an entry that exists it replaces one that the entry has; an entry without
+    // one gets it only as the first of its array.
+    std::uint32_t Add(const unsigned char* key, unsigned long keyLength,
+                      const unsigned char* value, unsigned long valueLength,
+                      const unsigned char* accelerator, unsigned long acceleratorLength);
+    // Gives the id, or kNoId when it is invalid or its array has no keys.
+    std::uint32_t Remove(std::uint32_t id);
+
+    // while (HasMoreItem()) look at NextItem(), which may be invalid: ask ValidId. After the end
+    // the next call starts anew.
+    bool HasMoreItem() const;
+    std::uint32_t NextItem() const noexcept { return cursor; }
+    void RestartEnumeration() noexcept {
+        restart = true;
+        cursor = 0;
+    }
+
+    // Loads the image that the reader stands at, whole or not at all. An image that declares id
+    // base 0 is merged: a key that the store holds keeps its id and takes the new value, and the
+    // new entry is dead and not listed. Keys of 1,024 bytes and more are never found to be held.
+    // An image whose base is the store's next id is appended as it is; an empty store takes any
+    // base for 0. The live count is believed as far as the tables allow it; where it is 0 the
+    // image brings nothing. A key listed in the wrong slot is not found; one listed twice is found
+    // once. A writable array is closed, so that the next added entry follows the image.
+    ImageResult Load(ImageReader& reader);
+    // The same from the stream's position or from memory; the other arguments are not used. Always
+    // 0: Load tells more.
+    std::uint32_t Read(std::istream& in, char encoding, lexon::EndianT order);
+    std::uint32_t Read(const char* begin, const char* end, bool copyKeys, char encoding,
+                       lexon::EndianT order);
+
+    // Writes an image whose first entry has the id `idBase`, with keys (kBinary) where the store
+    // has any or without (kBinaryNoKeys), and gives its bytes; or UTF-16 text without a byte-order
+    // mark, or nothing, and gives 0. Values stay UTF-16 whatever the encoding. An exception is
+    // reported on the standard error stream and gives 0.
+    std::uint32_t Serialize2(std::ostream& out, lexon::SaveType type,
+                             const lexon::EncodingInfo* encoding, lexon::EndianT order,
+                             unsigned int idBase) const;
+
+private:
+    static constexpr std::uint32_t kWritableEntries = 100;
+
+    struct Place {
+        std::size_t array = 0;
+        std::uint32_t entry = 0;
+    };
+    class Image;
+
+    ~FastArray() override = default;
+
+    std::uint32_t totalCount = 0;
+    std::uint32_t liveCount = 0;
+    std::array<IdList, kHashBucketCount> slots;
+    std::unique_ptr<std::byte[]> imageLists;  // of the image that an empty store loaded
+    std::vector<cFarray> arrays;
+    std::vector<std::uint32_t> idBases;  // of the arrays, one beside another for the search
+    bool writable = false;               // whether the last array takes added entries
+    mutable bool restart = true;
+    mutable std::uint32_t cursor = 0;
+};
+
+}  // namespace lexon_private

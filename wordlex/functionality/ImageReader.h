@@ -1,0 +1,151 @@
+#pragma once
+#include <algorithm>
+#include <bit>
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <iosfwd>
+#include <limits>
+#include <span>
+
+#include "wordlex/functionality/BinUtil.h"
+#include "wordlex/functionality/Table.h"
+
+namespace lexon_private {
+
+// Why a binary dictionary is refused.
+enum class ImageFault : std::uint8_t {
+    kNone,
+    kCutShort,            // a field or table runs past the end
+    kUnknownVersion,      // of the header
+    kIdBaseConflict,      // the image continues another store than this one
+    kTooManyEntries,      // for ids of 32 bits
+    kKeyOutside,          // offset and length leave the key area, or the lengths overfill it
+    kValueOutside,        // the same of the value area
+    kAcceleratorOutside,  // the same of the accelerator area
+    kSlotOutside,         // a hash slot above 1020
+    kIdOutside,           // an entry id behind the entry tables
+    kAcceleratorOrder,    // the entry ids of accelerators do not ascend
+    kTableDecreases,      // a cumulative table of version 1 goes down, or splits an entry
+};
+// In English, to stand behind "refused: ".
+const char* Describe(ImageFault fault) noexcept;
+
+// Bytes of an image: in the image itself when that lies in memory, otherwise a copy.
+class ImageBytes {
+public:
+    ImageBytes() noexcept = default;
+    explicit ImageBytes(std::span<const unsigned char> inImage) noexcept : bytes(inImage) {}
+    explicit ImageBytes(Table<unsigned char> read) noexcept
+        : owned(std::move(read)), bytes(owned.data(), owned.size()) {}
+
+    const unsigned char* data() const noexcept { return bytes.data(); }
+    std::size_t size() const noexcept { return bytes.size(); }
+
+private:
+    Table<unsigned char> owned;
+    std::span<const unsigned char> bytes;
+};
+
+// Forward reader over a binary dictionary in memory or on a stream: the only code that compares
+// sizes with what is there and that swaps bytes on the way in.
+// Owns:    nothing; the image or the stream outlives the reader.
+// Failure: sticks. The first fault and its offset stay, later reads give 0 or nothing, so a parser
+//          asks Ok() once per section. Nothing that the image only claims is allocated: what is left
+//          is known for memory and for a stream that can seek; other streams are read in steps.
+//          A bad stream counts as one that ends. std::bad_alloc passes, and what the stream throws.
+// Units:   offsets and sizes are bytes from where the reader began.
+class ImageReader {
+public:
+    ImageReader(const char* begin, const char* end, lexon::EndianT order) noexcept;
+    // From where the stream stands; leaves it right behind what was read.
+    ImageReader(std::istream& source, lexon::EndianT order);
+    ImageReader(const ImageReader&) = delete;
+    ImageReader& operator=(const ImageReader&) = delete;
+
+    void SetOrder(lexon::EndianT order) noexcept { swap = setEndian(order); }
+
+    bool Ok() const noexcept { return fault == ImageFault::kNone; }
+    ImageFault Fault() const noexcept { return fault; }
+    std::uint64_t FaultOffset() const noexcept { return faultOffset; }
+    // For what a parser finds wrong in what it has read.
+    void Reject(ImageFault why, std::uint64_t where) noexcept;
+
+    std::uint64_t Offset() const noexcept { return offset; }
+    bool InMemory() const noexcept { return stream == nullptr; }
+    bool AtEnd();
+
+    template <std::unsigned_integral T>
+    T Get() {
+        T value = 0;
+        if (!Take(&value, sizeof value)) return 0;
+        return swap ? Swapped(value) : value;
+    }
+    // `count` items, in host byte order.
+    template <std::unsigned_integral T>
+    Table<T> GetTable(std::uint64_t count) {
+        if (count > kMostBytes / sizeof(T)) {
+            Reject(ImageFault::kCutShort, offset);
+            return {};
+        }
+        return GetArea<T>(count * sizeof(T));
+    }
+    // `byteCount` bytes as items, in host byte order. Bytes that make no whole item stay in file
+    // order at the head of a last item that is filled up with zeros.
+    template <std::unsigned_integral T>
+    Table<T> GetArea(std::uint64_t byteCount);
+    ImageBytes GetBytes(std::uint64_t byteCount);
+
+private:
+    static constexpr std::uint64_t kMostBytes = std::numeric_limits<std::ptrdiff_t>::max();
+    static constexpr std::uint64_t kBlindStep = 64 * 1024;  // first step where the end is unknown
+
+    template <std::unsigned_integral T>
+    static T Swapped(T value) noexcept {
+        if constexpr (sizeof(T) == 1) return value;
+        if constexpr (sizeof(T) == 2) return __builtin_bswap16(value);
+        if constexpr (sizeof(T) == 4) return __builtin_bswap32(value);
+        if constexpr (sizeof(T) == 8) return __builtin_bswap64(value);
+    }
+
+    // Whether the bytes are there as far as that can be told; rejects the image if not.
+    bool Expect(std::uint64_t byteCount) noexcept;
+    // Copies the next bytes; false and rejected when they are not there.
+    bool Take(void* destination, std::uint64_t byteCount);
+
+    const unsigned char* cursor = nullptr;  // in memory: the next byte
+    std::istream* stream = nullptr;
+    std::uint64_t left = kMostBytes;  // bytes ahead; on a stream that cannot tell, no bound
+    bool endKnown = true;
+    bool swap;
+    ImageFault fault = ImageFault::kNone;
+    std::uint64_t faultOffset = 0;
+    std::uint64_t offset = 0;
+};
+
+template <std::unsigned_integral T>
+Table<T> ImageReader::GetArea(std::uint64_t byteCount) {
+    if (!Expect(byteCount)) return {};
+    const std::uint64_t itemCount = byteCount / sizeof(T) + (byteCount % sizeof(T) != 0 ? 1 : 0);
+    const std::uint64_t firstStep = endKnown ? itemCount : kBlindStep / sizeof(T);
+    Table<T> items;
+    for (std::uint64_t filled = 0; items.size() < itemCount;) {
+        const std::uint64_t room = items.empty() ? firstStep : 2 * items.size();
+        Table<T> larger(static_cast<std::size_t>(std::min(room, itemCount)));
+        if (filled != 0) std::memcpy(larger.data(), items.data(), filled);
+        items = std::move(larger);
+        items[items.size() - 1] = 0;
+        const std::uint64_t step =
+            std::min<std::uint64_t>(byteCount, items.size() * sizeof(T)) - filled;
+        if (!Take(reinterpret_cast<unsigned char*>(items.data()) + filled, step)) return {};
+        filled += step;
+    }
+    if (swap) {
+        const auto wholeItems = static_cast<std::ptrdiff_t>(byteCount / sizeof(T));
+        std::transform(items.begin(), items.begin() + wholeItems, items.begin(), Swapped<T>);
+    }
+    return items;
+}
+
+}  // namespace lexon_private

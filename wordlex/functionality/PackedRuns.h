@@ -1,0 +1,78 @@
+#pragma once
+#include <cstdint>
+#include <cstring>
+#include <memory>
+
+#include "wordlex/functionality/ImageReader.h"
+#include "wordlex/functionality/Table.h"
+
+namespace lexon_private {
+
+// Numbered strings of one array of a compact store: bytes of keys, or UTF-16 units of texts. Strings
+// from an image lie packed in one area; one that is added at run time or has outgrown its place
+// lies in a buffer of its own.
+// Units:     lengths and offsets are bytes. Those of texts are even, so that units are aligned.
+// Invariant: every string lies inside its area or buffer: whoever reads one need not check.
+template <class Unit>
+class PackedRuns {
+public:
+    using Run = std::unique_ptr<Unit[]>;
+
+    // The part of `byteCount` that a length of 16 bits can tell: longer strings are cut.
+    static std::uint16_t StoredLength(unsigned long byteCount) noexcept {
+        return static_cast<std::uint16_t>(byteCount / sizeof(Unit) * sizeof(Unit));
+    }
+    // A copy in a buffer of its own; null when there is nothing to copy.
+    static Run Copy(const void* bytes, std::uint16_t byteCount) {
+        if (byteCount == 0) return nullptr;
+        auto run = std::make_unique_for_overwrite<Unit[]>(byteCount / sizeof(Unit));
+        std::memcpy(run.get(), bytes, byteCount);
+        return run;
+    }
+
+    std::uint16_t Length(std::size_t i) const noexcept { return lengths[i]; }
+    // Not terminated; may be null when the length is 0.
+    const Unit* Data(std::size_t i) const noexcept {
+        if (!buffers.empty() && buffers[i] != nullptr) return buffers[i].get();
+        return offsets.empty() ? nullptr : area.data() + offsets[i] / sizeof(Unit);
+    }
+
+    // Makes `count` empty strings without an area.
+    void MakeEmpty(std::size_t count);
+    // Makes sure that Put cannot fail.
+    void PrepareBuffers() {
+        if (buffers.empty()) buffers = Table<Run>(lengths.size());
+    }
+    void Put(std::size_t i, Run run, std::uint16_t byteCount) noexcept {
+        buffers[i] = std::move(run);
+        lengths[i] = byteCount;
+    }
+    void Clear(std::size_t i) noexcept { lengths[i] = 0; }
+    // Whether a string of that length takes the place of string i without a buffer of its own.
+    bool FitsInPlace(std::size_t i, std::uint16_t byteCount) const noexcept {
+        return byteCount <= lengths[i];
+    }
+    // Overwrites string i, which is at least as long. `bytes` may be part of it.
+    void PutInPlace(std::size_t i, const void* bytes, std::uint16_t byteCount) noexcept {
+        if (byteCount != 0) std::memmove(const_cast<Unit*>(Data(i)), bytes, byteCount);
+        lengths[i] = byteCount;
+    }
+
+    // Read the two tables of `count` strings, then later the area that they describe. Every string
+    // is checked against the area's size; `outside` is the fault of one that leaves it, or of
+    // strings that are longer in all than the area.
+    void ReadTables(ImageReader& reader, std::uint32_t count, std::uint32_t areaSize,
+                    ImageFault outside);
+    void ReadArea(ImageReader& reader, std::uint32_t areaSize);
+
+private:
+    Table<std::uint32_t> offsets;  // absent in arrays that were not read
+    Table<std::uint16_t> lengths;
+    Table<Unit> area;
+    Table<Run> buffers;  // absent until a string needs one; null where a string lies in the area
+};
+
+extern template class PackedRuns<unsigned char>;
+extern template class PackedRuns<unsigned short>;
+
+}  // namespace lexon_private
