@@ -1,11 +1,17 @@
 #include "wordlex/functionality/BinUtil.h"
 
+#include <array>
 #include <bit>
 #include <cstring>
+#include <ostream>
+#include <string>
 
 namespace lexon_private {
 
 namespace {
+
+constexpr lexon::EndianT kNativeOrder =
+    std::endian::native == std::endian::big ? lexon::EndianT::kBig : lexon::EndianT::kLittle;
 
 // The polynomial over the sampled bytes. Nine bytes shifted by five bits each stay below 2^53, so
 // one remainder at the end equals a remainder after every step.
@@ -21,6 +27,15 @@ std::uint64_t LoadWord(const unsigned char* bytes) noexcept {
     std::uint64_t word;
     std::memcpy(&word, bytes, sizeof word);
     return word;
+}
+
+std::uint32_t Put(std::ostream& out, std::string_view bytes) {
+    const std::ostream::sentry ready(out);
+    if (!ready) return 0;
+    const auto wanted = static_cast<std::streamsize>(bytes.size());
+    const std::streamsize taken = out.rdbuf()->sputn(bytes.data(), wanted);
+    if (taken != wanted) out.setstate(std::ios_base::badbit);
+    return static_cast<std::uint32_t>(taken);
 }
 
 }  // namespace
@@ -57,9 +72,31 @@ std::uint16_t KeyTag(const unsigned char* bytes, unsigned long length) noexcept 
 }
 
 bool setEndian(lexon::EndianT order) noexcept {
-    constexpr lexon::EndianT kNative =
-        std::endian::native == std::endian::big ? lexon::EndianT::kBig : lexon::EndianT::kLittle;
-    return order != lexon::EndianT::kHost && order != kNative;
+    return order != lexon::EndianT::kHost && order != kNativeOrder;
+}
+
+std::uint32_t wbfwrite_wbfid(std::ostream& out, const wbfid_& id, lexon::EndianT order) {
+    std::string header = id.identification;
+    const bool bigEndianFile = setEndian(order) != (kNativeOrder == lexon::EndianT::kBig);
+    for (const std::uint8_t field :
+         {id.major, id.minor, id.encoding, bigEndianFile ? kBigEndianFile : kLittleEndianFile}) {
+        header += static_cast<char>(field);
+    }
+    return Put(out, header);
+}
+
+std::uint32_t wbfwrite_deflocale(std::ostream& out, lexon::EndianT order) {
+    constexpr std::string_view kName = defaultLocale;
+    return wbfwrite_locale(out, kName.data(), static_cast<std::uint32_t>(kName.size()), order);
+}
+
+std::uint32_t wbfwrite_locale(std::ostream& out, const char* name, std::uint32_t length,
+                              lexon::EndianT order) {
+    const std::uint32_t field = setEndian(order) ? ByteSwap(length) : length;
+    std::array<char, sizeof field> bytes;
+    std::memcpy(bytes.data(), &field, sizeof field);
+    const std::uint32_t written = Put(out, {bytes.data(), bytes.size()});
+    return written + Put(out, {name, length});
 }
 
 }  // namespace lexon_private

@@ -1,4 +1,5 @@
 #pragma once
+#include <concepts>
 #include <cstdint>
 #include <iosfwd>
 
@@ -21,6 +22,14 @@ std::uint16_t KeyTag(const unsigned char* bytes, unsigned long length) noexcept;
 
 // Whether multi-byte fields in the given byte order differ from this machine's.
 bool setEndian(lexon::EndianT order) noexcept;
+
+template <std::unsigned_integral T>
+constexpr T ByteSwap(T value) noexcept {
+    if constexpr (sizeof(T) == 1) return value;
+    if constexpr (sizeof(T) == 2) return __builtin_bswap16(value);
+    if constexpr (sizeof(T) == 4) return __builtin_bswap32(value);
+    if constexpr (sizeof(T) == 8) return __builtin_bswap64(value);
+}
 
 // What the head of a written file says of it, ahead of the byte order.
 struct wbfid_ {

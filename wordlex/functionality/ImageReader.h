@@ -1,6 +1,5 @@
 #pragma once
 #include <algorithm>
-#include <bit>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -52,9 +51,10 @@ private:
 // sizes with what is there and that swaps bytes on the way in.
 // Owns:    nothing; the image or the stream outlives the reader.
 // Failure: sticks. The first fault and its offset stay, later reads give 0 or nothing, so a parser
-//          asks Ok() once per section. Nothing that the image only claims is allocated: what is left
-//          is known for memory and for a stream that can seek; other streams are read in steps.
-//          A bad stream counts as one that ends. std::bad_alloc passes, and what the stream throws.
+//          asks Ok() once per section. Nothing that the image only claims is allocated: what is
+//          left is known for memory and for a stream that can seek; other streams are read in
+//          steps. A bad stream counts as one that ends. std::bad_alloc passes, and what the stream
+//          throws.
 // Units:   offsets and sizes are bytes from where the reader began.
 class ImageReader {
 public:
@@ -80,7 +80,7 @@ public:
     T Get() {
         T value = 0;
         if (!Take(&value, sizeof value)) return 0;
-        return swap ? Swapped(value) : value;
+        return swap ? ByteSwap(value) : value;
     }
     // `count` items, in host byte order.
     template <std::unsigned_integral T>
@@ -100,14 +100,6 @@ public:
 private:
     static constexpr std::uint64_t kMostBytes = std::numeric_limits<std::ptrdiff_t>::max();
     static constexpr std::uint64_t kBlindStep = 64 * 1024;  // first step where the end is unknown
-
-    template <std::unsigned_integral T>
-    static T Swapped(T value) noexcept {
-        if constexpr (sizeof(T) == 1) return value;
-        if constexpr (sizeof(T) == 2) return __builtin_bswap16(value);
-        if constexpr (sizeof(T) == 4) return __builtin_bswap32(value);
-        if constexpr (sizeof(T) == 8) return __builtin_bswap64(value);
-    }
 
     // Whether the bytes are there as far as that can be told; rejects the image if not.
     bool Expect(std::uint64_t byteCount) noexcept;
@@ -143,7 +135,7 @@ Table<T> ImageReader::GetArea(std::uint64_t byteCount) {
     }
     if (swap) {
         const auto wholeItems = static_cast<std::ptrdiff_t>(byteCount / sizeof(T));
-        std::transform(items.begin(), items.begin() + wholeItems, items.begin(), Swapped<T>);
+        std::transform(items.begin(), items.begin() + wholeItems, items.begin(), ByteSwap<T>);
     }
     return items;
 }
