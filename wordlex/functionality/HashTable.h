@@ -1,4 +1,5 @@
 #pragma once
+#include <concepts>
 #include <cstdint>
 #include <iosfwd>
 
@@ -19,6 +20,8 @@ namespace lexon_private {
 //          entry. An exception, of a conversion or of memory, leaves the table as before.
 template <class Key, class Entry>
 class HashTable : public HashTableGeneric {
+    static_assert(std::derived_from<Entry, Key>);
+
 public:
     std::uint32_t read_ver15(std::istream& in, char encoding);
     std::uint32_t read_ver15(const char* body, const char* end, bool copyKeys, char encoding);

@@ -1,10 +1,24 @@
 #include "wordlex/functionality/HashTableGeneric.h"
 
 #include <algorithm>
+#include <numeric>
 #include <ostream>
+#include <streambuf>
 #include <vector>
 
+#include "wordlex/functionality/ImageWriter.h"
+
 namespace lexon_private {
+
+namespace {
+
+// Takes everything and keeps nothing: items tell their sizes only by being written.
+class NowhereBuffer : public std::streambuf {
+    std::streamsize xsputn(const char*, std::streamsize count) override { return count; }
+    int_type overflow(int_type unit) override { return traits_type::not_eof(unit); }
+};
+
+}  // namespace
 
 std::size_t HashTableGeneric::Bucket::Position(const HashItem& probe) const {
     const std::uint16_t tag = probe.Tag();
@@ -158,6 +172,71 @@ std::uint32_t HashTableGeneric::SerializeBinary(std::ostream& out,
     out.seekp(index);
     writeIndex();
     return written;
+}
+
+std::uint32_t HashTableGeneric::Serialize2(std::ostream& out, bool binary,
+                                           const lexon::EncodingInfo* encoding,
+                                           lexon::EndianT order) const {
+    if (!binary) return Serialize(out, false, encoding);
+    const auto writeKey = [&](const HashItem& item, std::ostream& to) {
+        return item.SerializeKey(to, true, encoding);
+    };
+    const auto writeValue = [&](const HashItem& item, std::ostream& to) {
+        return item.SerializeValue(to, true, nullptr, order);
+    };
+
+    std::vector<std::uint32_t> keySizes;
+    std::vector<std::uint32_t> valueSizes;
+    NowhereBuffer nowhere;
+    std::ostream measure(&nowhere);
+    ForEach([&](const HashItem& item) {
+        keySizes.push_back(writeKey(item, measure));
+        valueSizes.push_back(writeValue(item, measure));
+    });
+    const auto keyArea = std::accumulate(keySizes.begin(), keySizes.end(), std::uint32_t{0});
+    const auto valueArea = std::accumulate(valueSizes.begin(), valueSizes.end(), std::uint32_t{0});
+    const auto itemCount = static_cast<std::uint32_t>(keySizes.size());
+
+    ImageWriter writer(out, order);
+    writer.write4(0);  // id base
+    writer.WriteByte(kKeyed);
+    writer.write4(itemCount);
+    writer.write4(itemCount);
+    writer.write4(static_cast<std::uint32_t>(std::count_if(
+        buckets.begin(), buckets.end(), [](const Bucket& bucket) { return bucket.Count() != 0; })));
+    writer.write4(keyArea);
+    writer.write4(valueArea);
+    const auto writeTables = [&writer](const std::vector<std::uint32_t>& sizes) {
+        std::uint32_t offset = 0;
+        for (const std::uint32_t size : sizes) {
+            writer.write4(offset);
+            offset += size;
+        }
+        for (const std::uint32_t size : sizes)
+            writer.write2(static_cast<std::uint16_t>(size));
+    };
+    writeTables(keySizes);
+    writeTables(valueSizes);
+    ForEach([&](const HashItem& item) { writeKey(item, out); });
+    ForEach([&](const HashItem& item) { writeValue(item, out); });
+    WriteHashIndex(writer);
+    writer.write4(0);  // accelerator strings
+    return 12 + keyArea + valueArea;
+}
+
+// The ids of the items of a bucket follow one another.
+void HashTableGeneric::WriteHashIndex(ImageWriter& writer) const {
+    for (std::size_t slot = 0; slot < buckets.size(); ++slot) {
+        if (buckets[slot].Count() != 0) writer.write2(static_cast<std::uint16_t>(slot));
+    }
+    std::uint32_t itemCount = 0;
+    for (const Bucket& bucket : buckets) {
+        const auto count = static_cast<std::uint32_t>(bucket.Count());
+        if (count != 0) writer.write4(count);
+        itemCount += count;
+    }
+    for (std::uint32_t id = 0; id < itemCount; ++id)
+        writer.write4(id);
 }
 
 }  // namespace lexon_private

@@ -10,6 +10,8 @@
 
 namespace lexon_private {
 
+class ImageWriter;
+
 // A table of 1021 buckets, each a chain of items linked through HashItem::next, newest first.
 // Owns:      every item linked into it, from Insert until Remove hands it back.
 // Invariant: buckets never grow in number; beside its chain each bucket keeps the chain's items and
@@ -30,6 +32,8 @@ public:
     void Insert(HashItem* item);
     // Links the items, in the given order, in front of one bucket's chain; as Insert otherwise.
     void InsertAhead(unsigned long bucket, std::span<HashItem* const> items);
+    // Makes room in a bucket, so that inserting that many items cannot fail.
+    void ReserveAhead(unsigned long bucket, std::size_t more) { buckets[bucket].Reserve(more); }
     // Unlinks the newest item equal to `probe` and hands it to the caller; null when there is none.
     HashItem* Remove(const HashItem& probe);
     // The newest item equal to `probe`, still the table's; null when there is none.
@@ -46,6 +50,12 @@ public:
     // It writes its index last, so the stream must be able to seek; one that cannot fails.
     std::uint32_t Serialize(std::ostream& out, bool binary,
                             const lexon::EncodingInfo* encoding) const;
+    // Text: the same. Binary: a version 2 image with the ids of the items in table order, written
+    // front to back; gives 12 and the bytes of keys and values. Values are UTF-16 whatever the
+    // encoding. The format has room for 65,535 bytes of a key or value: of a longer one it tells
+    // the low 16 bits of the length.
+    std::uint32_t Serialize2(std::ostream& out, bool binary, const lexon::EncodingInfo* encoding,
+                             lexon::EndianT order) const;
 
 private:
     // The items of one chain, oldest first, and behind them in the same block their tags.
@@ -74,6 +84,7 @@ private:
     std::size_t Search(const HashItem& probe) const;
     bool EnterChainFrom(std::size_t firstBucket) const;
     std::uint32_t SerializeBinary(std::ostream& out, const lexon::EncodingInfo* encoding) const;
+    void WriteHashIndex(ImageWriter& writer) const;
 
     // Calls visit(item) for every item in table order.
     template <class Visit>

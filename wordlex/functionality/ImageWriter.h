@@ -1,0 +1,37 @@
+#pragma once
+#include <cstdint>
+#include <iosfwd>
+
+#include "wordlex/functionality/BinUtil.h"
+
+namespace lexon_private {
+
+// Writes the fields of a binary dictionary front to back in a given byte order.
+// Failure: carried by the stream's state.
+class ImageWriter {
+public:
+    ImageWriter(std::ostream& destination, lexon::EndianT order) noexcept
+        : out(destination), swap(setEndian(order)) {}
+
+    void WriteByte(std::uint8_t value) { WriteBytes(&value, sizeof value); }
+    void WriteBytes(const void* bytes, std::size_t byteCount);
+    void write2(std::uint16_t value) {
+        if (swap) value = ByteSwap(value);
+        WriteBytes(&value, sizeof value);
+    }
+    void write4(std::uint32_t value) {
+        if (swap) value = ByteSwap(value);
+        WriteBytes(&value, sizeof value);
+    }
+    // The whole units of `byteCount` bytes.
+    void writearr2(const unsigned short* units, std::size_t byteCount);
+
+    std::uint32_t Written() const noexcept { return written; }  // bytes
+
+private:
+    std::ostream& out;
+    bool swap;
+    std::uint32_t written = 0;
+};
+
+}  // namespace lexon_private
