@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "wordlex/functionality/ArrayImage.h"
 #include "wordlex/functionality/BinUtil.h"
 #include "wordlex/functionality/IdList.h"
 #include "wordlex/functionality/ImageReader.h"
@@ -15,22 +16,7 @@
 
 namespace lexon_private {
 
-// One array of entries of a compact store: an image that was loaded, or up to 100 added entries.
-// An entry of a keyed array whose key is empty was removed or overridden, or has the empty key.
-struct cFarray {
-    std::uint32_t entryCount = 0;
-    std::uint32_t idBase = 0;  // id of the first entry
-    bool keyed = true;
-    PackedRuns<unsigned char> keys;  // of keyed arrays
-    PackedRuns<unsigned short> values;
-    // The accelerator strings of some entries, in the order of these.
-    std::uint32_t acceleratorCount = 0;
-    Table<std::uint32_t> acceleratorEntries;  // index of each one's entry, ascending
-    PackedRuns<unsigned short> accelerators;
-
-    // Index of the accelerator string of an entry, or acceleratorCount.
-    std::uint32_t getAccelIndex(std::uint32_t entry) const noexcept;
-};
+class ImageWriter;
 
 // What became of an image.
 enum class ImageResult {
@@ -58,8 +44,10 @@ public:
 
     // The id of the entry with exactly this key, or kNoId.
     std::uint32_t FindId(const unsigned char* key, unsigned long keyLength) const;
-    bool ValidId(std::uint32_t id) const { return validId(id); }
-    std::uint32_t LiveCount() const noexcept { return liveCount; }  // neither removed nor overridden
+    bool ValidId(std::uint32_t id) const;
+    std::uint32_t LiveCount() const noexcept {
+        return liveCount;
+    }  // neither removed nor overridden
 
     // A copy of the value, made in one allocation; empty for an invalid id.
     UnicodeRun GetValue(std::uint32_t id) const;
@@ -73,15 +61,13 @@ public:
     // Copies the key and a NUL. False when they do not fit or the id is invalid; the buffer is then
     // an empty text.
     bool GetData(std::uint32_t id, char* buffer, unsigned long size) const;
-    bool GetData(std::uint32_t id, unsigned char* buffer, unsigned long size,
-                 std::uint16_t& keyLength) const;
 
     // Adds an entry, or changes the value of the key's entry; gives its id. The accelerator may be
     // null or empty. For an entry that exists it replaces one that the entry has; an entry without
     // one gets it only as the first of its array.
-    std::uint32_t Add(const unsigned char* key, unsigned long keyLength,
-                      const unsigned char* value, unsigned long valueLength,
-                      const unsigned char* accelerator, unsigned long acceleratorLength);
+    std::uint32_t Add(const unsigned char* key, unsigned long keyLength, const unsigned char* value,
+                      unsigned long valueLength, const unsigned char* accelerator,
+                      unsigned long acceleratorLength);
     // Gives the id, or kNoId when it is invalid or its array has no keys.
     std::uint32_t Remove(std::uint32_t id);
 
@@ -119,20 +105,57 @@ public:
 private:
     static constexpr std::uint32_t kWritableEntries = 100;
 
-    struct Place {
-        std::size_t array = 0;
-        std::uint32_t entry = 0;
+    // The new value of an entry that an image overrides.
+    struct Update {
+        std::uint32_t id;
+        std::uint32_t imageEntry;
+        std::uint16_t length;
+        PackedRuns<unsigned short>::Run prepared;
     };
-    class Image;
+    using SlotCounts = std::array<std::uint32_t, kHashBucketCount>;
 
     ~FastArray() override = default;
+
+    struct Place {
+        std::size_t array;
+        std::uint32_t entry;  // its index in the array
+    };
+
+    // Index of the array that holds the id, or -1.
+    int getArrayNum(std::uint32_t id) const;
+    Place PlaceOf(std::uint32_t id) const;  // of an id below the total
+    // The array of a valid id and the entry's index there; null for an invalid id.
+    const cFarray* FindEntry(std::uint32_t id, std::uint32_t& entry) const;
+    // The first id of the slot whose entry has the key, or kNoId.
+    std::uint32_t FindListed(const IdList& slot, std::uint16_t tag, const unsigned char* key,
+                             unsigned long keyLength) const;
+
+    cFarray& WritableArray();
+    void Change(std::uint32_t id, const unsigned char* value, unsigned long valueLength,
+                const unsigned char* accelerator, unsigned long acceleratorLength);
+
+    // Kills the entries of the image whose keys are held here, takes them off its lists, and
+    // prepares the new values of the held entries.
+    std::vector<Update> updateStrValsIfKeyExists(ArrayImage& image);
+    std::unique_ptr<std::byte[]> ReserveLists(const SlotCounts& added);
+    void Append(ArrayImage&& image, std::unique_ptr<std::byte[]> lists,
+                const SlotCounts& added) noexcept;
+
+    std::uint32_t bSerialize(std::ostream& out, bool withKeys, lexon::EndianT order,
+                             std::uint32_t idBase) const;
+    void WriteHashIndex(ImageWriter& writer) const;
+    void WriteAccelerators(ImageWriter& writer) const;
+    void SerializeText(std::ostream& out, const lexon::EncodingInfo* encoding) const;
+    // Calls visit(array, entry) for every entry in the order of ids.
+    template <class Visit>
+    void ForEach(Visit visit) const;
 
     std::uint32_t totalCount = 0;
     std::uint32_t liveCount = 0;
     std::array<IdList, kHashBucketCount> slots;
-    std::unique_ptr<std::byte[]> imageLists;  // of the image that an empty store loaded
+    std::unique_ptr<std::byte[]> imageLists;  // the lists of an image that an empty store loaded
     std::vector<cFarray> arrays;
-    std::vector<std::uint32_t> idBases;  // of the arrays, one beside another for the search
+    std::vector<std::uint32_t> idBases;  // of the arrays: id of the first entry, ascending
     bool writable = false;               // whether the last array takes added entries
     mutable bool restart = true;
     mutable std::uint32_t cursor = 0;

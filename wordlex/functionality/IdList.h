@@ -11,6 +11,11 @@ namespace lexon_private {
 // Owns: its block, unless that is a piece of a larger one made for a whole image.
 class IdList {
 public:
+    // Tags that no key has but the empty one, and none at all.
+    static constexpr std::uint16_t kEmptyKey = 0;
+    static constexpr std::uint16_t kNoKey = 1;  // of an entry that is dead when it is listed
+    static std::uint16_t Tag(const unsigned char* key, unsigned long length) noexcept;
+
     // Bytes of a block for that many ids; blocks one behind another stay aligned.
     static constexpr std::size_t BlockSize(std::size_t idCount) noexcept {
         const std::size_t bytes = idCount * (sizeof(std::uint32_t) + sizeof(std::uint16_t));
@@ -27,7 +32,7 @@ public:
 
     // An empty list with room for `room` ids in a borrowed block that outlives it.
     void Borrow(std::byte* borrowed, std::uint32_t room) noexcept {
-        block = Block(borrowed, Free{.owned = false});
+        block = Block(borrowed, Free{.borrowed = true});
         capacity = room;
     }
     // Makes room for more ids, at least doubling a full list.
@@ -40,9 +45,9 @@ public:
 
 private:
     struct Free {
-        bool owned = true;
+        bool borrowed;  // false when made without a value
         void operator()(std::byte* memory) const noexcept {
-            if (owned) delete[] memory;
+            if (!borrowed) delete[] memory;
         }
     };
     using Block = std::unique_ptr<std::byte[], Free>;

@@ -8,11 +8,11 @@
 
 namespace lexon_private {
 
-// Numbered strings of one array of a compact store: bytes of keys, or UTF-16 units of texts. Strings
-// from an image lie packed in one area; one that is added at run time or has outgrown its place
-// lies in a buffer of its own.
-// Units:     lengths and offsets are bytes. Those of texts are even, so that units are aligned.
-// Invariant: every string lies inside its area or buffer: whoever reads one need not check.
+// Numbered strings of one array of a compact store: bytes of keys, or UTF-16 units of texts.
+// Strings from an image lie packed in one area; one that is added at run time or has outgrown its
+// place lies in a buffer of its own. Units:     lengths and offsets are bytes. Those of texts are
+// even, so that units are aligned. Invariant: every string lies inside its area or buffer: whoever
+// reads one need not check.
 template <class Unit>
 class PackedRuns {
 public:
@@ -39,24 +39,17 @@ public:
 
     // Makes `count` empty strings without an area.
     void MakeEmpty(std::size_t count);
-    // Makes sure that Put cannot fail.
-    void PrepareBuffers() {
-        if (buffers.empty()) buffers = Table<Run>(lengths.size());
-    }
+    // Sets a string that has no place in the area.
     void Put(std::size_t i, Run run, std::uint16_t byteCount) noexcept {
         buffers[i] = std::move(run);
         lengths[i] = byteCount;
     }
     void Clear(std::size_t i) noexcept { lengths[i] = 0; }
-    // Whether a string of that length takes the place of string i without a buffer of its own.
-    bool FitsInPlace(std::size_t i, std::uint16_t byteCount) const noexcept {
-        return byteCount <= lengths[i];
-    }
-    // Overwrites string i, which is at least as long. `bytes` may be part of it.
-    void PutInPlace(std::size_t i, const void* bytes, std::uint16_t byteCount) noexcept {
-        if (byteCount != 0) std::memmove(const_cast<Unit*>(Data(i)), bytes, byteCount);
-        lengths[i] = byteCount;
-    }
+    // Replaces string i in two steps, of which the first does all that can fail: a string that
+    // grows is prepared in a buffer of its own, any other overwrites the old one. `bytes` may be
+    // part of what is replaced. Replacements of one string may be prepared together.
+    Run PrepareReplace(std::size_t i, const void* bytes, std::uint16_t byteCount);
+    void Replace(std::size_t i, Run prepared, const void* bytes, std::uint16_t byteCount) noexcept;
 
     // Read the two tables of `count` strings, then later the area that they describe. Every string
     // is checked against the area's size; `outside` is the fault of one that leaves it, or of

@@ -1,0 +1,134 @@
+#include "wordlex/functionality/ArrayImage.h"
+
+#include <algorithm>
+#include <functional>
+#include <limits>
+
+#include "wordlex/functionality/BinUtil.h"
+#include "wordlex/functionality/IdList.h"
+
+namespace lexon_private {
+
+std::uint32_t cFarray::getAccelIndex(std::uint32_t entry) const noexcept {
+    const std::uint32_t* const first = acceleratorEntries.begin();
+    const std::uint32_t* const last = first + acceleratorCount;
+    const std::uint32_t* const found = std::lower_bound(first, last, entry);
+    return static_cast<std::uint32_t>((found != last && *found == entry ? found : last) - first);
+}
+
+void cFarray::PrepareAccelerators(std::uint32_t room) {
+    if (!acceleratorEntries.empty()) return;
+    accelerators.MakeEmpty(room);
+    acceleratorEntries = Table<std::uint32_t>(room);
+}
+
+void cFarray::AddAccelerator(std::uint32_t entry, PackedRuns<unsigned short>::Run text,
+                             std::uint16_t byteCount) noexcept {
+    acceleratorEntries[acceleratorCount] = entry;
+    accelerators.Put(acceleratorCount, std::move(text), byteCount);
+    ++acceleratorCount;
+}
+
+void cFarray::Kill(std::uint32_t entry) noexcept {
+    keys.Clear(entry);
+    values.Clear(entry);
+    const std::uint32_t index = getAccelIndex(entry);
+    if (index != acceleratorCount) accelerators.Clear(index);
+}
+
+ArrayImage::ArrayImage(ImageReader& reader, std::uint32_t storeTotal) {
+    idBase = reader.Get<std::uint32_t>();
+    if (idBase != 0 && storeTotal != 0 && idBase != storeTotal) {
+        reader.Reject(ImageFault::kIdBaseConflict, reader.Offset() - sizeof idBase);
+    }
+    array.keyed = reader.Get<std::uint8_t>() != kNotKeyed;
+    array.entryCount = reader.Get<std::uint32_t>();
+    const auto declaredLiveCount = reader.Get<std::uint32_t>();
+    const auto slotCount = reader.Get<std::uint32_t>();
+    const std::uint32_t keySize = array.keyed ? reader.Get<std::uint32_t>() : 0;
+    const auto valueSize = reader.Get<std::uint32_t>();
+
+    const std::uint64_t tablesAt = reader.Offset();
+    if (array.keyed) {
+        array.keys.ReadTables(reader, array.entryCount, keySize, ImageFault::kKeyOutside);
+    }
+    array.values.ReadTables(reader, array.entryCount, valueSize, ImageFault::kValueOutside);
+    if (array.entryCount > std::numeric_limits<std::uint32_t>::max() - storeTotal) {
+        reader.Reject(ImageFault::kTooManyEntries, tablesAt);
+    }
+    if (array.keyed) array.keys.ReadArea(reader, keySize);
+    array.values.ReadArea(reader, valueSize);
+    if (array.keyed) ReadHashIndex(reader, slotCount);
+    ReadAccelerators(reader);
+    if (!reader.Ok()) return;
+    if (array.keyed) MakeTags();
+    liveCount = BelievableLiveCount(declaredLiveCount);
+}
+
+void ArrayImage::ReadHashIndex(ImageReader& reader, std::uint32_t slotCount) {
+    const std::uint64_t numbersAt = reader.Offset();
+    slotNumbers = reader.GetTable<std::uint16_t>(slotCount);
+    const auto badSlot = std::find_if(slotNumbers.begin(), slotNumbers.end(),
+                                      [](std::uint16_t slot) { return slot >= kHashBucketCount; });
+    if (badSlot != slotNumbers.end()) {
+        const auto position = static_cast<std::uint64_t>(badSlot - slotNumbers.begin());
+        reader.Reject(ImageFault::kSlotOutside, numbersAt + position * sizeof *badSlot);
+    }
+    slotSizes = reader.GetTable<std::uint32_t>(slotCount);
+    std::uint64_t idCount = 0;
+    for (const std::uint32_t size : slotSizes)
+        idCount += size;
+
+    const std::uint64_t idsAt = reader.Offset();
+    ids = reader.GetTable<std::uint32_t>(idCount);
+    const auto badId = std::find_if(ids.begin(), ids.end(),
+                                    [this](std::uint32_t id) { return id >= array.entryCount; });
+    if (badId != ids.end()) {
+        const auto position = static_cast<std::uint64_t>(badId - ids.begin());
+        reader.Reject(ImageFault::kIdOutside, idsAt + position * sizeof *badId);
+    }
+}
+
+void ArrayImage::ReadAccelerators(ImageReader& reader) {
+    array.acceleratorCount = reader.Get<std::uint32_t>();
+    if (array.acceleratorCount == 0) return;
+    const auto areaSize = reader.Get<std::uint32_t>();
+    const std::uint64_t entriesAt = reader.Offset();
+    array.acceleratorEntries = reader.GetTable<std::uint32_t>(array.acceleratorCount);
+    const Table<std::uint32_t>& entries = array.acceleratorEntries;
+    // Ascending, so that the last one is the greatest.
+    const auto unordered =
+        std::adjacent_find(entries.begin(), entries.end(), std::greater_equal<>());
+    if (unordered != entries.end()) {
+        const auto position = static_cast<std::uint64_t>(unordered + 1 - entries.begin());
+        reader.Reject(ImageFault::kAcceleratorOrder, entriesAt + position * sizeof *unordered);
+    } else if (!entries.empty() && *(entries.end() - 1) >= array.entryCount) {
+        reader.Reject(ImageFault::kIdOutside,
+                      entriesAt + (entries.size() - 1) * sizeof(std::uint32_t));
+    }
+    array.accelerators.ReadTables(reader, array.acceleratorCount, areaSize,
+                                  ImageFault::kAcceleratorOutside);
+    array.accelerators.ReadArea(reader, areaSize);
+}
+
+// An entry without key and value was removed. One with a value alone has the empty key.
+void ArrayImage::MakeTags() {
+    tags = Table<std::uint16_t>(array.entryCount);
+    for (std::uint32_t i = 0; i < array.entryCount; ++i) {
+        const std::uint16_t keyLength = array.keys.Length(i);
+        tags[i] = keyLength != 0 || array.values.Length(i) != 0
+                      ? IdList::Tag(array.keys.Data(i), keyLength)
+                      : IdList::kNoKey;
+    }
+}
+
+// Between what is certainly alive and what there is at all, so that no count can wrap when entries
+// are removed; in between the image knows best: an empty key with an empty value counts too.
+std::uint32_t ArrayImage::BelievableLiveCount(std::uint32_t declared) const noexcept {
+    if (declared == 0) return 0;
+    const auto dead = std::count(tags.begin(), tags.end(), IdList::kNoKey);
+    const auto alive = static_cast<std::uint32_t>(static_cast<std::ptrdiff_t>(tags.size()) - dead);
+    return std::clamp(declared, alive, array.entryCount);
+}
+
+}  // namespace lexon_private

@@ -1,0 +1,489 @@
+#include "wordlex/functionality/FastArray.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iostream>
+#include <istream>
+#include <ostream>
+
+#include "wordlex/functionality/ByteRunKey.h"
+#include "wordlex/functionality/ImageWriter.h"
+
+namespace lexon_private {
+
+namespace {
+
+// A key of this length and more is not recognised when an image is merged.
+constexpr unsigned long kMergedKeyLimit = 1024;
+
+bool IsDead(const cFarray& array, std::uint32_t entry) {
+    return array.keyed && array.keys.Length(entry) == 0;
+}
+
+UnicodeRun RunOf(const unsigned short* units, unsigned long unitCount) {
+    return unitCount == 0 ? UnicodeRun() : UnicodeRun(units, unitCount);
+}
+
+// Room for one more item that keeps appending cheap.
+template <class T>
+void ReserveOneMore(std::vector<T>& items) {
+    constexpr std::size_t kFirst = 10;
+    if (items.size() == items.capacity()) items.reserve(std::max(kFirst, 2 * items.size()));
+}
+
+}  // namespace
+
+// Look-ups
+
+int FastArray::getArrayNum(std::uint32_t id) const {
+    if (id >= totalCount) return -1;
+    if (arrays.size() == 1) return 0;
+    const auto behind = std::upper_bound(idBases.begin(), idBases.end(), id);
+    return static_cast<int>(behind - idBases.begin()) - 1;
+}
+
+FastArray::Place FastArray::PlaceOf(std::uint32_t id) const {
+    const auto array = static_cast<std::size_t>(getArrayNum(id));
+    return {array, id - idBases[array]};
+}
+
+const cFarray* FastArray::FindEntry(std::uint32_t id, std::uint32_t& entry) const {
+    if (id >= totalCount) return nullptr;
+    const Place place = PlaceOf(id);
+    entry = place.entry;
+    const cFarray& array = arrays[place.array];
+    return IsDead(array, entry) ? nullptr : &array;
+}
+
+std::uint32_t FastArray::FindListed(const IdList& slot, std::uint16_t tag, const unsigned char* key,
+                                    unsigned long keyLength) const {
+    for (std::uint32_t i = slot.Find(tag, 0); i != slot.Count(); i = slot.Find(tag, i + 1)) {
+        const Place place = PlaceOf(slot.Ids()[i]);
+        const PackedRuns<unsigned char>& keys = arrays[place.array].keys;
+        if (keys.Length(place.entry) != keyLength) continue;
+        if (keyLength == 0 || std::memcmp(keys.Data(place.entry), key, keyLength) == 0) {
+            return slot.Ids()[i];
+        }
+    }
+    return kNoId;
+}
+
+std::uint32_t FastArray::FindId(const unsigned char* key, unsigned long keyLength) const {
+    return FindListed(slots[HashFunc(key, keyLength)], IdList::Tag(key, keyLength), key, keyLength);
+}
+
+bool FastArray::ValidId(std::uint32_t id) const {
+    std::uint32_t entry = 0;
+    return FindEntry(id, entry) != nullptr;
+}
+
+UnicodeRun FastArray::GetValue(std::uint32_t id) const {
+    const unsigned short* units = nullptr;
+    unsigned long unitCount = 0;
+    return GetUTF16Ptr(id, units, unitCount) ? RunOf(units, unitCount) : UnicodeRun();
+}
+
+bool FastArray::GetUTF16Ptr(std::uint32_t id, const unsigned short*& units,
+                            unsigned long& unitCount) const {
+    std::uint32_t entry = 0;
+    const cFarray* const array = FindEntry(id, entry);
+    if (array == nullptr) return false;
+    units = array->values.Data(entry);
+    unitCount = array->values.Length(entry) / sizeof *units;
+    return true;
+}
+
+UnicodeRun FastArray::Accelerator(std::uint32_t id) const {
+    std::uint32_t entry = 0;
+    const cFarray* const array = FindEntry(id, entry);
+    if (array == nullptr) return {};
+    const std::uint32_t index = array->getAccelIndex(entry);
+    if (index == array->acceleratorCount) return {};
+    return RunOf(array->accelerators.Data(index),
+                 array->accelerators.Length(index) / sizeof(unsigned short));
+}
+
+char* FastArray::FindStringId(std::uint32_t id) const {
+    const int number = getArrayNum(id);
+    if (number < 0 || !arrays[static_cast<std::size_t>(number)].keyed) return nullptr;
+    std::uint32_t entry = 0;
+    const cFarray* const array = FindEntry(id, entry);
+    const std::size_t length = array != nullptr ? array->keys.Length(entry) : 0;
+    auto* const text = new char[length + 1];
+    if (length != 0) std::memcpy(text, array->keys.Data(entry), length);
+    text[length] = '\0';
+    return text;
+}
+
+bool FastArray::GetData(std::uint32_t id, char* buffer, unsigned long size) const {
+    if (buffer == nullptr || size == 0) return false;
+    *buffer = '\0';
+    std::uint32_t entry = 0;
+    const cFarray* const array = FindEntry(id, entry);
+    if (array == nullptr || !array->keyed || array->keys.Length(entry) >= size) return false;
+    const auto* const key = array->keys.Data(entry);
+    *std::copy_n(key, array->keys.Length(entry), buffer) = '\0';
+    return true;
+}
+
+bool FastArray::HasMoreItem() const {
+    const auto isDead = [this](std::uint32_t id) {
+        std::uint32_t entry = 0;
+        return FindEntry(id, entry) == nullptr;
+    };
+    if (restart) {
+        restart = false;
+        cursor = 0;
+    } else {
+        ++cursor;
+        while (cursor < totalCount && isDead(cursor))
+            ++cursor;
+    }
+    restart = cursor >= totalCount;
+    return !restart;
+}
+
+// Changes
+
+cFarray& FastArray::WritableArray() {
+    if (writable) return arrays.back();
+    cFarray fresh;
+    fresh.keys.MakeEmpty(kWritableEntries);
+    fresh.values.MakeEmpty(kWritableEntries);
+    ReserveOneMore(arrays);
+    ReserveOneMore(idBases);
+    idBases.push_back(totalCount);
+    arrays.push_back(std::move(fresh));
+    writable = true;
+    return arrays.back();
+}
+
+std::uint32_t FastArray::Add(const unsigned char* key, unsigned long keyLength,
+                             const unsigned char* value, unsigned long valueLength,
+                             const unsigned char* accelerator, unsigned long acceleratorLength) {
+    using Keys = PackedRuns<unsigned char>;
+    using Texts = PackedRuns<unsigned short>;
+    const std::uint16_t tag = IdList::Tag(key, keyLength);
+    IdList& slot = slots[HashFunc(key, keyLength)];
+    const std::uint32_t held = FindListed(slot, tag, key, keyLength);
+    if (held != kNoId) {
+        Change(held, value, valueLength, accelerator, acceleratorLength);
+        return held;
+    }
+
+    const std::uint16_t storedKey = Keys::StoredLength(keyLength);
+    const std::uint16_t storedValue = Texts::StoredLength(valueLength);
+    const std::uint16_t storedAccelerator = Texts::StoredLength(acceleratorLength);
+    auto ownKey = Keys::Copy(key, storedKey);
+    auto ownValue = Texts::Copy(value, storedValue);
+    auto ownAccelerator = Texts::Copy(accelerator, storedAccelerator);
+    cFarray& array = WritableArray();
+    if (ownAccelerator != nullptr) array.PrepareAccelerators(kWritableEntries);
+    slot.Reserve(1);
+    // From here on nothing fails.
+    const std::uint32_t entry = array.entryCount++;
+    array.keys.Put(entry, std::move(ownKey), storedKey);
+    array.values.Put(entry, std::move(ownValue), storedValue);
+    if (ownAccelerator != nullptr) {
+        array.AddAccelerator(entry, std::move(ownAccelerator), storedAccelerator);
+    }
+    slot.Append(totalCount, tag);
+    writable = array.entryCount < kWritableEntries;
+    ++liveCount;
+    return totalCount++;
+}
+
+void FastArray::Change(std::uint32_t id, const unsigned char* value, unsigned long valueLength,
+                       const unsigned char* accelerator, unsigned long acceleratorLength) {
+    using Texts = PackedRuns<unsigned short>;
+    const Place place = PlaceOf(id);
+    cFarray& array = arrays[place.array];
+    const std::uint32_t entry = place.entry;
+    const std::uint16_t storedValue = Texts::StoredLength(valueLength);
+    const std::uint16_t storedAccelerator = Texts::StoredLength(acceleratorLength);
+    const bool firstAccelerator = storedAccelerator != 0 && array.acceleratorCount == 0;
+    const std::uint32_t acceleratorIndex =
+        storedAccelerator != 0 ? array.getAccelIndex(entry) : array.acceleratorCount;
+
+    Texts::Run ownValue = array.values.PrepareReplace(entry, value, storedValue);
+    Texts::Run ownAccelerator;
+    if (firstAccelerator) {
+        array.PrepareAccelerators(kWritableEntries);
+        ownAccelerator = Texts::Copy(accelerator, storedAccelerator);
+    } else if (acceleratorIndex != array.acceleratorCount) {
+        ownAccelerator =
+            array.accelerators.PrepareReplace(acceleratorIndex, accelerator, storedAccelerator);
+    }
+    // From here on nothing fails.
+    if (firstAccelerator) {
+        array.AddAccelerator(entry, std::move(ownAccelerator), storedAccelerator);
+    } else if (acceleratorIndex != array.acceleratorCount) {
+        array.accelerators.Replace(acceleratorIndex, std::move(ownAccelerator), accelerator,
+                                   storedAccelerator);
+    }
+    array.values.Replace(entry, std::move(ownValue), value, storedValue);
+}
+
+std::uint32_t FastArray::Remove(std::uint32_t id) {
+    if (id >= totalCount) return kNoId;
+    const Place place = PlaceOf(id);
+    cFarray& array = arrays[place.array];
+    if (!array.keyed || IsDead(array, place.entry)) return kNoId;
+    array.Kill(place.entry);
+    --liveCount;
+    return id;
+}
+
+// Loading
+
+ImageResult FastArray::Load(ImageReader& reader) {
+    ArrayImage image(reader, totalCount);
+    if (!reader.Ok()) {
+        const bool rejected = reader.Fault() == ImageFault::kCutShort ||
+                              reader.Fault() == ImageFault::kIdBaseConflict;
+        return rejected ? ImageResult::kRejected : ImageResult::kMalformed;
+    }
+    if (image.liveCount == 0) return ImageResult::kLoaded;
+
+    std::vector<Update> updates;
+    if (totalCount != 0 && image.idBase == 0) updates = updateStrValsIfKeyExists(image);
+    const bool bringsEntries = image.liveCount != 0;
+    SlotCounts added{};
+    std::unique_ptr<std::byte[]> lists;
+    if (bringsEntries) {
+        image.ForEachListed([&](std::uint16_t slot, std::uint32_t) { ++added[slot]; });
+        lists = ReserveLists(added);
+        ReserveOneMore(arrays);
+        ReserveOneMore(idBases);
+    }
+    // From here on nothing fails.
+    for (Update& update : updates) {
+        const Place place = PlaceOf(update.id);
+        arrays[place.array].values.Replace(place.entry, std::move(update.prepared),
+                                           image.array.values.Data(update.imageEntry),
+                                           update.length);
+    }
+    if (bringsEntries) Append(std::move(image), std::move(lists), added);
+    return ImageResult::kLoaded;
+}
+
+std::vector<FastArray::Update> FastArray::updateStrValsIfKeyExists(ArrayImage& image) {
+    std::vector<Update> updates;
+    cFarray& array = image.array;
+    image.FilterListed([&](std::uint16_t slot, std::uint32_t entry) {
+        const std::uint16_t tag = image.tags[entry];
+        if (tag == IdList::kNoKey) return false;
+        const std::uint16_t keyLength = array.keys.Length(entry);
+        if (keyLength >= kMergedKeyLimit) return true;
+        const std::uint32_t held = FindListed(slots[slot], tag, array.keys.Data(entry), keyLength);
+        if (held == kNoId) return true;
+        const Place place = PlaceOf(held);
+        const std::uint16_t length = array.values.Length(entry);
+        updates.push_back({held, entry, length,
+                           arrays[place.array].values.PrepareReplace(
+                               place.entry, array.values.Data(entry), length)});
+        array.Kill(entry);
+        image.tags[entry] = IdList::kNoKey;
+        --image.liveCount;
+        return false;
+    });
+    return updates;
+}
+
+// An empty store gets the lists of its first image in one block; otherwise every list grows for
+// itself.
+std::unique_ptr<std::byte[]> FastArray::ReserveLists(const SlotCounts& added) {
+    if (totalCount != 0) {
+        for (std::size_t slot = 0; slot < slots.size(); ++slot)
+            slots[slot].Reserve(added[slot]);
+        return nullptr;
+    }
+    std::size_t blockSize = 0;
+    for (const std::uint32_t ids : added)
+        blockSize += IdList::BlockSize(ids);
+    return std::make_unique_for_overwrite<std::byte[]>(blockSize);
+}
+
+void FastArray::Append(ArrayImage&& image, std::unique_ptr<std::byte[]> lists,
+                       const SlotCounts& added) noexcept {
+    if (totalCount == 0) {
+        std::byte* list = lists.get();
+        for (std::size_t slot = 0; slot < slots.size(); ++slot) {
+            slots[slot].Borrow(list, added[slot]);
+            list += IdList::BlockSize(added[slot]);
+        }
+        imageLists = std::move(lists);
+    }
+    image.ForEachListed([&](std::uint16_t slot, std::uint32_t entry) {
+        slots[slot].Append(totalCount + entry, image.tags[entry]);
+    });
+    idBases.push_back(totalCount);
+    totalCount += image.array.entryCount;
+    liveCount += image.liveCount;
+    arrays.push_back(std::move(image.array));
+    writable = false;
+}
+
+std::uint32_t FastArray::Read(std::istream& in, char /*encoding*/, lexon::EndianT order) {
+    ImageReader reader(in, order);
+    Load(reader);
+    return 0;
+}
+
+std::uint32_t FastArray::Read(const char* begin, const char* end, bool /*copyKeys*/,
+                              char /*encoding*/, lexon::EndianT order) {
+    ImageReader reader(begin, end, order);
+    Load(reader);
+    return 0;
+}
+
+// Writing
+
+std::uint32_t FastArray::Serialize2(std::ostream& out, lexon::SaveType type,
+                                    const lexon::EncodingInfo* encoding, lexon::EndianT order,
+                                    unsigned int idBase) const try {
+    switch (type) {
+        case lexon::SaveType::kBinary:
+            return bSerialize(out, true, order, idBase);
+        case lexon::SaveType::kBinaryNoKeys:
+            return bSerialize(out, false, order, idBase);
+        case lexon::SaveType::kNothing:
+            return 0;
+        default:
+            SerializeText(out, encoding);
+            return 0;
+    }
+} catch (...) {
+    std::cerr << "Serialize2"
+              << ": Caught exception\n";
+    return 0;
+}
+
+template <class Visit>
+void FastArray::ForEach(Visit visit) const {
+    for (const cFarray& array : arrays) {
+        for (std::uint32_t entry = 0; entry < array.entryCount; ++entry)
+            visit(array, entry);
+    }
+}
+
+std::uint32_t FastArray::bSerialize(std::ostream& out, bool withKeys, lexon::EndianT order,
+                                    std::uint32_t idBase) const {
+    const bool keyed = withKeys && std::any_of(arrays.begin(), arrays.end(),
+                                               [](const cFarray& array) { return array.keyed; });
+    const auto keyLength = [](const cFarray& array, std::uint32_t entry) -> std::uint16_t {
+        return array.keyed ? array.keys.Length(entry) : std::uint16_t{0};
+    };
+    const auto valueLength = [](const cFarray& array, std::uint32_t entry) {
+        return array.values.Length(entry);
+    };
+    const auto sumOf = [this](auto length) {
+        std::uint32_t sum = 0;
+        ForEach([&](const cFarray& array, std::uint32_t entry) { sum += length(array, entry); });
+        return sum;
+    };
+    const auto usedSlots = std::count_if(slots.begin(), slots.end(),
+                                         [](const IdList& slot) { return slot.Count() != 0; });
+
+    ImageWriter writer(out, order);
+    writer.write4(idBase);
+    writer.WriteByte(keyed ? kKeyed : kNotKeyed);
+    writer.write4(totalCount);
+    writer.write4(liveCount);
+    writer.write4(static_cast<std::uint32_t>(usedSlots));
+    if (keyed) writer.write4(sumOf(keyLength));
+    writer.write4(sumOf(valueLength));
+
+    const auto writeTables = [&](auto length) {
+        std::uint32_t offset = 0;
+        ForEach([&](const cFarray& array, std::uint32_t entry) {
+            writer.write4(offset);
+            offset += length(array, entry);
+        });
+        ForEach([&](const cFarray& array, std::uint32_t entry) {
+            writer.write2(length(array, entry));
+        });
+    };
+    if (keyed) writeTables(keyLength);
+    writeTables(valueLength);
+    if (keyed) {
+        ForEach([&](const cFarray& array, std::uint32_t entry) {
+            if (array.keyed) writer.WriteBytes(array.keys.Data(entry), array.keys.Length(entry));
+        });
+    }
+    ForEach([&](const cFarray& array, std::uint32_t entry) {
+        writer.writearr2(array.values.Data(entry), array.values.Length(entry));
+    });
+    if (keyed) WriteHashIndex(writer);
+    WriteAccelerators(writer);
+    return writer.Written();
+}
+
+void FastArray::WriteHashIndex(ImageWriter& writer) const {
+    const auto forEachUsed = [this](auto visit) {
+        for (std::size_t slot = 0; slot < slots.size(); ++slot) {
+            if (slots[slot].Count() != 0) visit(slot, slots[slot]);
+        }
+    };
+    forEachUsed(
+        [&](std::size_t slot, const IdList&) { writer.write2(static_cast<std::uint16_t>(slot)); });
+    forEachUsed([&](std::size_t, const IdList& list) { writer.write4(list.Count()); });
+    forEachUsed([&](std::size_t, const IdList& list) {
+        for (std::uint32_t i = 0; i < list.Count(); ++i)
+            writer.write4(list.Ids()[i]);
+    });
+}
+
+void FastArray::WriteAccelerators(ImageWriter& writer) const {
+    struct Accelerator {
+        const cFarray* array;
+        std::uint32_t index;
+        std::uint32_t id;
+        std::uint16_t length;
+    };
+    std::vector<Accelerator> texts;
+    std::uint32_t areaSize = 0;
+    for (std::size_t a = 0; a < arrays.size(); ++a) {
+        for (std::uint32_t i = 0; i < arrays[a].acceleratorCount; ++i) {
+            const std::uint16_t length = arrays[a].accelerators.Length(i);
+            if (length == 0) continue;
+            texts.push_back({&arrays[a], i, idBases[a] + arrays[a].acceleratorEntries[i], length});
+            areaSize += length;
+        }
+    }
+    writer.write4(static_cast<std::uint32_t>(texts.size()));
+    if (texts.empty()) return;
+    writer.write4(areaSize);
+    for (const Accelerator& text : texts)
+        writer.write4(text.id);
+    std::uint32_t offset = 0;
+    for (const Accelerator& text : texts) {
+        writer.write4(offset);
+        offset += text.length;
+    }
+    for (const Accelerator& text : texts)
+        writer.write2(text.length);
+    for (const Accelerator& text : texts)
+        writer.writearr2(text.array->accelerators.Data(text.index), text.length);
+}
+
+// The line of an entry, as a hash-table entry writes it: the value's writer closes the quotation
+// that the key's opens.
+void FastArray::SerializeText(std::ostream& out, const lexon::EncodingInfo* encoding) const {
+    static constexpr char kEndOfLine[] = {'"', 0, '\n', 0};
+    ForEach([&](const cFarray& array, std::uint32_t entry) {
+        const std::uint16_t keyLength = array.keyed ? array.keys.Length(entry) : std::uint16_t{0};
+        const std::uint16_t valueLength = array.values.Length(entry);
+        if (keyLength != 0) {
+            ByteRunKey(array.keys.Data(entry), keyLength, false).Serialize(out, false, encoding);
+        }
+        if (valueLength != 0) {
+            RunOf(array.values.Data(entry), valueLength / sizeof(unsigned short))
+                .Serialize(out, false, encoding);
+        } else if (keyLength != 0) {
+            out.write(kEndOfLine, sizeof kEndOfLine);
+        }
+    });
+}
+
+}  // namespace lexon_private
