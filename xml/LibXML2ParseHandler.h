@@ -7,8 +7,8 @@
 
 #include "host/vexacore/Xml.h"
 
-struct _xmlEntity;
-struct _xmlParserCtxt;
+struct _xmlEntity;      // NOLINT(bugprone-reserved-identifier): libxml2 names them so
+struct _xmlParserCtxt;  // NOLINT(bugprone-reserved-identifier)
 
 namespace vexacore::xml {
 

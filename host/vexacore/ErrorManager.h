@@ -16,7 +16,7 @@ namespace vexacore::config {
 // Threads:  install and uninstall on the launcher's thread; the reserve may be asked for from any.
 class ErrorManager {
 public:
-    static constexpr std::size_t kReserveBytes = 64 * 1024;
+    static constexpr std::size_t kReserveBytes = std::size_t{64} * 1024;
 
     ErrorManager();
     virtual ~ErrorManager();

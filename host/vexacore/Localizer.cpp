@@ -1,7 +1,6 @@
 #include "host/vexacore/Localizer.h"
 
 #include <atomic>
-#include <utility>
 
 #include "host/vexacore/Debug.h"
 
@@ -9,19 +8,20 @@ namespace vexacore::config {
 
 namespace {
 std::atomic<Localizer*> installed;
-filesupport::Dir installedFolder;
+UTF16String installedFolder;
 }  // namespace
 
 Localizer::~Localizer() = default;
 
-void Localizer::Set(Localizer* localizer, filesupport::Dir folder) noexcept {
-    installedFolder = std::move(folder);
+void Localizer::Set(Localizer* localizer, const filesupport::Dir& folder) {
+    UTF16String path = folder.FullPath();
+    installedFolder.swap(path);
     installed = localizer;
     debug::HostEvents::Append(localizer ? "localizer installed" : "localizer uninstalled");
 }
 
 Localizer* Localizer::Get() noexcept { return installed; }
 
-filesupport::Dir Localizer::GetFolder() { return installedFolder; }
+filesupport::Dir Localizer::GetFolder() { return filesupport::Dir(installedFolder); }
 
 }  // namespace vexacore::config

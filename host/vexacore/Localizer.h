@@ -23,7 +23,7 @@ public:
     virtual bool LoadDictionary(const UTF16String& baseFolder) = 0;
 
     // Null uninstalls. `folder` is where the localizer's own files are; an empty one names none.
-    static void Set(Localizer* localizer, filesupport::Dir folder) noexcept;
+    static void Set(Localizer* localizer, const filesupport::Dir& folder);
     static Localizer* Get() noexcept;  // null when none is installed
     static filesupport::Dir GetFolder();
 };
