@@ -163,42 +163,13 @@ Entity EntityAt(Units text) {
     return {named, static_cast<unsigned short>(number), 2 + consumed + 1};
 }
 
-// Tells an observer in units of the written value; without one, nobody.
-class Report {
-public:
-    Report() = default;
-    explicit Report(EscapeObserver& told) : observer(&told) {}
-
-    // The next unit of the first pass's output comes from `position` of the written value.
-    void Keep(std::size_t position) {
-        if (observer != nullptr) origins.push_back(position);
-    }
-    void UnitEscape(std::size_t position, unsigned short escape, unsigned short unit,
-                    unsigned short replacement) const {
-        if (observer == nullptr) return;
-        observer->OnUnitEscape(position, escape, unit, replacement);
-    }
-    // Positions of the second pass are those of the first one's output.
-    void NoEntity(std::size_t position) const {
-        if (observer != nullptr) observer->OnNoEntity(origins[position]);
-    }
-    void Dropped(std::size_t begin, std::size_t end, ControlWord by) const {
-        if (observer == nullptr || begin == end) return;
-        observer->OnDropped(origins[begin], origins[end - 1] + 1 - origins[begin], by);
-    }
-
-private:
-    EscapeObserver* observer = nullptr;
-    std::vector<std::size_t> origins;
-};
-
 // The second pass: copies text, resolves entities, and keeps of the platform sections macOS's.
 class EntityPass {
 public:
     explicit EntityPass(Units input) : text(input) { output.reserve(input.size()); }
-    EntityPass(Units input, const Report& told) : EntityPass(input) { report = &told; }
 
     UnicodeRun Run() {
+        std::size_t position = 0;
         while (!finished && position < text.size()) {
             const auto rest = text.subspan(position);
             const auto hash =
@@ -207,11 +178,9 @@ public:
             // A number sign that starts no escape is text.
             const std::size_t plain = entity.length != 0 ? hash : std::min(hash + 1, rest.size());
             Write(rest.first(plain));
-            if (entity.length == 0) TellNoEntity(hash);
-            position += plain + entity.length;
             if (entity.length != 0) Act(entity);
+            position += plain + entity.length;
         }
-        if (skipping) Drop(sectionBegin, text.size(), section);
         return UnicodeRun(output.data(), output.size());
     }
 
@@ -221,27 +190,16 @@ private:
     }
     void Write(unsigned short unit) { Write(Units(&unit, 1)); }
 
-    void TellNoEntity(std::size_t hash) const {
-        const std::size_t at = position + hash;
-        if (report != nullptr && at + 1 < text.size() && text[at + 1] == u'{') report->NoEntity(at);
-    }
-    void Drop(std::size_t begin, std::size_t end, ControlWord by) const {
-        if (report != nullptr) report->Dropped(begin, end, by);
-    }
-
-    // `position` stands behind the entity.
     void Act(const Entity& entity) {
         static constexpr unsigned short kCopyrightYear[] = {u'2', u'0', u'1', u'9'};
         const std::ptrdiff_t row =
             entity.named == nullptr ? -1 : entity.named - charEntityReference();
-        const auto word = static_cast<ControlWord>(row);
-        switch (word) {
+        switch (static_cast<ControlWord>(row)) {
             case ControlWord::kEndl:
                 Write(u'\r');
                 break;
             case ControlWord::kComment:
                 finished = !skipping;
-                if (finished) Drop(position, text.size(), word);
                 break;
             case ControlWord::kCopyYear:
                 Write(kCopyrightYear);
@@ -249,12 +207,10 @@ private:
             case ControlWord::kMsWindows:
             case ControlWord::kIos:
             case ControlWord::kAndroid:
-                BeginSection(entity, word);
                 finished = macosSeen;
                 skipping = true;
                 break;
             case ControlWord::kMacos:
-                BeginSection(entity, word);
                 output.clear();
                 skipping = false;
                 macosSeen = true;
@@ -264,63 +220,38 @@ private:
         }
     }
 
-    // Ends the section before: it is dropped where it is another platform's, and by macOS's own.
-    void BeginSection(const Entity& entity, ControlWord word) {
-        if (skipping) {
-            Drop(sectionBegin, position - entity.length, section);
-        } else if (word == ControlWord::kMacos) {
-            Drop(sectionBegin, position - entity.length, word);
-        }
-        section = word;
-        sectionBegin = position;
-    }
-
     Units text;
-    const Report* report = nullptr;
     std::vector<unsigned short> output;
-    std::size_t position = 0;
-    std::size_t sectionBegin = 0;  // behind the latest platform's name
-    ControlWord section = ControlWord::kMacos;
     bool skipping = false;   // inside another platform's section
     bool macosSeen = false;  // macOS's section has begun
     bool finished = false;   // the rest of the value is dropped
 };
 
 // The first pass: '\' and '^' with the unit behind them.
-std::vector<unsigned short> ResolveUnitEscapes(Units text, const EscapeTableEntry* hatEscapes,
-                                               Report& report) {
+std::vector<unsigned short> ResolveUnitEscapes(Units text, const EscapeTableEntry* hatEscapes) {
     std::vector<unsigned short> output;
     output.reserve(text.size());
-    const auto put = [&](unsigned short unit, std::size_t from) {
-        output.push_back(unit);
-        report.Keep(from);
-    };
     unsigned short pending = 0;  // the escape character that waits for its unit
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const unsigned short unit = text[i];
+    for (const unsigned short unit : text) {
         if (pending == 0) {
             if (unit == u'\\' || unit == u'^') {
                 pending = unit;
             } else {
-                put(unit, i);
+                output.push_back(unit);
             }
             continue;
         }
         const unsigned short replacement = DictionaryEntry::LookupEscape(
             pending == u'\\' ? sBackslashEscapeTable : hatEscapes, unit);
-        report.UnitEscape(i - 1, pending, unit, replacement);
         if (replacement != 0) {
-            put(replacement, i);
+            output.push_back(replacement);
         } else {
-            put(pending, i - 1);
-            if (unit != pending) put(unit, i);
+            output.push_back(pending);
+            if (unit != pending) output.push_back(unit);
         }
         pending = 0;
     }
-    if (pending != 0) {
-        report.UnitEscape(text.size() - 1, pending, 0, 0);
-        put(pending, text.size() - 1);
-    }
+    if (pending != 0) output.push_back(pending);
     return output;
 }
 
@@ -375,15 +306,7 @@ UnicodeRun DictionaryEntry::ConvertEscapeSequences(const unsigned short* text,
     if (!unitEscapes) {
         return entities ? EntityPass(units).Run() : UnicodeRun(text, length);
     }
-    Report nobody;
-    return EntityPass(ResolveUnitEscapes(units, hatEscapes, nobody)).Run();
-}
-
-UnicodeRun DictionaryEntry::ConvertEscapeSequences(const unsigned short* text, unsigned long length,
-                                                   EscapeObserver& observer) {
-    Report report(observer);
-    const auto resolved = ResolveUnitEscapes(Units(text, length), HatEscapes(), report);
-    return EntityPass(resolved, report).Run();
+    return EntityPass(ResolveUnitEscapes(units, hatEscapes)).Run();
 }
 
 UnicodeRun DictionaryEntry::ConvertEscapeSequencesISO(const unsigned short* text,

@@ -34,10 +34,8 @@ bool MultibyteReader::CollectLine() {
         const unsigned char* const stop = std::find_if(begin, end, EndsRun);
         bytes.Append(begin, static_cast<std::size_t>(stop - begin));
         blockCursor = static_cast<std::size_t>(stop - block.data());
-        offset += static_cast<std::size_t>(stop - begin);
         if (stop == end) continue;
         ++blockCursor;
-        ++offset;
         if (*stop != 0) return true;
         ended = true;
     }

@@ -27,10 +27,8 @@ unsigned short* UnicodeReader::ReadALine() {
         const unsigned short* const stop = std::find_if(begin, end, EndsRun);
         line.Append(begin, static_cast<std::size_t>(stop - begin));
         blockCursor = static_cast<std::size_t>(stop - block.data());
-        offset += static_cast<std::size_t>(stop - begin) * sizeof *stop;
         if (stop == end) continue;
         ++blockCursor;
-        offset += sizeof *stop;
         if (*stop != 0) return EndLine();
         ended = true;
     }

@@ -1,0 +1,25 @@
+// Calls Run with the arguments of the command line and prints the host events and the outcome, one
+// a line.
+
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+
+#include "host/vexacore/Config.h"
+#include "host/vexacore/Debug.h"
+#include "startup/MacStartup.h"
+
+int main(int, char** arguments) {
+    std::string outcome;
+    try {
+        const auto argument = [&](int i) { return std::strtoll(arguments[i], nullptr, 0); };
+        outcome =
+            "result " + std::to_string(Run(argument(1), static_cast<std::int32_t>(argument(2)),
+                                           static_cast<std::int32_t>(argument(3))));
+    } catch (const std::exception& error) {
+        outcome = std::string("exception ") + error.what();
+    }
+    for (const auto& event : vexacore::debug::HostEvents::All())
+        std::cout << event.text << '\n';
+    std::cout << vexacore::config::GetIdentity().size() << " identity values\n" << outcome << '\n';
+}

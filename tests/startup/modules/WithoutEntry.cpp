@@ -1,0 +1,1 @@
+extern "C" [[gnu::visibility("default")]] int NotAppMain() { return 1; }
