@@ -42,6 +42,8 @@ std::uint32_t Put(std::ostream& out, std::string_view bytes) {
 
 unsigned long HashBytes(const unsigned char* bytes, unsigned long length,
                         unsigned long bucketCount) noexcept {
+    // A division by a constant is a multiplication.
+    if (bucketCount == kHashBucketCount) return HashFunc(bytes, length);
     return SampledPolynomial(bytes, length) % bucketCount;
 }
 

@@ -9,24 +9,17 @@ namespace lexon_private {
 
 namespace {
 
-const unsigned char* CopyBytes(const unsigned char* bytes, unsigned long byteCount) {
-    auto* const copy = new unsigned char[byteCount];
-    std::memcpy(copy, bytes, byteCount);
-    return copy;
-}
-
 void WriteUnit(std::ostream& out, unsigned short unit) {
     out.write(reinterpret_cast<const char*>(&unit), sizeof unit);
 }
 
 }  // namespace
 
-ByteRunKey::ByteRunKey(const unsigned char* bytes, unsigned long byteCount, bool copy)
-    : data(byteCount == 0 ? nullptr
-           : copy         ? CopyBytes(bytes, byteCount)
-                          : bytes),
-      length(byteCount),
-      ownsData(copy) {}
+const unsigned char* ByteRunKey::CopyBytes(const unsigned char* bytes, unsigned long byteCount) {
+    auto* const copy = new unsigned char[byteCount];
+    std::memcpy(copy, bytes, byteCount);
+    return copy;
+}
 
 std::uint32_t ByteRunKey::Serialize(std::ostream& out, bool binary,
                                     const lexon::EncodingInfo* /*encoding*/) const {

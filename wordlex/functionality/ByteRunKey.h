@@ -10,7 +10,12 @@ namespace lexon_private {
 // Equality: equal bytes.
 class ByteRunKey : public HashItem {
 public:
-    ByteRunKey(const unsigned char* bytes, unsigned long byteCount, bool copy);
+    ByteRunKey(const unsigned char* bytes, unsigned long byteCount, bool copy)
+        : data(byteCount == 0 ? nullptr
+               : copy         ? CopyBytes(bytes, byteCount)
+                              : bytes),
+          length(byteCount),
+          ownsData(copy) {}
     ByteRunKey(const ByteRunKey& other) : ByteRunKey(other.data, other.length, true) {}
     ByteRunKey& operator=(const ByteRunKey&) = delete;
     ~ByteRunKey() override {
@@ -30,6 +35,8 @@ public:
     std::uint16_t Tag() const override;
 
 private:
+    static const unsigned char* CopyBytes(const unsigned char* bytes, unsigned long byteCount);
+
     const unsigned char* data;
     unsigned long length;
     bool ownsData;

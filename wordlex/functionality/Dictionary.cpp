@@ -13,6 +13,7 @@
 #include "wordlex/functionality/DictionaryMap.h"
 #include "wordlex/functionality/DictionaryReader.h"
 #include "wordlex/functionality/FastArray.h"
+#include "wordlex/functionality/FindUnit.h"
 #include "wordlex/functionality/ImageReader.h"
 #include "wordlex/functionality/UnicodeUtil.h"
 
@@ -85,7 +86,7 @@ FastArray& Dictionary::Store() {
 bool Dictionary::ParseKey(const char* text, Key& key) {
     if (text == nullptr || *text == '\0') return false;
     if (*text == '$') {
-        if (std::strncmp(text, "$$$", 3) != 0) return false;
+        if (text[1] != '$' || text[2] != '$') return false;
         text += 3;
     }
     key.bytes = reinterpret_cast<const unsigned char*>(text);
@@ -403,24 +404,35 @@ std::uint32_t Dictionary::Serialize(std::ostream& out, lexon::SaveType type,
 // Lines of text
 
 const unsigned short* Dictionary::FindQuoteMark(const unsigned short* text) {
-    unsigned short before = 0;
-    for (; *text != 0; before = *text++) {
-        if (*text == u'"' && before != u'\\') return text;
+    const unsigned short* const end = text + UnicodeUtil::StringLength(text);
+    const unsigned short* const mark = FindQuoteMark(text, end);
+    return mark == end ? nullptr : mark;
+}
+
+const unsigned short* Dictionary::FindQuoteMark(const unsigned short* begin,
+                                                const unsigned short* end) {
+    const unsigned short* mark = FindUnit(begin, end, u'"');
+    while (mark != end && mark != begin && mark[-1] == u'\\') {
+        mark = FindUnit(mark + 1, end, u'"');
     }
-    return nullptr;
+    return mark;
 }
 
 bool Dictionary::ParseEntry(const unsigned short* line, const unsigned short*& key,
                             unsigned long& keyLength, const unsigned short*& value,
                             unsigned long& valueLength) {
-    const unsigned short* begin = line;
-    const unsigned short* end = nullptr;
-    if (const unsigned short* const opening = FindQuoteMark(line)) {
-        begin = opening + 1;
-        end = FindQuoteMark(begin);
-    }
-    if (end == nullptr) end = begin + UnicodeUtil::StringLength(begin);
+    return ParseEntry(line, line + UnicodeUtil::StringLength(line), key, keyLength, value,
+                      valueLength);
+}
 
+bool Dictionary::ParseEntry(const unsigned short* begin, const unsigned short* end,
+                            const unsigned short*& key, unsigned long& keyLength,
+                            const unsigned short*& value, unsigned long& valueLength) {
+    const unsigned short* const opening = FindQuoteMark(begin, end);
+    if (opening != end) {
+        begin = opening + 1;
+        end = FindQuoteMark(begin, end);
+    }
     if (begin != end && *begin == u'$') {
         constexpr std::u16string_view kPrefix = u"$$$";
         if (!std::equal(kPrefix.begin(), kPrefix.end(), begin, std::min(begin + 3, end))) {
@@ -428,7 +440,7 @@ bool Dictionary::ParseEntry(const unsigned short* line, const unsigned short*& k
         }
         begin += kPrefix.size();
     }
-    const unsigned short* const equals = std::find(begin, end, u'=');
+    const unsigned short* const equals = FindUnit(begin, end, u'=');
     key = begin;
     keyLength = static_cast<unsigned long>(equals - begin);
     value = equals == end ? end : equals + 1;
@@ -437,11 +449,15 @@ bool Dictionary::ParseEntry(const unsigned short* line, const unsigned short*& k
 }
 
 void Dictionary::AddEntry(unsigned short* line) {
+    AddEntry(line, line + UnicodeUtil::StringLength(line));
+}
+
+void Dictionary::AddEntry(unsigned short* line, const unsigned short* end) {
     const unsigned short* key = nullptr;
     const unsigned short* value = nullptr;
     unsigned long keyLength = 0;
     unsigned long valueLength = 0;
-    if (!ParseEntry(line, key, keyLength, value, valueLength)) {
+    if (!ParseEntry(line, end, key, keyLength, value, valueLength)) {
         valid = false;
         return;
     }
@@ -470,7 +486,7 @@ void Dictionary::ReadText(DictionaryReader& reader, bool skipMark) {
     constexpr unsigned short kMark = 0xFEFF;
     while (unsigned short* const line = reader.ReadALine()) {
         const bool markAlone = skipMark && line[0] == kMark && line[1] == 0;
-        if (line[0] != 0 && !markAlone) AddEntry(line);
+        if (line[0] != 0 && !markAlone) AddEntry(line, line + reader.GetLineLength());
     }
 }
 

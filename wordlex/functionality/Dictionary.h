@@ -138,6 +138,13 @@ private:
     };
 
     static bool ParseKey(const char* text, Key& key);
+    // The forms of lines whose end is known.
+    static const unsigned short* FindQuoteMark(const unsigned short* begin,
+                                               const unsigned short* end);  // `end` when none
+    static bool ParseEntry(const unsigned short* begin, const unsigned short* end,
+                           const unsigned short*& key, unsigned long& keyLength,
+                           const unsigned short*& value, unsigned long& valueLength);
+    void AddEntry(unsigned short* line, const unsigned short* end);
     bool IsCompact() const noexcept { return storeMajor >= 2; }
     void BecomeCompact() noexcept;
     FastArray& Store();

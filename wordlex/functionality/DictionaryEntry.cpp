@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "wordlex/functionality/BinUtil.h"
+#include "wordlex/functionality/FindUnit.h"
 #include "wordlex/functionality/UnicodeChar.h"
 
 namespace lexon_private {
@@ -172,8 +173,8 @@ public:
         std::size_t position = 0;
         while (!finished && position < text.size()) {
             const auto rest = text.subspan(position);
-            const auto hash =
-                static_cast<std::size_t>(std::ranges::find(rest, u'#') - rest.begin());
+            const auto hash = static_cast<std::size_t>(
+                FindUnit(rest.data(), rest.data() + rest.size(), u'#') - rest.data());
             const Entity entity = EntityAt(rest.subspan(hash));
             // A number sign that starts no escape is text.
             const std::size_t plain = entity.length != 0 ? hash : std::min(hash + 1, rest.size());
@@ -231,28 +232,27 @@ private:
 std::vector<unsigned short> ResolveUnitEscapes(Units text, const EscapeTableEntry* hatEscapes) {
     std::vector<unsigned short> output;
     output.reserve(text.size());
-    unsigned short pending = 0;  // the escape character that waits for its unit
-    for (const unsigned short unit : text) {
-        if (pending == 0) {
-            if (unit == u'\\' || unit == u'^') {
-                pending = unit;
-            } else {
-                output.push_back(unit);
-            }
-            continue;
+    const unsigned short* at = text.data();
+    const unsigned short* const end = at + text.size();
+    for (;;) {
+        const unsigned short* const escape = FindUnit(at, end, u'\\', u'^');
+        output.insert(output.end(), at, escape);
+        if (escape == end) return output;
+        const unsigned short* const behind = escape + 1;
+        if (behind == end) {
+            output.push_back(*escape);
+            return output;
         }
         const unsigned short replacement = DictionaryEntry::LookupEscape(
-            pending == u'\\' ? sBackslashEscapeTable : hatEscapes, unit);
+            *escape == u'\\' ? sBackslashEscapeTable : hatEscapes, *behind);
         if (replacement != 0) {
             output.push_back(replacement);
         } else {
-            output.push_back(pending);
-            if (unit != pending) output.push_back(unit);
+            output.push_back(*escape);
+            if (*behind != *escape) output.push_back(*behind);
         }
-        pending = 0;
+        at = behind + 1;
     }
-    if (pending != 0) output.push_back(pending);
-    return output;
 }
 
 }  // namespace
@@ -297,15 +297,9 @@ UnicodeRun DictionaryEntry::ConvertEscapeSequences(const unsigned short* text,
                                                    unsigned long length) {
     const EscapeTableEntry* const hatEscapes = HatEscapes();
     const Units units(text, length);
-    bool unitEscapes = false;
-    bool entities = false;
-    for (const unsigned short unit : units) {
-        unitEscapes |= unit == u'\\' || unit == u'^';
-        entities |= unit == u'#';
-    }
-    if (!unitEscapes) {
-        return entities ? EntityPass(units).Run() : UnicodeRun(text, length);
-    }
+    // Most values have no escapes.
+    const unsigned short* const end = text + length;
+    if (FindUnit(text, end, u'\\', u'^', u'#') == end) return UnicodeRun(text, length);
     return EntityPass(ResolveUnitEscapes(units, hatEscapes)).Run();
 }
 

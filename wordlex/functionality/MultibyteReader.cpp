@@ -1,21 +1,16 @@
 #include "wordlex/functionality/MultibyteReader.h"
 
-#include <algorithm>
-
+#include "wordlex/functionality/FindUnit.h"
 #include "wordlex/functionality/UnicodeUtil.h"
 
 namespace lexon_private {
 
-namespace {
-
-bool EndsRun(unsigned char byte) { return byte == 0 || byte == 0x0A || byte == 0x0D; }
-
-}  // namespace
-
 unsigned short* MultibyteReader::ReadALine() {
     if (!CollectLine()) return nullptr;
     UnicodeUtil::StringToUnicode(bytes.GetData(), bytes.GetLength(), line, nullptr);
-    return EndLine();
+    unsigned short* const units = EndLine();
+    line.SetLength(UnicodeUtil::StringLength(units));  // encodings may have a 0 of their own
+    return units;
 }
 
 // False when the input ended before the line had a byte or an end.
@@ -31,7 +26,7 @@ bool MultibyteReader::CollectLine() {
         }
         const unsigned char* const begin = block.data() + blockCursor;
         const unsigned char* const end = block.data() + blockLength;
-        const unsigned char* const stop = std::find_if(begin, end, EndsRun);
+        const unsigned char* const stop = FindUnit(begin, end, 0, 0x0A, 0x0D);
         bytes.Append(begin, static_cast<std::size_t>(stop - begin));
         blockCursor = static_cast<std::size_t>(stop - block.data());
         if (stop == end) continue;

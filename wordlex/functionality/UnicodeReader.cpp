@@ -1,18 +1,8 @@
 #include "wordlex/functionality/UnicodeReader.h"
 
-#include <algorithm>
+#include "wordlex/functionality/FindUnit.h"
 
 namespace lexon_private {
-
-namespace {
-
-bool EndsRun(unsigned short unit) {
-    // Most units of a text lie above CR and below U+2028.
-    if (unit > 0x000D && unit < 0x2028) return false;
-    return unit == 0 || unit == 0x000A || unit == 0x000D || unit == 0x2028 || unit == 0x2029;
-}
-
-}  // namespace
 
 unsigned short* UnicodeReader::ReadALine() {
     line.SetLength(0);
@@ -24,7 +14,7 @@ unsigned short* UnicodeReader::ReadALine() {
         }
         const unsigned short* const begin = block.data() + blockCursor;
         const unsigned short* const end = block.data() + blockLength;
-        const unsigned short* const stop = std::find_if(begin, end, EndsRun);
+        const unsigned short* const stop = FindUnit(begin, end, 0, 0x000A, 0x000D, 0x2028, 0x2029);
         line.Append(begin, static_cast<std::size_t>(stop - begin));
         blockCursor = static_cast<std::size_t>(stop - block.data());
         if (stop == end) continue;

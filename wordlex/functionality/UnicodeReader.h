@@ -16,7 +16,8 @@ public:
     virtual std::size_t ReadCharacters(unsigned short* units, std::size_t count);
 
 private:
-    static constexpr std::size_t kBlockUnits = 4096;
+    // Each read costs a call of the system: few of them, and no more memory than is touched.
+    static constexpr std::size_t kBlockUnits = 32 * 1024;
 
     std::array<unsigned short, kBlockUnits> block;  // read ahead
     std::size_t blockCursor = 0;
