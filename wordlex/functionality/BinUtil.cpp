@@ -70,7 +70,7 @@ std::uint16_t KeyTag(const unsigned char* bytes, unsigned long length) noexcept 
         }
         take(LoadWord(bytes + length - sizeof(std::uint64_t)));
     }
-    return static_cast<std::uint16_t>(mix);
+    return static_cast<std::uint16_t>(mix >> 48);  // every bit of the last word reaches these
 }
 
 bool setEndian(lexon::EndianT order) noexcept {
