@@ -92,6 +92,7 @@ void UnicodeUtil::UnicodeToCString(const unsigned short* units, unsigned long un
                                    char* destination, unsigned long capacity,
                                    EncodingInfo* encoding) {
     RequireDestination(destination);
+    if (capacity == 0) return;
     unsigned long written = 0;
     ThrowUnlessZero(sConvertFromUnicodeProc(units, unitCount, destination, capacity - 1, written,
                                             CheckForDefaultEncoding(encoding)));
@@ -102,6 +103,7 @@ void UnicodeUtil::UnicodeToPascalString(const unsigned short* units, unsigned lo
                                         unsigned char* destination, unsigned long capacity,
                                         EncodingInfo* encoding) {
     RequireDestination(destination);
+    if (capacity == 0) return;
     unsigned long written = 0;
     ThrowUnlessZero(sConvertFromUnicodeProc(units, unitCount,
                                             reinterpret_cast<char*>(destination + 1), capacity - 1,

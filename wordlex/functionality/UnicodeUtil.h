@@ -64,11 +64,12 @@ public:
     // Bytes with one for a terminator.
     static unsigned long FromUnicodeSize(const unsigned short* units, unsigned long unitCount,
                                          EncodingInfo* encoding);
-    // Cut at a whole character where `capacity` bytes, at least 1, do not hold text and NUL. A null
-    // destination throws 'BUFF'.
+    // Cut at a whole character where `capacity` bytes do not hold text and NUL; nothing is written
+    // when it is 0. A null destination throws 'BUFF'.
     static void UnicodeToCString(const unsigned short* units, unsigned long unitCount,
                                  char* destination, unsigned long capacity, EncodingInfo* encoding);
-    // The same with a count byte ahead instead of the NUL behind; it counts no more than 255.
+    // The same with a count byte ahead instead of the NUL behind; it holds the low 8 bits of the
+    // count, so a destination of more than 256 bytes is more than this form can tell.
     static void UnicodeToPascalString(const unsigned short* units, unsigned long unitCount,
                                       unsigned char* destination, unsigned long capacity,
                                       EncodingInfo* encoding);
