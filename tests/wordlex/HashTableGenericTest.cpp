@@ -1,0 +1,125 @@
+#include "wordlex/functionality/HashTableGeneric.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "tests/wordlex/Text.h"
+#include "wordlex/functionality/ByteRunKey.h"
+
+namespace wordlex_tests {
+namespace {
+
+using namespace lexon_private;
+using namespace std::string_literals;
+
+int liveKeys = 0;
+
+// A key that carries a mark, to tell equal keys apart.
+struct Key final : ByteRunKey {
+    Key(const std::string& text, char keyMark)
+        : ByteRunKey(Bytes(text), text.size(), true), mark(keyMark) {
+        ++liveKeys;
+    }
+    ~Key() override { --liveKeys; }
+    char mark;
+};
+
+class HashTable : public testing::Test {
+protected:
+    ~HashTable() override {
+        table.reset();
+        EXPECT_EQ(0, liveKeys) << "the table owns its items";
+    }
+    // A key that shares its bucket with those of the other marks: the hash passes the mark over.
+    static std::string Chained(char mark) { return "0"s + mark + "2_4_6_8_"; }
+    void Insert(const std::string& text, char mark) { table->Insert(new Key(text, mark)); }
+    void InsertChain(const std::string& marks) {
+        for (const char mark : marks)
+            Insert(Chained(mark), mark);
+    }
+    std::string Pass() const {
+        std::string marks;
+        while (table->HasMoreItem())
+            marks += static_cast<Key*>(table->NextItem())->mark;
+        EXPECT_EQ(static_cast<std::int32_t>(marks.size()), table->NumItems());
+        return marks;
+    }
+    static char MarkOf(const HashItem* item) {
+        return item == nullptr ? '-' : static_cast<const Key*>(item)->mark;
+    }
+    char Find(const std::string& text) const { return MarkOf(table->Find(Key(text, ' '))); }
+
+    std::unique_ptr<HashTableGeneric> table = std::make_unique<HashTableGeneric>();
+};
+
+TEST_F(HashTable, PassesThroughBucketsUpwardsAndChainsNewestFirst) {
+    EXPECT_EQ("", Pass());
+    Insert("ab", '2');
+    Insert("A", '1');
+    InsertChain("abc");
+    EXPECT_EQ("cba12", Pass());
+    EXPECT_EQ("cba12", Pass()) << "a second pass";
+    Insert("", '0');
+    EXPECT_EQ("0cba12", Pass());
+    EXPECT_EQ(nullptr, table->NextItem());
+}
+
+TEST_F(HashTable, FindsTheNewestOfEqualKeys) {
+    Insert("key", '1');
+    Insert("key", '2');
+    for (const char newest : {'2', '1', '-'}) {
+        EXPECT_EQ(newest, Find("key"));
+        const std::unique_ptr<HashItem> removed(table->Remove(Key("key", ' ')));
+        EXPECT_EQ(newest, MarkOf(removed.get()));
+    }
+}
+
+TEST_F(HashTable, KeepsTheRestOfAChainWhenAnItemGoes) {
+    for (const char gone : {'d', 'b', 'a'}) {  // the head, one within, the last
+        table = std::make_unique<HashTableGeneric>();
+        InsertChain("abcd");
+        HashItem* const item = table->Remove(Key(Chained(gone), ' '));
+        ASSERT_EQ(gone, MarkOf(item));
+        std::string left = "dcba";
+        left.erase(left.find(gone), 1);
+        EXPECT_EQ(left, Pass());
+        for (const char mark : "abcd"s)
+            EXPECT_EQ(mark == gone ? '-' : mark, Find(Chained(mark)));
+        table->Insert(item);
+        EXPECT_EQ(gone + left, Pass());
+    }
+}
+
+TEST_F(HashTable, LinksSeveralItemsAheadInTheirOrder) {
+    InsertChain("a");
+    HashItem* const items[] = {new Key(Chained('b'), 'b'), new Key(Chained('c'), 'c')};
+    table->InsertAhead(items[0]->Hash(kHashBucketCount), items);
+    EXPECT_EQ("bca", Pass());
+    EXPECT_EQ('c', Find(Chained('c')));
+}
+
+TEST_F(HashTable, WritesItemsAsTextInTableOrder) {
+    Insert("ab", '2');
+    Insert("A", '1');
+    std::ostringstream out;
+    EXPECT_EQ(0U, table->Serialize(out, false, nullptr)) << "keys count nothing as text";
+    EXPECT_EQ("\"\0A\0=\0\"\0a\0b\0=\0"s, out.str());
+}
+
+TEST_F(HashTable, WritesItsIndexAheadOfTheBinaryItems) {
+    Insert("ab", 'b');
+    Insert("\x60\x82", 'c');  // the bucket of "ab"
+    Insert("A", 'a');
+    std::ostringstream out("head", std::ios::ate);
+    EXPECT_EQ(4U + 2 + 4 + 4, table->Serialize(out, true, nullptr));
+    const std::uint32_t index[] = {2, 2, 6, 1, 1, 2, 2, 2, 2};  // buckets, their ends, sizes
+    const std::uint16_t slots[] = {65, 139};
+    EXPECT_EQ("head" + std::string(reinterpret_cast<const char*>(index), sizeof index) +
+                  std::string(reinterpret_cast<const char*>(slots), sizeof slots) +
+                  "AA\x60\x82\x60\x82" + "abab",
+              out.str());
+}
+
+}  // namespace
+}  // namespace wordlex_tests

@@ -1,0 +1,133 @@
+#include <gtest/gtest.h>
+
+#include "tests/wordlex/Settings.h"
+#include "wordlex/staticlib/Wordlexlib.h"
+
+namespace wordlex_tests {
+namespace {
+
+using lexon::Wordlex;
+
+lexon::EncodingInfo utf8{1};
+
+Wordlex Handle(std::u16string_view text) { return Wordlex(Make(text)); }
+
+const unsigned short* DataOf(const Wordlex& handle) {
+    const unsigned short* units = nullptr;
+    unsigned long length = 99;
+    handle.GetInternalData(&units, &length);
+    EXPECT_EQ(handle.GetUnicodeSizeNoNull(), length);
+    return units;
+}
+
+std::u16string TextOf(const Wordlex& handle) {
+    return Text(DataOf(handle), handle.GetUnicodeSize() - 1);
+}
+
+TEST(WordlexFacade, SharesTextBetweenCopiesButNotChanges) {
+    const lexon_private::Wordlex inner = Make(u" text ");
+    const Wordlex first(inner);
+    Wordlex copy(first);
+    Wordlex assigned;
+    EXPECT_TRUE(assigned.IsEmpty());
+    assigned = first;
+    const Wordlex& self = assigned;
+    assigned = self;
+    EXPECT_EQ(inner.GetData(), DataOf(copy));
+    EXPECT_EQ(inner.GetData(), DataOf(assigned));
+    copy.TrimBlanks();
+    EXPECT_EQ(u"text", TextOf(copy));
+    EXPECT_EQ(u" text ", TextOf(first));
+}
+
+TEST(WordlexFacade, MakesAndAssignsText) {
+    const auto units = TerminatedUnits(u"xyz");
+    Wordlex text(-42L);
+    const auto after = [&text](auto change) {
+        change();
+        return TextOf(text);
+    };
+    EXPECT_EQ(u"-42", TextOf(text));
+    EXPECT_EQ(u"xy", after([&] { text.MakeFromUnicode(units.data(), 2); }));
+    EXPECT_EQ(u"y", after([&] { text.MakeFromUnicode(DataOf(text) + 1, 1); }))
+        << "of its own units";
+    EXPECT_EQ(u"\u00E9", after([&] { text.MakeFromCString("\xC3\xA9z", 2, &utf8); }));
+    EXPECT_EQ(u"\u00E9", after([&] { text.MakeFromPascalString(Bytes("\1\xC3\xA9z"), 2, &utf8); }));
+    EXPECT_EQ(u"xyz", after([&] { text.AssignUnicode(units.data()); }));
+    EXPECT_EQ(u"\u00E9z", after([&] { text.AssignCString("\xC3\xA9z", &utf8); }));
+    EXPECT_EQ(u"\u00E9", after([&] { text.AssignPascalString(Bytes("\2\xC3\xA9z"), &utf8); }));
+}
+
+TEST(WordlexFacade, IsEmptyAfterAFailedMakeAndAsItWasAfterAFailedAssign) {
+    const SettingsGuard guard;
+    lexon_private::UnicodeUtil::SetConversionProcs(
+        nullptr, [](auto...) -> std::int64_t { return -50; }, nullptr, nullptr);
+    Wordlex text = Handle(u"old");
+    EXPECT_EQ(-50, ThrownCode([&] { text.AssignCString("a", &utf8); }));
+    EXPECT_EQ(-50, ThrownCode([&] { text.AssignPascalString(Bytes("\1a"), &utf8); }));
+    EXPECT_EQ(u"old", TextOf(text));
+    EXPECT_EQ(-50, ThrownCode([&] { text.MakeFromCString("a", 1, &utf8); }));
+    EXPECT_TRUE(text.IsEmpty());
+    text = Handle(u"old");
+    EXPECT_EQ(-50, ThrownCode([&] { text.MakeFromPascalString(Bytes("\1a"), 1, &utf8); }));
+    EXPECT_TRUE(text.IsEmpty());
+    text = Handle(u"old");
+    EXPECT_THROW(text.MakeFromUnicode(DataOf(text), ~0UL / 2), std::bad_alloc);
+    EXPECT_TRUE(text.IsEmpty());
+}
+
+TEST(WordlexFacade, CopiesOut) {
+    const Wordlex text = Handle(u"x\u00E9");
+    unsigned short units[3] = {};
+    EXPECT_EQ(kBuff, ThrownCode([&] { text.GetUnicodeNoNull(units, 1, true); }));
+    EXPECT_EQ(kBuff, ThrownCode([&] { text.GetUnicode(units, 2, true); }));
+    text.GetUnicode(units, 3, true);
+    EXPECT_EQ(TerminatedUnits(u"x\u00E9"), std::vector(units, units + 3));
+    EXPECT_EQ(4U, text.GetCStringSize(&utf8));
+    EXPECT_EQ(4U, text.GetPascalStringSize(&utf8));
+    char bytes[4];
+    text.GetCString(bytes, 4, true, &utf8);
+    EXPECT_STREQ("x\xC3\xA9", bytes);
+    unsigned char counted[4];
+    text.GetPascalString(counted, 4, true, &utf8);
+    EXPECT_EQ(3, counted[0]);
+    const SettingsGuard guard;
+    Wordlex::SetDefaultApplicationEncoding(0x0201);  // ISO Latin 1
+    EXPECT_EQ(3U, text.GetCStringSize(nullptr));
+}
+
+TEST(WordlexFacade, ForwardsChanges) {
+    Wordlex text = Handle(uR"( &<param name="n"/><param name="n"/>:^1.txt...)");
+    EXPECT_TRUE(text.ParamSubstitute("n", Wordlex(8), 2));
+    EXPECT_TRUE(text.ParamSubstitute("n", Wordlex(7)));
+    EXPECT_TRUE(text.WillReplace(1));
+    text.Replace(1, Wordlex(9));
+    EXPECT_EQ(u" &78:9.txt...", TextOf(text));
+    text.EllipsisToHostEllipsis();
+    text.TrimEllipsis();
+    EXPECT_EQ(u" &78:9.txt", TextOf(text));
+    EXPECT_TRUE(text.RemoveExtension());
+    text.RemoveAccelerators();
+    text.RemoveBadFilenameCharacters();
+    text.TrimBlanks();
+    EXPECT_EQ(u"78-9", TextOf(text));
+    text.Clear();
+    EXPECT_TRUE(text.IsEmpty());
+}
+
+TEST(WordlexFacade, ForwardsQuestions) {
+    const Wordlex text = Handle(u"12");
+    const Wordlex same = Handle(u"12");
+    const Wordlex more = Handle(u"13");
+    EXPECT_TRUE(text == same && text <= same && text >= same && text < more && more > text);
+    EXPECT_FALSE(text != same || text > same || text < same || more <= text || text >= more);
+    EXPECT_EQ(-1, text.CompareTo(more));
+    long value = 0;
+    EXPECT_TRUE(text.ToInteger(value));
+    EXPECT_EQ(12, value);
+    EXPECT_FALSE(text.IsAllWhiteSpace() || text.IsEmpty());
+    EXPECT_STREQ("5.1", WLLibraryVersion());
+}
+
+}  // namespace
+}  // namespace wordlex_tests
