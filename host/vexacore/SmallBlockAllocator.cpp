@@ -24,40 +24,75 @@ constexpr bool kPooled = false;
 constexpr bool kPooled = true;
 #endif
 
-constexpr std::size_t kBlocksPerRefill = 32;
+constexpr std::size_t kSizeClasses = SmallBlocks::kLargestBlock / SmallBlocks::kGranule;
+// How many blocks move between one thread and the others at once; a thread holds up to two such
+// batches of each size.
+constexpr std::size_t kBatch = 32;
 
 struct FreeBlock {
     FreeBlock* next;
 };
 
-// The free blocks of one size. Without a destructor, so that strings of other static objects may
-// outlive it.
-class SizeClass {
+struct FreeList {
+    void Push(void* block) { first = new (block) FreeBlock{first}; }
+    void* Pop() { return std::exchange(first, first->next); }
+
+    FreeBlock* first = nullptr;
+};
+
+// The free blocks of one size that no thread holds. Without a destructor, so that strings of other
+// static objects may outlive it.
+class SharedList {
 public:
-    void* Take(std::size_t blockBytes) {
+    // Moves up to `most` blocks to the list of a thread, at least one; tells how many.
+    std::size_t Fill(FreeList& list, std::size_t blockBytes, std::size_t most) {
         const std::lock_guard lock(mutex);
-        if (!free) Refill(blockBytes);
-        return std::exchange(free, free->next);
+        if (!free.first) AddChunk(blockBytes);
+        std::size_t moved = 0;
+        for (; moved < most && free.first; ++moved)
+            list.Push(free.Pop());
+        return moved;
     }
 
-    void Give(void* block) noexcept {
+    void Return(FreeList& list, std::size_t count) noexcept {
         const std::lock_guard lock(mutex);
-        free = new (block) FreeBlock{free};
+        while (count-- > 0)
+            free.Push(list.Pop());
     }
 
 private:
-    void Refill(std::size_t blockBytes) {
-        auto* chunk = static_cast<std::byte*>(::operator new(kBlocksPerRefill* blockBytes));
-        for (std::size_t i = kBlocksPerRefill; i-- > 0;)
-            free = new (chunk + i * blockBytes) FreeBlock{free};
+    void AddChunk(std::size_t blockBytes) {
+        auto* const chunk = static_cast<std::byte*>(::operator new(kBatch* blockBytes));
+        for (std::size_t i = kBatch; i-- > 0;)
+            free.Push(chunk + i * blockBytes);
     }
 
     std::mutex mutex;
-    FreeBlock* free = nullptr;
+    FreeList free;
 };
-static_assert(std::is_trivially_destructible_v<SizeClass>);
+static_assert(std::is_trivially_destructible_v<SharedList>);
 
-constinit std::array<SizeClass, SmallBlocks::kLargestBlock / SmallBlocks::kGranule> sizeClasses;
+constinit std::array<SharedList, kSizeClasses> sharedLists;
+
+// The free blocks of one size that this thread holds. They, too, have no destructor: strings may
+// come and go until the very end of a thread.
+struct ThreadList {
+    FreeList free;
+    std::size_t count = 0;
+};
+thread_local constinit std::array<ThreadList, kSizeClasses> threadLists;
+thread_local constinit bool threadEnds = false;
+
+// Gives what a thread holds to all threads when it ends, and from then on each block at once.
+struct ReturnAtThreadExit {
+    ~ReturnAtThreadExit() {
+        threadEnds = true;
+        for (std::size_t i = 0; i < kSizeClasses; ++i)
+            sharedLists[i].Return(threadLists[i].free, std::exchange(threadLists[i].count, 0));
+    }
+    void Arm() const noexcept {}  // the first use of a thread-local object registers its destructor
+};
+thread_local constinit ReturnAtThreadExit returnAtThreadExit;
 
 bool IsPooled(std::size_t bytes) { return kPooled && bytes <= SmallBlocks::kLargestBlock; }
 
@@ -70,12 +105,27 @@ std::size_t SizeClassOf(std::size_t bytes) {
 void* SmallBlocks::Allocate(std::size_t bytes) {
     if (!IsPooled(bytes)) return ::operator new(bytes);
     const std::size_t index = SizeClassOf(bytes);
-    return sizeClasses[index].Take((index + 1) * kGranule);
+    ThreadList& list = threadLists[index];
+    if (list.count == 0) {
+        returnAtThreadExit.Arm();
+        list.count =
+            sharedLists[index].Fill(list.free, (index + 1) * kGranule, threadEnds ? 1 : kBatch);
+    }
+    --list.count;
+    return list.free.Pop();
 }
 
 void SmallBlocks::Free(void* block, std::size_t bytes) noexcept {
     if (!IsPooled(bytes)) return ::operator delete(block);
-    sizeClasses[SizeClassOf(bytes)].Give(block);
+    const std::size_t index = SizeClassOf(bytes);
+    ThreadList& list = threadLists[index];
+    if (list.count == 0) returnAtThreadExit.Arm();
+    list.free.Push(block);
+    ++list.count;
+    if (list.count <= 2 * kBatch && !threadEnds) return;
+    const std::size_t returned = threadEnds ? list.count : kBatch;
+    sharedLists[index].Return(list.free, returned);
+    list.count -= returned;
 }
 
 }  // namespace vexacore

@@ -5,8 +5,9 @@
 // Owns:     the blocks of the free lists, for the life of the process; freed blocks are used again
 //           for blocks of the same size class and never go back to the system.
 // Failure:  std::bad_alloc from operator new, nothing changed.
-// Threads:  all calls from any thread; a block may be freed by another thread than took it. Usable
-//           before main and during process exit.
+// Threads:  all calls from any thread; a block may be freed by another thread than took it. Each
+//           thread keeps some free blocks of its own, so that most calls take no lock, and gives
+//           them to the others when it ends. Usable before main and during process exit.
 
 #include <cstddef>
 #include <limits>
