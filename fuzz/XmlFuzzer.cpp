@@ -1,0 +1,116 @@
+// The bridge to libxml2. Every document is parsed twice: to its end, and with a handler that throws
+// at an event that depends on the document.
+
+#include <cstdint>
+#include <stdexcept>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "fuzz/Require.h"
+#include "xml/LibXML2ParseHandler.h"
+
+namespace {
+
+using namespace vexacore;
+
+// Digests the events in order; throws at event number `thrower`.
+class Digest : public xml::AbstractParseHandler {
+public:
+    struct Result {
+        std::vector<std::uint64_t> digests{0};  // of the first 0, 1, 2 ... events
+        std::uint64_t textUnits = 0;
+        long openElements = 0;
+        bool thrown = false;
+
+        std::size_t Events() const { return digests.size() - 1; }
+    };
+
+    Digest(Result& newResult, std::uint64_t newThrower) : result(newResult), thrower(newThrower) {}
+
+    void StartDocument() override { Note(1); }
+    void StartElement(const UTF16String&, const xml::Attributes&) override { REQUIRE(false); }
+    void StartElement(const UTF16String& qualifiedName, const UTF16String& uri,
+                      const UTF16String& localName, const xml::Attributes& attributes) override {
+        ++result.openElements;
+        for (const auto& a : attributes) {
+            result.textUnits += a.value.size();
+            Note(2, a.qualifiedName, a.namespaceUri, a.localName, a.value);
+        }
+        Note(3, qualifiedName, uri, localName);
+    }
+    void EndElement(const UTF16String&) override { REQUIRE(false); }
+    void EndElement(const UTF16String& qualifiedName, const UTF16String& uri,
+                    const UTF16String& localName) override {
+        --result.openElements;
+        Note(4, qualifiedName, uri, localName);
+    }
+    void StartCDATA() override { Note(5); }
+    void EndCDATA() override { Note(6); }
+    void Characters(const UTF16String& text) override {
+        result.textUnits += text.size();
+        Note(7, text);
+    }
+    void Comment(const UTF16String& text) override {
+        result.textUnits += text.size();
+        Note(8, text);
+    }
+    void EndDocument() override { Note(9); }
+    void StartPrefixMapping(const UTF16String& prefix, const UTF16String& uri) override {
+        Note(10, prefix, uri);
+    }
+    void EndPrefixMapping(const UTF16String& prefix) override { Note(11, prefix); }
+
+private:
+    template <class... Texts>
+    void Note(std::uint64_t kind, const Texts&... texts) {
+        REQUIRE(!result.thrown);  // no event behind the one that threw
+        if (result.Events() == thrower) {
+            result.thrown = true;
+            throw std::runtime_error("handler");
+        }
+        std::uint64_t digest = result.digests.back();
+        const auto mix = [&digest](std::uint64_t number) {  // FNV-1a
+            digest = (digest ^ number) * 0x100000001B3;
+        };
+        const auto mixText = [&mix](const UTF16String& text) {
+            for (const auto unit : text)
+                mix(unit);
+            mix(text.size());
+        };
+        mix(kind);
+        (mixText(texts), ...);
+        result.digests.push_back(digest);
+    }
+
+    Result& result;
+    std::uint64_t thrower;
+};
+
+constexpr std::uint64_t kNever = ~std::uint64_t{0};
+
+std::pair<xml::ResultCode, Digest::Result> Parse(const ByteString& document,
+                                                 std::uint64_t thrower) {
+    Digest::Result result;
+    Owner<xml::AbstractParseHandler> handler(new Digest(result, thrower));
+    xml::LibXML2ParseHandler parser(handler);
+    const xml::ResultCode code = parser.ParseBuffer(document);
+    return {code, result};
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const ByteString document(reinterpret_cast<const char*>(data), size);
+    const auto [code, whole] = Parse(document, kNever);
+    REQUIRE(code == xml::kParseSucceeded || code == xml::kParseFailed);
+    REQUIRE(code == xml::kParseFailed || whole.openElements == 0);
+    REQUIRE(whole.textUnits <= 1'000'000 + 5 * size);
+    if (whole.Events() == 0) return 0;
+
+    const std::uint64_t thrower = (whole.digests.back() >> 20) % whole.Events();
+    const auto [failedCode, cut] = Parse(document, thrower);
+    REQUIRE(failedCode == xml::kParseFailed && cut.thrown);
+    REQUIRE(cut.Events() == thrower && cut.digests.back() == whole.digests[thrower]);
+    return 0;
+}
