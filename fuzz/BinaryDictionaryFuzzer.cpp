@@ -49,16 +49,15 @@ void Check(const std::string& image, bool filled, bool compact) {
         Fill(fromMemory);
         Fill(fromStream);
     }
+    const unsigned long before = fromMemory.NumKeys();
     fromMemory.Read(image.data(), static_cast<int>(image.size()), false);
     std::istringstream stream(image);
     fromStream.Read(&stream);
-    REQUIRE(fromMemory.IsValid() == fromStream.IsValid());
-    REQUIRE(fromMemory.NumKeys() == fromStream.NumKeys());
-    REQUIRE(fromMemory.ValidId(0) == fromStream.ValidId(0));
+    const unsigned long after = fromMemory.NumKeys();
+    REQUIRE(fromMemory.IsValid() == fromStream.IsValid() && after == fromStream.NumKeys());
     // All entries with their ids, or of a hash table all entries in order.
-    const lexon::SaveType type =
-        fromMemory.GetNumericId("kept") == kNoId ? lexon::SaveType::kText : lexon::SaveType::kBinary;
-    REQUIRE(Written(fromMemory, type) == Written(fromStream, type));
+    for (const lexon::SaveType type : {lexon::SaveType::kText, lexon::SaveType::kBinary})
+        if (after != before) REQUIRE(Written(fromMemory, type) == Written(fromStream, type));
 
     const bool stillThere = filled && fromMemory.HasKey("kept", nullptr);
     if (stillThere && image.find("kept") == std::string::npos) CheckKept(fromMemory);
@@ -67,11 +66,12 @@ void Check(const std::string& image, bool filled, bool compact) {
 
 }  // namespace
 
+// The input's first byte says what the dictionaries are ahead of the load, the rest is the image
+// without its magic.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    // The magic is put ahead: an input begins with the version.
+    if (size == 0) return 0;
     std::string image = "Wordlex Binary Format";
-    image.append(reinterpret_cast<const char*>(data), size);
-    Check(image, false, false);
-    Check(image, true, true);
+    image.append(reinterpret_cast<const char*>(data + 1), size - 1);
+    Check(image, (data[0] & 1) != 0, (data[0] & 2) != 0);
     return 0;
 }
