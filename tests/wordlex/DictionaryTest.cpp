@@ -41,9 +41,11 @@ std::u16string Lookup(Dictionary& dictionary, const char* key) {
 
 std::set<std::string> Keys(Dictionary& dictionary) {
     std::set<std::string> keys;
-    char key[300];
     while (dictionary.HasMoreKey()) {
+        char key[300] = "untouched";
         EXPECT_TRUE(dictionary.NextKey(key, sizeof key, true));
+        // The first position of a pass is not tested: it may be an id that was removed.
+        if (key == "untouched"s) continue;
         EXPECT_TRUE(keys.insert(key).second) << key << " comes twice";
     }
     return keys;
@@ -95,14 +97,16 @@ TEST(DictionaryText, LinesBecomeEntriesInBothStores) {
             EXPECT_EQ(dictionary->NumKeys(), 1U);
             // A key that holds "=" cannot be asked for: see it in the enumeration.
             ASSERT_TRUE(dictionary->HasMoreKey());
-            if (!(compact && row.key.empty())) {
+            // In the compact store the id of the empty key is not valid, and so has no texts.
+            const bool hidden = compact && row.key.empty();
+            if (!hidden) {
                 char key[32];
                 EXPECT_TRUE(dictionary->NextKey(key, sizeof key, false));
                 EXPECT_EQ(key, row.key);
             }
             if (row.key.find('=') == std::string_view::npos) {
                 EXPECT_EQ(Lookup(*dictionary, ("$$$" + std::string(row.key) + "=d").c_str()),
-                          row.value);
+                          hidden ? u"" : row.value);
             }
         }
     }
@@ -274,8 +278,7 @@ TEST(DictionaryEnumeration, BuffersAndRestarts) {
         EXPECT_TRUE(dictionary->NextKey(buffer, 5, true));
         EXPECT_STREQ(buffer, "abcd");
         EXPECT_EQ(dictionary->ReSetKeyEnumeration(), compact);
-        EXPECT_EQ(dictionary->HasMoreKey(), compact);
-        EXPECT_FALSE(dictionary->HasMoreKey() && !compact);
+        EXPECT_EQ(dictionary->HasMoreKey(), compact) << "the pass of the hash table goes on";
     }
 }
 
@@ -311,8 +314,6 @@ TEST(DictionaryRegistry, NumbersDictionaries) {
     Dictionary::Read(&text, 7);
     EXPECT_EQ(Text(Dictionary::Lookup("$$$/k=d", 7, nullptr)), u"v");
     EXPECT_EQ(Text(Dictionary::Lookup("$$$/k=d", 8, nullptr)), u"d");
-    EXPECT_EQ(Text(lexon_private::Wordlex("$$$/k=d", 7, nullptr)), u"v");
-    EXPECT_EQ(Text(lexon_private::Wordlex(0U, 7, nullptr)), u"");
     EXPECT_EQ(Dictionary::SetAsMain(7), map[7]);
     EXPECT_EQ(Text(Dictionary::Lookup("$$$/k=d", 8, nullptr)), u"v");
     Dictionary().SetAsMain();  // and gone again

@@ -306,6 +306,21 @@ bool Dictionary::ReSetKeyEnumeration() {
     return true;
 }
 
+void Dictionary::ForEachEntry(const EntryVisitor& visit) const {
+    if (IsCompact()) {
+        compactStore->ForEachEntry(visit);
+        return;
+    }
+    entries.ForEach([&visit](const HashItem& item) {
+        const auto& entry = static_cast<const DictionaryEntry&>(item);
+        EntryView view;
+        view.id = kNoId;
+        view.key = {entry.GetData(), entry.GetLength()};
+        view.value = {entry.GetValue().GetData(), entry.GetValue().GetLength()};
+        visit(view);
+    });
+}
+
 Dictionary* Dictionary::SetAsMain(unsigned long index) {
     sMainDictionary = DictionaryMap::Instance()[index];
     return sMainDictionary;

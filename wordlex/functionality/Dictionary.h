@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "wordlex/functionality/DictionaryEntry.h"
+#include "wordlex/functionality/EntryView.h"
 #include "wordlex/functionality/HashTable.h"
 #include "wordlex/functionality/Wordlex.h"
 #include "wordlex/staticlib/Wordlexlib.h"
@@ -103,6 +104,9 @@ public:
     bool NextKey(char* buffer, unsigned long size, bool throwIfTooSmall);
     char* NextKey();  // new text, freed with array delete; null
     bool ReSetKeyEnumeration();
+    // Visits all entries, keys with NUL bytes and entries without keys included, in the order in
+    // which they are written. Old binary files may bring a key twice: the first one counts.
+    void ForEachEntry(const EntryVisitor& visit) const;
 
     bool IsValid() const noexcept { return valid; }
     void SetAsMain() noexcept { sMainDictionary = this; }

@@ -164,13 +164,44 @@ Entity EntityAt(Units text) {
     return {named, static_cast<unsigned short>(number), 2 + consumed + 1};
 }
 
+// Tells an observer in units of the written value; without one, nobody.
+class Report {
+public:
+    Report() = default;
+    explicit Report(EscapeObserver& told) : observer(&told) {}
+
+    // The next units of the first pass's output come from these positions of the written value.
+    void Keep(std::size_t begin, std::size_t end) {
+        if (observer == nullptr) return;
+        while (begin != end)
+            origins.push_back(begin++);
+    }
+    void UnitEscape(std::size_t position, unsigned short escape, unsigned short unit,
+                    unsigned short replacement) const {
+        if (observer == nullptr) return;
+        observer->OnUnitEscape(position, escape, unit, replacement);
+    }
+    // Positions of the second pass are those of the first one's output.
+    void NoEntity(std::size_t position) const {
+        if (observer != nullptr) observer->OnNoEntity(origins[position]);
+    }
+    void Dropped(std::size_t begin, std::size_t end, ControlWord by) const {
+        if (observer == nullptr || begin == end) return;
+        observer->OnDropped(origins[begin], origins[end - 1] + 1 - origins[begin], by);
+    }
+
+private:
+    EscapeObserver* observer = nullptr;
+    std::vector<std::size_t> origins;
+};
+
 // The second pass: copies text, resolves entities, and keeps of the platform sections macOS's.
 class EntityPass {
 public:
     explicit EntityPass(Units input) : text(input) { output.reserve(input.size()); }
+    EntityPass(Units input, const Report& told) : EntityPass(input) { report = &told; }
 
     UnicodeRun Run() {
-        std::size_t position = 0;
         while (!finished && position < text.size()) {
             const auto rest = text.subspan(position);
             const auto hash = static_cast<std::size_t>(
@@ -179,9 +210,11 @@ public:
             // A number sign that starts no escape is text.
             const std::size_t plain = entity.length != 0 ? hash : std::min(hash + 1, rest.size());
             Write(rest.first(plain));
-            if (entity.length != 0) Act(entity);
+            if (entity.length == 0) TellNoEntity(hash);
             position += plain + entity.length;
+            if (entity.length != 0) Act(entity);
         }
+        if (skipping) Drop(sectionBegin, text.size(), section);
         return UnicodeRun(output.data(), output.size());
     }
 
@@ -191,16 +224,27 @@ private:
     }
     void Write(unsigned short unit) { Write(Units(&unit, 1)); }
 
+    void TellNoEntity(std::size_t hash) const {
+        const std::size_t at = position + hash;
+        if (report != nullptr && at + 1 < text.size() && text[at + 1] == u'{') report->NoEntity(at);
+    }
+    void Drop(std::size_t begin, std::size_t end, ControlWord by) const {
+        if (report != nullptr) report->Dropped(begin, end, by);
+    }
+
+    // `position` stands behind the entity.
     void Act(const Entity& entity) {
         static constexpr unsigned short kCopyrightYear[] = {u'2', u'0', u'1', u'9'};
         const std::ptrdiff_t row =
             entity.named == nullptr ? -1 : entity.named - charEntityReference();
-        switch (static_cast<ControlWord>(row)) {
+        const auto word = static_cast<ControlWord>(row);
+        switch (word) {
             case ControlWord::kEndl:
                 Write(u'\r');
                 break;
             case ControlWord::kComment:
                 finished = !skipping;
+                if (finished) Drop(position, text.size(), word);
                 break;
             case ControlWord::kCopyYear:
                 Write(kCopyrightYear);
@@ -208,10 +252,12 @@ private:
             case ControlWord::kMsWindows:
             case ControlWord::kIos:
             case ControlWord::kAndroid:
+                BeginSection(entity, word);
                 finished = macosSeen;
                 skipping = true;
                 break;
             case ControlWord::kMacos:
+                BeginSection(entity, word);
                 output.clear();
                 skipping = false;
                 macosSeen = true;
@@ -221,35 +267,60 @@ private:
         }
     }
 
+    // Ends the section before: it is dropped where it is another platform's, and by macOS's own.
+    void BeginSection(const Entity& entity, ControlWord word) {
+        if (skipping) {
+            Drop(sectionBegin, position - entity.length, section);
+        } else if (word == ControlWord::kMacos) {
+            Drop(sectionBegin, position - entity.length, word);
+        }
+        section = word;
+        sectionBegin = position;
+    }
+
     Units text;
+    const Report* report = nullptr;
     std::vector<unsigned short> output;
+    std::size_t position = 0;
+    std::size_t sectionBegin = 0;  // behind the latest platform's name
+    ControlWord section = ControlWord::kMacos;
     bool skipping = false;   // inside another platform's section
     bool macosSeen = false;  // macOS's section has begun
     bool finished = false;   // the rest of the value is dropped
 };
 
 // The first pass: '\' and '^' with the unit behind them.
-std::vector<unsigned short> ResolveUnitEscapes(Units text, const EscapeTableEntry* hatEscapes) {
+std::vector<unsigned short> ResolveUnitEscapes(Units text, const EscapeTableEntry* hatEscapes,
+                                               Report& report) {
     std::vector<unsigned short> output;
     output.reserve(text.size());
-    const unsigned short* at = text.data();
-    const unsigned short* const end = at + text.size();
-    for (;;) {
-        const unsigned short* const escape = FindUnit(at, end, u'\\', u'^');
-        output.insert(output.end(), at, escape);
+    const auto put = [&](unsigned short unit, std::size_t from) {
+        output.push_back(unit);
+        report.Keep(from, from + 1);
+    };
+    const unsigned short* const begin = text.data();
+    const unsigned short* const end = begin + text.size();
+    for (std::size_t at = 0;;) {
+        const unsigned short* const escape = FindUnit(begin + at, end, u'\\', u'^');
+        const auto position = static_cast<std::size_t>(escape - begin);
+        output.insert(output.end(), begin + at, escape);
+        report.Keep(at, position);
         if (escape == end) return output;
-        const unsigned short* const behind = escape + 1;
-        if (behind == end) {
-            output.push_back(*escape);
+        const std::size_t behind = position + 1;
+        if (behind == text.size()) {
+            report.UnitEscape(position, *escape, 0, 0);
+            put(*escape, position);
             return output;
         }
+        const unsigned short unit = text[behind];
         const unsigned short replacement = DictionaryEntry::LookupEscape(
-            *escape == u'\\' ? sBackslashEscapeTable : hatEscapes, *behind);
+            *escape == u'\\' ? sBackslashEscapeTable : hatEscapes, unit);
+        report.UnitEscape(position, *escape, unit, replacement);
         if (replacement != 0) {
-            output.push_back(replacement);
+            put(replacement, behind);
         } else {
-            output.push_back(*escape);
-            if (*behind != *escape) output.push_back(*behind);
+            put(*escape, position);
+            if (unit != *escape) put(unit, behind);
         }
         at = behind + 1;
     }
@@ -300,7 +371,15 @@ UnicodeRun DictionaryEntry::ConvertEscapeSequences(const unsigned short* text,
     // Most values have no escapes.
     const unsigned short* const end = text + length;
     if (FindUnit(text, end, u'\\', u'^', u'#') == end) return UnicodeRun(text, length);
-    return EntityPass(ResolveUnitEscapes(units, hatEscapes)).Run();
+    Report nobody;
+    return EntityPass(ResolveUnitEscapes(units, hatEscapes, nobody)).Run();
+}
+
+UnicodeRun DictionaryEntry::ConvertEscapeSequences(const unsigned short* text, unsigned long length,
+                                                   EscapeObserver& observer) {
+    Report report(observer);
+    const auto resolved = ResolveUnitEscapes(Units(text, length), HatEscapes(), report);
+    return EntityPass(resolved, report).Run();
 }
 
 UnicodeRun DictionaryEntry::ConvertEscapeSequencesISO(const unsigned short* text,

@@ -25,6 +25,22 @@ const CharEntityReferencePair* charEntityReferenceCharByCodePoint();
 // A new array, owned by the caller (array delete): the low 16 bits of every character, and a 0.
 unsigned short* MakeChar16(const wchar_t* text);
 
+// Is told what the conversion of a written value meets, in the order of the text, first of '\' and
+// '^', then of the entities. Positions and lengths are units of what was written.
+class EscapeObserver {
+public:
+    virtual ~EscapeObserver() = default;
+    // An escape character and the unit behind it, 0 at the text's end. Without a replacement (0)
+    // both stay, or one of a doubled character.
+    virtual void OnUnitEscape(std::size_t position, unsigned short escape, unsigned short unit,
+                              unsigned short replacement) = 0;
+    // "#{" that begins no entity.
+    virtual void OnNoEntity(std::size_t position) = 0;
+    // Text that a section or a comment keeps out of the value. A macOS section drops what stands
+    // directly before it: the text for every platform, from 0 on, or another macOS section.
+    virtual void OnDropped(std::size_t position, std::size_t length, ControlWord by) = 0;
+};
+
 // A key with its UTF-16 value, as a hash-table dictionary stores it.
 // Owns:     its key bytes unless they are borrowed; shares its value.
 // Equality: that of the keys; the value plays no part.
@@ -62,6 +78,8 @@ public:
     // Resolves the escapes of a written value: first those of one unit behind '\' or '^', then, on
     // the result, the entities. Sequences that are no escape stay as they are.
     static UnicodeRun ConvertEscapeSequences(const unsigned short* text, unsigned long length);
+    static UnicodeRun ConvertEscapeSequences(const unsigned short* text, unsigned long length,
+                                             EscapeObserver& observer);
     // The entities alone: #{name}, #{U+hex}, and sections for other platforms, which are dropped.
     static UnicodeRun ConvertEscapeSequencesISO(const unsigned short* text, unsigned long length);
     static UnicodeRun ConvertEscapeSequencesISO(const UnicodeRun& run) {

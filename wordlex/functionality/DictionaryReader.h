@@ -33,6 +33,9 @@ public:
     virtual unsigned short* ReadALine() = 0;
     // Units of the line that ReadALine gave, without the 0.
     std::size_t GetLineLength() const noexcept { return line.GetLength(); }
+    // Bytes taken from the source so far, from where reading began: through what ended the latest
+    // line, or through the 0 that ended the input.
+    std::uint64_t GetOffset() const noexcept { return offset; }
 
 protected:
     // Reads up to `*count` bytes and sets `*count` to those read.
@@ -42,6 +45,7 @@ protected:
 
     Buffer<unsigned short> line;
     bool ended = false;  // a 0 was met
+    std::uint64_t offset = 0;
 
 private:
     enum class SourceKind : std::int32_t { kStream = 0, kMemory = 2 };

@@ -367,6 +367,25 @@ void FastArray::ForEach(Visit visit) const {
     }
 }
 
+void FastArray::ForEachEntry(const EntryVisitor& visit) const {
+    EntryView view;
+    ForEach([&](const cFarray& array, std::uint32_t entry) {
+        view.keyed = array.keyed;
+        view.key = {};
+        if (array.keyed) view.key = {array.keys.Data(entry), array.keys.Length(entry)};
+        view.value = {array.values.Data(entry), array.values.Length(entry) / sizeof(short)};
+        view.accelerator = {};
+        const std::uint32_t index = array.getAccelIndex(entry);
+        if (index != array.acceleratorCount) {
+            view.accelerator = {array.accelerators.Data(index),
+                                array.accelerators.Length(index) / sizeof(short)};
+        }
+        // One with a value alone has the empty key.
+        if (!array.keyed || !view.key.empty() || !view.value.empty()) visit(view);
+        ++view.id;
+    });
+}
+
 std::uint32_t FastArray::bSerialize(std::ostream& out, bool withKeys, lexon::EndianT order,
                                     std::uint32_t idBase) const {
     const bool keyed = withKeys && std::any_of(arrays.begin(), arrays.end(),

@@ -8,6 +8,7 @@
 
 #include "wordlex/functionality/ArrayImage.h"
 #include "wordlex/functionality/BinUtil.h"
+#include "wordlex/functionality/EntryView.h"
 #include "wordlex/functionality/IdList.h"
 #include "wordlex/functionality/ImageReader.h"
 #include "wordlex/functionality/PackedRuns.h"
@@ -79,6 +80,9 @@ public:
         restart = true;
         cursor = 0;
     }
+
+    // Visits every entry that is neither removed nor overridden, in the order of ids.
+    void ForEachEntry(const EntryVisitor& visit) const;
 
     // Loads the image that the reader stands at, whole or not at all. An image that declares id
     // base 0 is merged: a key that the store holds keeps its id and takes the new value, and the

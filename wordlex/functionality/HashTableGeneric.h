@@ -45,6 +45,16 @@ public:
     bool HasMoreItem() const;
     HashItem* NextItem() const noexcept { return enumItem; }  // null before and after a pass
 
+    // Calls visit(item) for every item in table order.
+    template <class Visit>
+    void ForEach(Visit visit) const {
+        for (const Bucket& bucket : buckets) {
+            for (const HashItem* item = bucket.Head(); item != nullptr; item = item->next) {
+                visit(*item);
+            }
+        }
+    }
+
     // Text: every item's own text form, in table order; gives the sum of their results.
     // Binary: a version 1.5 body, but in host byte order; gives 4 and the bytes of keys and values.
     // It writes its index last, so the stream must be able to seek; one that cannot fails.
@@ -85,16 +95,6 @@ private:
     bool EnterChainFrom(std::size_t firstBucket) const;
     std::uint32_t SerializeBinary(std::ostream& out, const lexon::EncodingInfo* encoding) const;
     void WriteHashIndex(ImageWriter& writer) const;
-
-    // Calls visit(item) for every item in table order.
-    template <class Visit>
-    void ForEach(Visit visit) const {
-        for (const Bucket& bucket : buckets) {
-            for (const HashItem* item = bucket.Head(); item != nullptr; item = item->next) {
-                visit(*item);
-            }
-        }
-    }
 
     std::array<Bucket, kHashBucketCount> buckets;
     mutable unsigned long lastBucket = 0;  // where the latest Find or Remove looked, and the item

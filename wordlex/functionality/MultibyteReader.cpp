@@ -29,8 +29,10 @@ bool MultibyteReader::CollectLine() {
         const unsigned char* const stop = FindUnit(begin, end, 0, 0x0A, 0x0D);
         bytes.Append(begin, static_cast<std::size_t>(stop - begin));
         blockCursor = static_cast<std::size_t>(stop - block.data());
+        offset += static_cast<std::size_t>(stop - begin);
         if (stop == end) continue;
         ++blockCursor;
+        ++offset;
         if (*stop != 0) return true;
         ended = true;
     }

@@ -17,8 +17,10 @@ unsigned short* UnicodeReader::ReadALine() {
         const unsigned short* const stop = FindUnit(begin, end, 0, 0x000A, 0x000D, 0x2028, 0x2029);
         line.Append(begin, static_cast<std::size_t>(stop - begin));
         blockCursor = static_cast<std::size_t>(stop - block.data());
+        offset += static_cast<std::size_t>(stop - begin) * sizeof *stop;
         if (stop == end) continue;
         ++blockCursor;
+        offset += sizeof *stop;
         if (*stop != 0) return EndLine();
         ended = true;
     }

@@ -44,12 +44,14 @@ Wordlex Filled(unsigned long count, Fill fill) {
 
 struct UnitCounter {
     unsigned long count = 0;
+    void Mark(unsigned short) noexcept {}
     void Put(unsigned short) noexcept { ++count; }
     void Put(Units units) noexcept { count += units.size(); }
 };
 
 struct UnitWriter {
     unsigned short* next;
+    void Mark(unsigned short) noexcept {}
     void Put(unsigned short unit) noexcept { *next++ = unit; }
     void Put(Units units) noexcept { next = std::ranges::copy(units, next).out; }
 };
@@ -170,17 +172,20 @@ bool IsParenthesisedAccelerator(Units text) {
     return text.size() >= 4 && text[0] == u'(' && text[1] == kAmpersand && text[3] == u')';
 }
 
-// Puts what is left of a text without its accelerator marks.
+// Puts what is left of a text without its accelerator marks, and tells each marked unit.
 template <class Sink>
 void PutWithoutAccelerators(Units text, Sink& out) {
     bool afterMark = false;
     for (;;) {
-        while (IsParenthesisedAccelerator(text))
+        while (IsParenthesisedAccelerator(text)) {
+            out.Mark(text[2]);
             text = text.subspan(4);
+        }
         if (text.empty()) return;
         const bool standsForItself = text.size() > 1 && text[1] == kSpace;
         const bool isMark = !afterMark && text[0] == kAmpersand && !standsForItself;
         if (!isMark) out.Put(text[0]);
+        if (isMark && text.size() > 1) out.Mark(text[1]);
         afterMark = isMark;
         text = text.subspan(1);
     }
@@ -397,6 +402,19 @@ void Wordlex::RemoveAccelerators() {
     const unsigned long count = CountProduced(produce);
     if (count == text.size()) return;  // nothing was dropped
     *this = Produced(count, produce);
+}
+
+unsigned short Wordlex::GetAccelerator() const noexcept {
+    struct {
+        unsigned short first = 0;
+        void Mark(unsigned short unit) noexcept {
+            if (first == 0 && unit != kAmpersand) first = unit;
+        }
+        void Put(unsigned short) noexcept {}
+    } marks;
+    const Units text = UnitsOf(*this);
+    PutWithoutAccelerators(text.first(AcceleratorCut(text)), marks);
+    return marks.first;
 }
 
 void Wordlex::ChangeUnits(unsigned short from, unsigned short to) {

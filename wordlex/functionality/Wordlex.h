@@ -89,6 +89,9 @@ public:
     // Drops '&' marks ("&&" stands for '&', '&' before a space for itself), marks in parentheses
     // whole, and everything from the first space followed by a backspace on.
     void RemoveAccelerators();
+    // What the first mark that RemoveAccelerators drops stands ahead of, "&&" apart; 0 when there
+    // is none.
+    unsigned short GetAccelerator() const noexcept;
     void ChangeNewLineCharacter();       // LF becomes CR
     void RemoveBadFilenameCharacters();  // ':' becomes '-'
     bool RemoveExtension();              // cuts at the last '.'; false when there is none

@@ -1,0 +1,18 @@
+#pragma once
+// The front end's entry and what its arguments carry: a matter between the launcher and the front
+// end, handed on unchanged by start-up.
+
+#include <cstdint>
+
+// The first argument is the address of one.
+// Owns:     nothing; the path outlives the call.
+struct LaunchRequest {
+    const char* documentPath;  // UTF-8
+};
+
+// Bits of the second argument.
+constexpr std::int32_t kLaunchTrace = 1;  // tell on standard error what the host holds
+
+// Runs the application on the launcher's thread. The host is up: a localizer and a parser factory
+// are installed. Returns the process's exit code.
+extern "C" std::int32_t AppMain(std::intptr_t request, std::int32_t flags, std::int32_t unused);

@@ -1,0 +1,191 @@
+#include <bit>
+#include <iomanip>
+#include <iostream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "app/frontend/AppMain.h"
+#include "app/frontend/Project.h"
+#include "app/frontend/Texts.h"
+#include "app/trace/HostTrace.h"
+#include "host/vexacore/Utility.h"
+
+namespace frontend {
+namespace {
+
+constexpr const char* kTitle = "$$$/Framewright/Product/Title=Framewright Homeline";
+constexpr const char* kSplit = R"($$$/Framewright/Menu/Clip/Split=&Split at Playhead \b^#K)";
+
+struct MenuItem {
+    const char* key;
+    const char* argument = nullptr;  // the key of what ^1 stands for
+};
+
+struct Menu {
+    const char* title;
+    std::vector<MenuItem> items;
+};
+
+const Menu kMenus[] = {
+    {"$$$/Framewright/Menu/File=&File",
+     {{R"($$$/Framewright/Menu/File/New=&New Project... \b^#N)"},
+      {R"($$$/Framewright/Menu/File/Open=&Open Project... \b^#O)"},
+      {R"($$$/Framewright/Menu/File/Save=&Save \b^#S)"},
+      {"$$$/Framewright/Menu/File/Export=&Export Movie..."},
+      {R"($$$/Framewright/Menu/File/Quit=&Quit Framewright \b^#Q)"}}},
+    {"$$$/Framewright/Menu/Edit=&Edit",
+     {{R"($$$/Framewright/Menu/Edit/Undo=&Undo ^[^1^] \b^#Z)", kSplit},
+      {R"($$$/Framewright/Menu/Edit/Cut=Cu&t \b^#X)"},
+      {R"($$$/Framewright/Menu/Edit/Copy=&Copy \b^#C)"},
+      {R"($$$/Framewright/Menu/Edit/Paste=&Paste \b^#V)"}}},
+    {"$$$/Framewright/Menu/Clip=&Clip",
+     {{kSplit},
+      {"$$$/Framewright/Menu/Clip/Speed=Sp&eed && Duration..."},
+      {"$$$/Framewright/Menu/Clip/Transition=Add &Transition"}}},
+    {"$$$/Framewright/Menu/Window=&Window",
+     {{"$$$/Framewright/Menu/Window/Timeline=&Timeline"},
+      {"$$$/Framewright/Menu/Window/Viewer=&Viewer"}}},
+    {"$$$/Framewright/Menu/Help=&Help", {{"$$$/Framewright/Menu/Help/About=&About ^1", kTitle}}},
+};
+
+// One of each form that a request can have.
+constexpr const char* kRequests[] = {
+    "($$$/Framewright/Status/Autosave=autosave on)",
+    "$$$/Framewright/Status/Ready",
+    R"($$$/Framewright/Tip/InNoDictionary=^[Rest your eyes^] #{ndash} ^C #{copyyear}\tNorvale)",
+    "Volume=11",
+    "H.264",
+};
+
+void PrintProduct() {
+    std::cout << Localized(kTitle) << '\n'
+              << Localized("$$$/Framewright/Product/Tagline=Home movies, cut the easy way") << '\n'
+              << Localized(
+                     "$$$/Framewright/Product/Copyright="
+                     "^C #{copyyear} Norvale. All rights reserved.")
+              << '\n'
+              << Localized("$$$/Framewright/Product/Language=English") << "\n\n";
+}
+
+void PrintMenus() {
+    for (const auto& menu : kMenus) {
+        std::cout << MenuTitle(menu.title) << ": ";
+        const char* separator = "";
+        for (const auto& item : menu.items) {
+            auto title = MenuTitle(item.key);
+            if (item.argument != nullptr) title = Filled(title, {MenuTitle(item.argument)});
+            std::cout << separator << title;
+            separator = " | ";
+        }
+        std::cout << '\n';
+    }
+    std::cout << '\n';
+}
+
+lexon::Wordlex Time(long seconds) {
+    std::ostringstream text;
+    text << std::setfill('0') << seconds / 3600 << ':' << std::setw(2) << seconds / 60 % 60 << ':'
+         << std::setw(2) << seconds % 60;
+    return FromUTF16(vexacore::utility::AsciiToUTF16(text.str().c_str()));
+}
+
+lexon::Wordlex OutlineText(const OutlineLine& line) {
+    using Kind = OutlineLine::Kind;
+    const auto text = FromUTF16(line.text);
+    switch (line.kind) {
+        case Kind::kNamespace:
+            if (line.prefix.empty()) {
+                return Filled(Localized("$$$/Framewright/Outline/DefaultNamespace="
+                                        "Default namespace: ^1"),
+                              {text});
+            }
+            return Filled(Localized("$$$/Framewright/Outline/Namespace=Namespace ^1: ^2"),
+                          {FromUTF16(line.prefix), text});
+        case Kind::kVerbatim:
+            return Filled(Localized("$$$/Framewright/Outline/Verbatim=Verbatim text: ^1"), {text});
+        case Kind::kComment:
+            return Filled(Localized("$$$/Framewright/Outline/Comment=Note: ^1"), {text});
+        case Kind::kElement:
+        case Kind::kText:
+            break;
+    }
+    return text;
+}
+
+void PrintProject(const Project& project) {
+    auto contents = Localized(R"($$$/Framewright/Project/Contents=Clips: <param name="clips"/>, )"
+                              R"(tracks: <param name="tracks"/>)");
+    contents.ParamSubstitute("clips", lexon::Wordlex(project.clips));
+    contents.ParamSubstitute("tracks", lexon::Wordlex(project.tracks));
+    const auto name = project.name.empty() ? Localized("$$$/Framewright/Project/Untitled=Untitled")
+                                           : FromUTF16(project.name);
+
+    std::cout << Filled(Localized("$$$/Framewright/Project/Heading=Project: ^1"), {name}) << '\n';
+    if (!project.author.empty()) {
+        std::cout << Filled(Localized("$$$/Framewright/Project/Author=Edited by ^1"),
+                            {FromUTF16(project.author)})
+                  << '\n';
+    }
+    std::cout << contents << '\n'
+              << Filled(Localized("$$$/Framewright/Project/Duration="
+                                  "Running time ^1, longest clip ^2"),
+                        {Time(project.runningTime), Time(project.longestClip)})
+              << "\n\n"
+              << Localized("$$$/Framewright/Outline/Heading=Outline") << '\n';
+    for (const auto& line : project.outline) {
+        std::cout << std::string(2 * (line.depth + 1), ' ') << OutlineText(line) << '\n';
+    }
+    std::cout << Filled(Localized("$$$/Framewright/Outline/Totals="
+                                  "Elements: ^1, attributes: ^2, notes: ^3"),
+                        {lexon::Wordlex(project.elements), lexon::Wordlex(project.attributes),
+                         lexon::Wordlex(project.comments)})
+              << "\n\n"
+              << Filled(Localized(R"($$$/Framewright/Message/SaveChanges=)"
+                                  R"(Save the changes to "^1" before closing?\n)"
+                                  R"(Changes that you do not save are lost.)"),
+                        {name})
+              << "\n\n";
+}
+
+void PrintDocument(const vexacore::UTF16String& path) {
+    if (const auto project = ReadProject(path)) {
+        PrintProject(*project);
+        return;
+    }
+    std::cout << Filled(Localized(R"($$$/Framewright/Message/CannotRead=)"
+                                  R"(The document "^1" could not be read as a project.\n)"
+                                  R"(The application goes on without it.)"),
+                        {FromUTF16(path)})
+              << "\n\n";
+}
+
+void PrintStatus() {
+    std::cout << Localized(
+                     "$$$/Framewright/Message/Tip=Tip: press Ctrl+K to split a clip."
+                     "#{macos}Tip: press ^#K to split a clip.")
+              << '\n'
+              << Localized("$$$/Framewright/Status/Ready=Ready") << " ("
+              << Localized("($$$/Framewright/Status/Autosave=autosave on)") << ")\n\n"
+              << Localized("$$$/Framewright/Lookup/Heading=Looking texts up") << '\n';
+    for (const char* request : kRequests) {
+        std::cout << "  " << request << "  ->  " << Localized(request) << '\n';
+    }
+}
+
+}  // namespace
+}  // namespace frontend
+
+extern "C" [[gnu::visibility("default")]] std::int32_t AppMain(std::intptr_t request,
+                                                               std::int32_t flags, std::int32_t) {
+    const auto& launch = *std::bit_cast<const LaunchRequest*>(request);
+    if ((flags & kLaunchTrace) != 0) trace::PrintHost("during the run");
+
+    frontend::PrintProduct();
+    frontend::PrintMenus();
+    frontend::PrintDocument(vexacore::utility::StdToUTF16String(launch.documentPath));
+    frontend::PrintStatus();
+    if (std::cout.flush()) return 0;
+    std::cerr << "framewright: standard output cannot be written\n";
+    return 1;
+}

@@ -1,0 +1,39 @@
+#pragma once
+// Project documents: XML in the namespaces "urn:norvale:framewright:project" and "...:media".
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+#include "host/vexacore/String.h"
+
+namespace frontend {
+
+struct OutlineLine {
+    enum class Kind { kNamespace, kElement, kText, kVerbatim, kComment };
+
+    Kind kind;
+    std::size_t depth;             // 0 for what stands outside the root, and for the root
+    vexacore::UTF16String text;    // with single spaces, none at the ends, except verbatim text
+    vexacore::UTF16String prefix;  // of a namespace; empty for the default one
+};
+
+// What the front end shows of a document. Times are whole seconds.
+struct Project {
+    vexacore::UTF16String name;
+    vexacore::UTF16String author;
+    long clips = 0;
+    long tracks = 0;
+    long runningTime = 0;
+    long longestClip = 0;
+    long elements = 0;
+    long attributes = 0;
+    long comments = 0;
+    std::vector<OutlineLine> outline;
+};
+
+// Parses the document with the host's installed parser factory. Nothing when it cannot be read or
+// is no well-formed XML.
+std::optional<Project> ReadProject(const vexacore::UTF16String& path);
+
+}  // namespace frontend

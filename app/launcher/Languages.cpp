@@ -1,0 +1,51 @@
+#include "app/launcher/Languages.h"
+
+#include <algorithm>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "localeid/MuiLib.h"
+
+namespace launcher {
+namespace {
+
+constexpr std::string_view kOwnLanguage = "en";
+
+}  // namespace
+
+std::vector<std::string> ShippedLanguages(const std::filesystem::path& dictionaries) {
+    std::vector<std::string> names;
+    std::error_code ignored;  // a folder that cannot be read ships nothing
+    for (std::filesystem::directory_iterator entry(dictionaries, ignored), end; entry != end;
+         entry.increment(ignored)) {
+        if (entry->is_directory(ignored)) names.push_back(entry->path().filename());
+    }
+    std::ranges::sort(names, {}, [](const std::string& name) {
+        return std::pair(name != kOwnLanguage, std::string_view(name));
+    });
+    return names;
+}
+
+void PreferLanguage(const std::string& language) {
+    const char* const only[] = {language.c_str(), nullptr};
+    MuiForceOrderOfOsLocales(only);
+}
+
+std::string BestLanguage(const std::vector<std::string>& shipped) {
+    std::vector<const char*> names;
+    names.reserve(shipped.size() + 1);
+    for (const auto& name : shipped)
+        names.push_back(name.c_str());
+    names.push_back(nullptr);
+    MuiSortLocalesPerUserPreference(names.data());
+    return names.front();
+}
+
+std::string NoResourcesMessage() {
+    const std::wstring_view message = MuiGetLocaleUnavailableErrorMessage();
+    // A path is the standard library's way from UTF-32 to UTF-8.
+    return std::filesystem::path(std::u32string(message.begin(), message.end())).string();
+}
+
+}  // namespace launcher
