@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "tests/wordlex/Settings.h"
+#include "wordlex/functionality/Dictionary.h"
+#include "wordlex/functionality/DictionaryMap.h"
 #include "wordlex/staticlib/Wordlexlib.h"
 
 namespace wordlex_tests {
@@ -74,6 +76,17 @@ TEST(WordlexFacade, IsEmptyAfterAFailedMakeAndAsItWasAfterAFailedAssign) {
     text = Handle(u"old");
     EXPECT_THROW(text.MakeFromUnicode(DataOf(text), ~0UL / 2), std::bad_alloc);
     EXPECT_TRUE(text.IsEmpty());
+}
+
+TEST(WordlexFacade, LooksKeysAndIdsUpInTheRegistry) {
+    lexon_private::Dictionary& registered = *lexon_private::DictionaryMap::Instance()[41];
+    registered = lexon_private::Dictionary(true);
+    const unsigned short value = u'V';
+    const auto id = static_cast<unsigned int>(registered.Add("/K", &value, 1, nullptr, nullptr, 0));
+    EXPECT_EQ(u"V", TextOf(Wordlex("$$$/K=default", 41, nullptr)));
+    EXPECT_EQ(u"default", TextOf(Wordlex("$$$/K=default", 42, nullptr))) << "another dictionary";
+    EXPECT_EQ(u"V", TextOf(Wordlex(id, 41, nullptr)));
+    EXPECT_EQ(u"", TextOf(Wordlex(id, 42, nullptr)));
 }
 
 TEST(WordlexFacade, CopiesOut) {

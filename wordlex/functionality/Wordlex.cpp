@@ -7,6 +7,7 @@
 #include <span>
 
 #include "wordlex/functionality/Buffer.h"
+#include "wordlex/functionality/Dictionary.h"
 #include "wordlex/functionality/EncodingInfo.h"
 #include "wordlex/functionality/UnicodeChar.h"
 #include "wordlex/functionality/UnicodeUtil.h"
@@ -222,6 +223,12 @@ Wordlex::Wordlex(long value) {
     CFStringGetPascalString(digits.get(), text, sizeof text, CFStringGetSystemEncoding());
     BackDoorAssignPascalString(text, nullptr);
 }
+
+Wordlex::Wordlex(const char* key, unsigned long which, const lexon::EncodingInfo* encoding)
+    : Wordlex(Dictionary::Lookup(key, which, encoding)) {}
+
+Wordlex::Wordlex(unsigned int id, unsigned long which, const lexon::EncodingInfo* encoding)
+    : Wordlex(Dictionary::Lookup(static_cast<unsigned long>(id), which, encoding)) {}
 
 Wordlex Wordlex::BackDoorMakeFromUnicode(const unsigned short* units, unsigned long count) {
     return Wordlex(units, count);

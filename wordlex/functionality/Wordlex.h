@@ -25,6 +25,11 @@ public:
     Wordlex(const unsigned char* bytes, unsigned long count, const lexon::EncodingInfo* encoding)
         : Wordlex(StringToPooledUnicode(bytes, count, encoding)) {}
 
+    // What Dictionary::Lookup finds for a key or an id in the registry's dictionary number `which`,
+    // fall-backs included.
+    Wordlex(const char* key, unsigned long which, const lexon::EncodingInfo* encoding);
+    Wordlex(unsigned int id, unsigned long which, const lexon::EncodingInfo* encoding);
+
     // The pascal form reads `count` bytes behind the first one, which it does not look at.
     static Wordlex BackDoorMakeFromUnicode(const unsigned short* units, unsigned long count);
     static Wordlex BackDoorMakeFromCString(const char* bytes, unsigned long count,

@@ -30,6 +30,10 @@ void RemakeOrEmpty(lexon_private::Wordlex& held, Make make) {
 }  // namespace
 
 Wordlex::Wordlex() : text(new lexon_private::Wordlex) {}
+Wordlex::Wordlex(const char* key, unsigned long which, const EncodingInfo* encoding)
+    : text(new lexon_private::Wordlex(key, which, encoding)) {}
+Wordlex::Wordlex(unsigned int id, unsigned long which, const EncodingInfo* encoding)
+    : text(new lexon_private::Wordlex(id, which, encoding)) {}
 Wordlex::Wordlex(long value) : text(new lexon_private::Wordlex(value)) {}
 Wordlex::Wordlex(const lexon_private::Wordlex& other) : text(new lexon_private::Wordlex(other)) {}
 Wordlex::Wordlex(const Wordlex& other) : Wordlex(*other.text) {}
