@@ -1,0 +1,145 @@
+// Look-ups, loads, additions and saves through the public facade, in both stores. Two plain maps of
+// the C++ library are beside them: what a look-up costs that hands out a pointer, or a fresh copy.
+#include <benchmark/benchmark.h>
+
+#include <memory>
+#include <string_view>
+#include <unordered_map>
+
+#include "benchmarks/Corpus.h"
+
+namespace benchmarks {
+namespace {
+
+enum class Store { kHash, kCompact };
+
+const Corpus& CorpusOf(benchmark::State& state) {
+    static std::unordered_map<std::size_t, std::unique_ptr<Corpus>> made;
+    auto& corpus = made[static_cast<std::size_t>(state.range(0))];
+    if (corpus == nullptr) corpus = std::make_unique<Corpus>(state.range(0));
+    return *corpus;
+}
+
+std::unique_ptr<lexon::Dictionary> Load(const Corpus& corpus, Store store) {
+    const std::string file = store == Store::kHash ? corpus.TextFile() : corpus.BinaryFile();
+    auto dictionary = std::make_unique<lexon::Dictionary>();
+    dictionary->Read(file.data(), static_cast<int>(file.size()), true);
+    return dictionary;
+}
+
+// Runs `ask` on every request, round and round.
+template <class Ask>
+void ForRequests(benchmark::State& state, const std::vector<std::string>& requests, Ask ask) {
+    std::size_t next = 0;
+    for (auto _ : state) {
+        ask(requests[next]);
+        if (++next == requests.size()) next = 0;
+    }
+    state.SetItemsProcessed(state.iterations());
+}
+
+void CopyOut(lexon::Dictionary& dictionary, const std::string& request) {
+    static unsigned short units[4096];
+    const lexon::Wordlex text = dictionary.Lookup(request.c_str(), nullptr);
+    text.GetUnicode(units, text.GetUnicodeSize(), true);
+    benchmark::DoNotOptimize(units);
+}
+
+template <Store kStore>
+void LookupHit(benchmark::State& state) {
+    const auto dictionary = Load(CorpusOf(state), kStore);
+    ForRequests(state, CorpusOf(state).Requests(),
+                [&](const std::string& request) { CopyOut(*dictionary, request); });
+}
+
+template <Store kStore>
+void LookupMissWithDefault(benchmark::State& state) {
+    const auto dictionary = Load(CorpusOf(state), kStore);
+    ForRequests(state, CorpusOf(state).Requests("Absent=The text in English"),
+                [&](const std::string& request) { CopyOut(*dictionary, request); });
+}
+
+template <Store kStore>
+void LookupInPlace(benchmark::State& state) {
+    const auto dictionary = Load(CorpusOf(state), kStore);
+    ForRequests(state, CorpusOf(state).Requests(), [&](const std::string& request) {
+        const unsigned short* units = nullptr;
+        unsigned long length = 0;
+        benchmark::DoNotOptimize(dictionary->LookupReturnUTF16Ptr(request.c_str(), units, length));
+        benchmark::DoNotOptimize(units);
+    });
+}
+
+template <bool kCopy>
+void PlainMap(benchmark::State& state) {
+    const Corpus& corpus = CorpusOf(state);
+    std::unordered_map<std::string_view, std::u16string_view> map;
+    for (std::size_t i = 0; i < corpus.keys.size(); ++i)
+        map[corpus.keys[i]] = corpus.values[i];
+    ForRequests(state, corpus.Requests(""), [&](const std::string& request) {
+        const auto found = map.find(std::string_view(request).substr(3));
+        if constexpr (kCopy) {
+            const std::u16string copy(found->second);
+            benchmark::DoNotOptimize(copy.data());
+        } else {
+            benchmark::DoNotOptimize(found->second.data());
+        }
+    });
+}
+
+template <Store kStore, bool kStream>
+void LoadFile(benchmark::State& state) {
+    const std::string file =
+        kStore == Store::kHash ? CorpusOf(state).TextFile() : CorpusOf(state).BinaryFile();
+    for (auto _ : state) {
+        lexon::Dictionary dictionary;
+        if constexpr (kStream) {
+            std::istringstream in(file);
+            dictionary.Read(&in);
+        } else {
+            dictionary.Read(file.data(), static_cast<int>(file.size()), true);
+        }
+        benchmark::DoNotOptimize(dictionary.IsValid());
+    }
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(file.size()));
+}
+
+void AddAll(benchmark::State& state) {
+    for (auto _ : state) {
+        lexon::Dictionary dictionary(true);
+        CorpusOf(state).AddTo(dictionary);
+        benchmark::DoNotOptimize(dictionary.NumKeys());
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+template <Store kStore, lexon::SaveType kType>
+void Save(benchmark::State& state) {
+    const auto dictionary = Load(CorpusOf(state), kStore);
+    for (auto _ : state) {
+        std::ostringstream out;
+        dictionary->Serialize(out, kType, nullptr, lexon::EndianT::kLittle, 0);
+        benchmark::DoNotOptimize(out.tellp());
+    }
+}
+
+#define SIZES ->Arg(1'000)->Arg(10'000)->Arg(100'000)
+BENCHMARK(LookupHit<Store::kHash>) SIZES;
+BENCHMARK(LookupHit<Store::kCompact>) SIZES;
+BENCHMARK(PlainMap<true>) SIZES;
+BENCHMARK(LookupInPlace<Store::kHash>) SIZES;
+BENCHMARK(LookupInPlace<Store::kCompact>) SIZES;
+BENCHMARK(PlainMap<false>) SIZES;
+BENCHMARK(LookupMissWithDefault<Store::kHash>) SIZES;
+BENCHMARK(LookupMissWithDefault<Store::kCompact>) SIZES;
+BENCHMARK(LoadFile<Store::kHash, true>) SIZES;
+BENCHMARK(LoadFile<Store::kHash, false>) SIZES;
+BENCHMARK(LoadFile<Store::kCompact, true>) SIZES;
+BENCHMARK(LoadFile<Store::kCompact, false>) SIZES;
+BENCHMARK(AddAll) SIZES->Arg(200'000);
+BENCHMARK(Save<Store::kHash, lexon::SaveType::kBinary>)->Arg(10'000);
+BENCHMARK(Save<Store::kCompact, lexon::SaveType::kBinary>)->Arg(10'000);
+BENCHMARK(Save<Store::kHash, lexon::SaveType::kText>)->Arg(10'000);
+
+}  // namespace
+}  // namespace benchmarks

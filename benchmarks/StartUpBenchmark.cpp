@@ -1,0 +1,34 @@
+// The host set up, the sample's dictionaries loaded and the first text answered, and all of it
+// taken down again; and one text of the running application, from the host's request to the host's
+// string.
+#include <benchmark/benchmark.h>
+
+#include "host/Ovis/Language.h"
+#include "host/vexacore/Localizer.h"
+#include "startup/VEXAInitializer.h"
+
+namespace benchmarks {
+namespace {
+
+constexpr char kRequest[] = "$$$/Framewright/Product/Title=Framewright Homeline";
+
+void FromRunToTheFirstText(benchmark::State& state) {
+    Ovis::SetLanguageString(u"de");
+    for (auto _ : state) {
+        const Startup::VEXAInitializer initializer;
+        benchmark::DoNotOptimize(vexacore::config::Localizer::Get()->GetLocalizedString(kRequest));
+    }
+}
+BENCHMARK(FromRunToTheFirstText)->Unit(benchmark::kMicrosecond);
+
+void OneText(benchmark::State& state) {
+    Ovis::SetLanguageString(u"de");
+    const Startup::VEXAInitializer initializer;
+    const vexacore::config::Localizer* const localizer = vexacore::config::Localizer::Get();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(localizer->GetLocalizedString(kRequest));
+}
+BENCHMARK(OneText);
+
+}  // namespace
+}  // namespace benchmarks
