@@ -90,7 +90,8 @@ bool Dictionary::ParseKey(const char* text, Key& key) {
         text += 3;
     }
     key.bytes = reinterpret_cast<const unsigned char*>(text);
-    key.length = std::strcspn(text, "=");
+    const char* const equals = std::strchr(text, '=');
+    key.length = equals != nullptr ? static_cast<unsigned long>(equals - text) : std::strlen(text);
     key.rest = text + key.length;
     return true;
 }
