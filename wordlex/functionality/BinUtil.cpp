@@ -29,11 +29,17 @@ std::uint64_t LoadWord(const unsigned char* bytes) noexcept {
     return word;
 }
 
+// Writes as the stream's own operations do: what its buffer throws becomes the stream's state.
 std::uint32_t Put(std::ostream& out, std::string_view bytes) {
     const std::ostream::sentry ready(out);
     if (!ready) return 0;
     const auto wanted = static_cast<std::streamsize>(bytes.size());
-    const std::streamsize taken = out.rdbuf()->sputn(bytes.data(), wanted);
+    std::streamsize taken = 0;
+    try {
+        taken = out.rdbuf()->sputn(bytes.data(), wanted);
+    } catch (const std::exception&) {
+        taken = 0;
+    }
     if (taken != wanted) out.setstate(std::ios_base::badbit);
     return static_cast<std::uint32_t>(taken);
 }

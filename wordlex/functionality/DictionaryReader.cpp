@@ -67,8 +67,14 @@ void DictionaryReader::ReadDataStream(std::istream* stream, char* buffer, long* 
         *count = 0;
         return;
     }
-    stream->read(buffer, *count);
-    *count = stream->gcount();
+    // Not one read of all: that would lose what the stream delivers ahead of a fault.
+    long got = 0;
+    while (got < *count && stream->peek() != std::istream::traits_type::eof()) {
+        const std::streamsize ready = stream->readsome(buffer + got, *count - got);
+        if (ready == 0) stream->get(buffer[got]);
+        got += std::max<long>(ready, 1);
+    }
+    *count = got;
 }
 
 void DictionaryReader::ReadDataStream(char* buffer, long* count) {

@@ -62,7 +62,8 @@ void ImageReader::Reject(ImageFault why, std::uint64_t where) noexcept {
 }
 
 bool ImageReader::AtEnd() {
-    return endKnown ? left == 0 : stream->peek() == std::istream::traits_type::eof();
+    // A stream that claims more may still fail here.
+    return InMemory() ? left == 0 : stream->peek() == std::istream::traits_type::eof();
 }
 
 bool ImageReader::Expect(std::uint64_t byteCount) noexcept {
