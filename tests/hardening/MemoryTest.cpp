@@ -1,0 +1,248 @@
+// Memory that runs out at every single allocation: nothing leaks, and a dictionary or string is as
+// before or as after, never between.
+#include "tests/hardening/Memory.h"
+
+#include <algorithm>
+#include <functional>
+#include <iostream>
+#include <set>
+
+#include "tests/hardening/Snapshot.h"
+#include "tests/hardening/Streams.h"
+#include "tests/wordlex/Images.h"
+#include "tests/wordlex/Text.h"
+#include "wordlex/functionality/Dictionary.h"
+#include "wordlex/functionality/Wordlex.h"
+
+namespace hardening {
+namespace {
+
+using lexon_private::Dictionary;
+using lexon_private::Wordlex;
+using namespace wordlex_tests;
+
+const lexon::EncodingInfo kUtf8{1};
+constexpr unsigned short kLong[300] = {u'x'};
+
+void Load(Dictionary& dictionary, const std::string& file) {
+    dictionary.Read(file.data(), static_cast<int>(file.size()), true);
+}
+
+void LoadStream(Dictionary& dictionary, const std::string& file) {
+    static std::string content;
+    content = file;
+    FaultySource source(content, content.size(), Fault::kEnds, false);
+    std::istream stream(&source);
+    dictionary.Read(&stream);
+}
+
+// Two keys; the compact store has its writable array full, so that the next entry needs a new one.
+void Fill(Dictionary& dictionary) {
+    Load(dictionary, "/A=old\n/Z=kept");
+    for (int i = 2; i < 100; ++i)
+        dictionary.Add(("/" + std::to_string(i)).c_str(), kLong, 1, nullptr, nullptr, 0);
+}
+
+using Change = std::function<void(Dictionary&)>;
+
+std::string After(bool compact, const Change& change) {
+    Dictionary dictionary(compact);
+    Fill(dictionary);
+    change(dictionary);
+    return Snapshot(dictionary);
+}
+
+// `partly` are the states that a change may stop at. Gives the number of allocations that failed.
+long CheckChange(bool compact, const Change& change, std::set<std::string> partly = {}) {
+    partly.insert(After(compact, [](Dictionary&) {}));
+    const std::string after = After(compact, change);
+    return ForEveryFailingAllocation([&](auto inject) {
+        Dictionary dictionary(compact);
+        Fill(dictionary);
+        const Outcome outcome = inject([&] { change(dictionary); });
+        EXPECT_NE(Outcome::kSwallowed, outcome);
+        if (outcome != Outcome::kDone) {
+            EXPECT_TRUE(partly.contains(Snapshot(dictionary)));
+            change(dictionary);  // with memory at hand again
+        }
+        EXPECT_EQ(after, Snapshot(dictionary));
+    });
+}
+
+TEST(MemoryRunsOut, BinaryLoadsAreWholeOrNotAtAll) {
+    for (const std::string& file : {kLittleFile, kBigFile, kFileWithoutKeys, kVersion20File,
+                                    kVersion15File, kVersion15Utf8File, kVersion10File}) {
+        for (const bool compact : {false, true}) {
+            SCOPED_TRACE(testing::PrintToString(file));
+            EXPECT_LT(5, CheckChange(compact, [&](Dictionary& d) { Load(d, file); }));
+            EXPECT_LT(5, CheckChange(compact, [&](Dictionary& d) { LoadStream(d, file); }));
+        }
+    }
+}
+
+TEST(MemoryRunsOut, TextLoadsStopBetweenLines) {
+    const std::string lines[] = {"/A=1\n", "\"$/bad\"\n", "/B=#{amp}^Q\n", "/A=3\n",
+                                 std::string(2000, 'k') + "=v"};
+    for (const bool compact : {false, true}) {
+        std::string text;
+        std::set<std::string> partly;
+        for (const std::string& line : lines) {
+            text += line;
+            partly.insert(After(compact, [&](Dictionary& d) { Load(d, text); }));
+        }
+        CheckChange(
+            compact, [&](Dictionary& d) { Load(d, text); }, partly);
+        CheckChange(
+            compact, [&](Dictionary& d) { LoadStream(d, text); }, partly);
+    }
+}
+
+TEST(MemoryRunsOut, ChangesAreWholeOrNotAtAll) {
+    const std::pair<int, Change> rows[] = {
+        {__LINE__, [](Dictionary& d) { d.Add("/new", kLong, 300, nullptr, kLong, 2); }},
+        {__LINE__, [](Dictionary& d) { d.Add("/A", kLong, 300, nullptr, nullptr, 0); }},
+        {__LINE__, [](Dictionary& d) { d.Add("/A", kLong, 300, nullptr, kLong, 2); }},
+        {__LINE__, [](Dictionary& d) { d.Add("/A", kLong, 1, nullptr, kLong, 2); }},
+        {__LINE__, [](Dictionary& d) { d.Remove("/A"); }},
+        {__LINE__, [](Dictionary& d) { d.Locale("de_DE_with_a_long_name"); }},
+        {__LINE__, [](Dictionary& d) { d = Dictionary(d); }},
+    };
+    for (const auto& [line, change] : rows) {
+        SCOPED_TRACE(line);
+        CheckChange(true, change);
+    }
+}
+
+TEST(MemoryRunsOut, QuestionsChangeNothing) {
+    const auto key = [](char* text) {
+        const std::string copy = text ? text : "none";
+        delete[] text;
+        return copy;
+    };
+    const auto text = [](const Wordlex& value) {
+        const std::u16string units = Text(value);
+        return std::string(units.begin(), units.end());
+    };
+    const std::pair<int, std::function<std::string(Dictionary&)>> rows[] = {
+        {__LINE__, [&](Dictionary& d) { return text(d.Lookup("$$$/A=x", nullptr)); }},
+        {__LINE__, [&](Dictionary& d) { return text(d.Lookup("/none=a^Q#{amp}b", nullptr)); }},
+        {__LINE__, [&](Dictionary& d) { return text(d.Lookup("/none=a\xC3\xA9", &kUtf8)); }},
+        {__LINE__, [&](Dictionary& d) { return text(d.Lookup(1UL, nullptr)); }},
+        {__LINE__, [&](Dictionary& d) { return text(d.Accelerator("/B", nullptr)); }},
+        {__LINE__, [&](Dictionary& d) { return text(d.Locale()); }},
+        {__LINE__, [&](Dictionary& d) { return key(d.GetStringId(1)); }},
+        {__LINE__, [&](Dictionary& d) { return d.HasMoreKey() ? key(d.NextKey()) : ""; }},
+        {__LINE__, [&](Dictionary& d) { return std::to_string(Dictionary(d).NumKeys()); }},
+    };
+    for (const bool compact : {false, true}) {
+        for (const auto& [line, ask] : rows) {
+            SCOPED_TRACE(line);
+            Dictionary dictionary(compact);
+            Fill(dictionary);
+            if (compact) Load(dictionary, kLittleFile);
+            const std::string before = Snapshot(dictionary);
+            dictionary.ReSetKeyEnumeration();
+            const std::string expected = ask(dictionary);
+            ForEveryFailingAllocation([&](auto inject) {
+                std::string answer;
+                dictionary.ReSetKeyEnumeration();
+                const Outcome outcome = inject([&] { answer = ask(dictionary); });
+                EXPECT_NE(Outcome::kSwallowed, outcome);
+                EXPECT_EQ(outcome == Outcome::kDone ? expected : "", answer);
+                while (!compact && dictionary.HasMoreKey()) {
+                }
+            });
+            EXPECT_EQ(before, Snapshot(dictionary));
+        }
+    }
+}
+
+TEST(MemoryRunsOut, SavingIsReportedAndChangesNothing) {
+    std::streambuf* const errors = std::cerr.rdbuf(nullptr);
+    for (const bool compact : {false, true}) {
+        Dictionary dictionary(compact);
+        Fill(dictionary);
+        if (compact) Load(dictionary, kLittleFile);
+        const std::string before = Snapshot(dictionary);
+        for (const auto type :
+             {lexon::SaveType::kBinary, lexon::SaveType::kText, lexon::SaveType::kBinaryNoKeys}) {
+            std::string whole;
+            ForEveryFailingAllocation([&](auto inject) {
+                std::string taken;
+                taken.reserve(100'000);
+                FaultySink sink(taken, std::string::npos, Fault::kEnds);
+                std::ostream stream(&sink);
+                const Outcome outcome = inject(
+                    [&] { dictionary.Serialize(stream, type, &kUtf8, lexon::EndianT::kBig, 0); });
+                if (whole.empty()) whole = taken;
+                EXPECT_TRUE(whole.starts_with(taken));
+                EXPECT_TRUE(outcome != Outcome::kDone || whole == taken);
+            });
+        }
+        EXPECT_EQ(before, Snapshot(dictionary));
+    }
+    std::cerr.rdbuf(errors);
+    std::cerr.clear();
+}
+
+TEST(MemoryRunsOut, StringsAreAsBeforeOrAsAfter) {
+    const auto bytes = [](const char* text) {
+        return reinterpret_cast<const unsigned char*>(text);
+    };
+    const Wordlex text(bytes(" &^1^1:(&X)\n<param name=\"n\"/>.e... "), 35, &kUtf8);
+    const Wordlex value(kLong, 300);
+    const std::pair<int, std::function<void(Wordlex&)>> rows[] = {
+        {__LINE__, [&](Wordlex& w) { w.Replace(1, value); }},
+        {__LINE__, [&](Wordlex& w) { w.BackDoorParamSubstitute("n", value, 1); }},
+        {__LINE__, [](Wordlex& w) { w.TrimBlanks(); }},
+        {__LINE__, [](Wordlex& w) { w.RemoveAccelerators(); }},
+        {__LINE__, [](Wordlex& w) { w.ChangeNewLineCharacter(); }},
+        {__LINE__, [](Wordlex& w) { w.RemoveBadFilenameCharacters(); }},
+        {__LINE__, [](Wordlex& w) { w.RemoveExtension(); }},
+        {__LINE__, [](Wordlex& w) { w = Wordlex(-123456789L); }},
+        {__LINE__, [](Wordlex& w) { w.BackDoorAssignUnicode(TerminatedUnits(u"new").data()); }},
+        {__LINE__, [](Wordlex& w) { w.BackDoorAssignCString("n\xC3\xA9w", &kUtf8); }},
+        {__LINE__, [&](Wordlex& w) { w.BackDoorAssignPascalString(bytes("\3new"), &kUtf8); }},
+        {__LINE__,
+         [](Wordlex& w) {
+             char out[64];
+             w.BackDoorGetCString(out, sizeof out, true, &kUtf8);
+         }},
+    };
+    for (const auto& [line, change] : rows) {
+        SCOPED_TRACE(line);
+        Wordlex after = text;
+        change(after);
+        ForEveryFailingAllocation([&](auto inject) {
+            Wordlex changed = text;
+            const Outcome outcome = inject([&] { change(changed); });
+            EXPECT_NE(Outcome::kSwallowed, outcome);
+            EXPECT_EQ(Text(outcome == Outcome::kDone ? after : text), Text(changed));
+        });
+    }
+}
+
+TEST(MemoryRunsOut, HandlesStayUsable) {
+    const char* const key = "$$$/none=\xC3\xA9";
+    const std::pair<int, std::function<void(lexon::Wordlex&, lexon::Dictionary&)>> rows[] = {
+        {__LINE__, [](auto& w, auto&) { w.MakeFromUnicode(kLong, 300); }},
+        {__LINE__, [](auto& w, auto&) { w.MakeFromCString("new", 3, nullptr); }},
+        {__LINE__, [&](auto& w, auto& d) { w = d.Lookup(key, nullptr); }},
+        {__LINE__, [](auto& w, auto& d) { w = lexon::Dictionary(d).Accelerator(0U, nullptr); }},
+        {__LINE__, [](auto& w, auto& d) { d = lexon::Dictionary(true), w = lexon::Wordlex(42L); }},
+    };
+    for (const auto& [line, change] : rows) {
+        SCOPED_TRACE(line);
+        ForEveryFailingAllocation([&](auto inject) {
+            lexon::Wordlex text(7L);
+            lexon::Dictionary dictionary(true);
+            EXPECT_NE(Outcome::kSwallowed, inject([&] { change(text, dictionary); }));
+            text.AssignUnicode(TerminatedUnits(u"after").data());
+            EXPECT_EQ(5U, text.GetUnicodeSizeNoNull());
+            EXPECT_EQ(0U, dictionary.Add("/key", kLong, 1, nullptr, nullptr, 0));
+        });
+    }
+}
+
+}  // namespace
+}  // namespace hardening

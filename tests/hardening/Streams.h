@@ -1,0 +1,78 @@
+#pragma once
+#include <stdexcept>
+#include <streambuf>
+#include <string>
+
+namespace hardening {
+
+enum class Fault { kEnds, kThrows };
+
+// Delivers bytes one at a time up to a fault, over and over when it is sought back. Needs no
+// memory.
+class FaultySource : public std::streambuf {
+public:
+    // `content` is borrowed. The end that a seek tells is that of the whole content, or unknown.
+    FaultySource(std::string& content, std::size_t newFaultAt, Fault newFault, bool newTellsEnd)
+        : bytes(content), faultAt(newFaultAt), fault(newFault), tellsEnd(newTellsEnd) {}
+
+protected:
+    int_type underflow() override {
+        const std::size_t at = Position();
+        if (at == bytes.size()) return traits_type::eof();
+        if (at == faultAt) return Fail();
+        char* const next = bytes.data() + at;
+        setg(next, next, next + 1);
+        return traits_type::to_int_type(*next);
+    }
+    pos_type seekoff(off_type offset, std::ios_base::seekdir from,
+                     std::ios_base::openmode) override {
+        if (from == std::ios_base::end && !tellsEnd) return pos_type(off_type(-1));
+        const std::size_t base = from == std::ios_base::beg   ? 0
+                                 : from == std::ios_base::cur ? Position()
+                                                              : bytes.size();
+        char* const there = bytes.data() + base + offset;
+        setg(there, there, there);
+        return pos_type(there - bytes.data());
+    }
+    pos_type seekpos(pos_type position, std::ios_base::openmode mode) override {
+        return seekoff(position, std::ios_base::beg, mode);
+    }
+
+private:
+    std::size_t Position() const {
+        return gptr() ? static_cast<std::size_t>(gptr() - bytes.data()) : 0;
+    }
+    int_type Fail() const {
+        if (fault == Fault::kThrows) throw std::runtime_error("source");
+        return traits_type::eof();
+    }
+
+    std::string& bytes;
+    std::size_t faultAt;
+    Fault fault;
+    bool tellsEnd;
+};
+
+// Takes bytes up to a fault. Needs no memory of its own once `taken` has room.
+class FaultySink : public std::streambuf {
+public:
+    FaultySink(std::string& into, std::size_t newFaultAt, Fault newFault)
+        : taken(into), faultAt(newFaultAt), fault(newFault) {}
+
+protected:
+    int_type overflow(int_type unit) override {
+        if (taken.size() == faultAt) {
+            if (fault == Fault::kThrows) throw std::runtime_error("sink");
+            return traits_type::eof();
+        }
+        taken += traits_type::to_char_type(unit);
+        return unit;
+    }
+
+private:
+    std::string& taken;
+    std::size_t faultAt;
+    Fault fault;
+};
+
+}  // namespace hardening

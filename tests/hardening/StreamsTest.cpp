@@ -1,0 +1,102 @@
+#include "tests/hardening/Streams.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/hardening/Snapshot.h"
+#include "tests/wordlex/Images.h"
+#include "wordlex/functionality/Dictionary.h"
+
+namespace hardening {
+namespace {
+
+using lexon_private::Dictionary;
+using namespace std::string_literals;
+using namespace wordlex_tests;
+
+const std::string kText = "\"$$$/A=1\"\n\"$/bad\"\n\"/B=2\"\n\"/A=3\"";
+const std::string kWideText = "\xFF\xFE"s + "\"\0k\0=\0v\0\"\0\n\0a\0=\0b\0"s;
+
+void Fill(Dictionary& dictionary) { dictionary.Read("/A=old\n/Z=kept", 14, true); }
+
+std::string AfterRead(std::string content, std::size_t faultAt, Fault fault, bool tellsEnd,
+                      bool compact) {
+    FaultySource source(content, faultAt, fault, tellsEnd);
+    std::istream stream(&source);
+    Dictionary dictionary(compact);
+    Fill(dictionary);
+    dictionary.Read(&stream);
+    EXPECT_TRUE(dictionary.HasKey("/Z", nullptr) || dictionary.ReSetKeyEnumeration());
+    return Snapshot(dictionary);
+}
+
+TEST(FailingStream, ReadsAsOneThatEndsThere) {
+    for (const std::string& file :
+         {kText, kWideText, kLittleFile, kBigFile, kFileWithoutKeys, kVersion20File, kVersion15File,
+          kVersion15Utf8File, kVersion10File}) {
+        for (std::size_t at = 0; at <= file.size(); ++at) {
+            SCOPED_TRACE(testing::Message()
+                         << "byte " << at << " of " << testing::PrintToString(file));
+            const std::string whole = file.substr(0, at);
+            for (const bool compact : {false, true}) {
+                const std::string expected =
+                    AfterRead(whole, whole.size(), Fault::kEnds, true, compact);
+                for (const Fault fault : {Fault::kEnds, Fault::kThrows}) {
+                    for (const bool tellsEnd : {false, true})
+                        EXPECT_EQ(expected, AfterRead(file, at, fault, tellsEnd, compact));
+                }
+            }
+        }
+    }
+}
+
+TEST(FailingStream, ThatThrowsOnRequestLeavesTheDictionaryUsable) {
+    for (const std::string& file : {kText, kLittleFile, kVersion10File}) {
+        for (std::size_t at = 0; at < file.size(); ++at) {
+            SCOPED_TRACE(at);
+            std::string content = file;
+            FaultySource source(content, at, Fault::kThrows, true);
+            std::istream stream(&source);
+            stream.exceptions(std::ios_base::badbit);
+            Dictionary dictionary;
+            Fill(dictionary);
+            EXPECT_THROW(dictionary.Read(&stream), std::runtime_error);
+            EXPECT_TRUE(dictionary.HasKey("/Z", nullptr));
+            dictionary.Read(file.data(), static_cast<int>(file.size()), true);
+            EXPECT_TRUE(dictionary.HasKey("/B", nullptr));
+        }
+    }
+}
+
+TEST(FailingStream, TakesWhatIsWrittenUpToTheFault) {
+    Dictionary table;
+    Fill(table);
+    Dictionary compact(true);
+    Fill(compact);
+    compact.Read(kLittleFile.data(), static_cast<int>(kLittleFile.size()), true);
+    for (const Dictionary* const dictionary : {&table, &compact}) {
+        const std::string before = Snapshot(*dictionary);
+        for (const lexon::SaveType type :
+             {lexon::SaveType::kBinary, lexon::SaveType::kText, lexon::SaveType::kBinaryNoKeys}) {
+            const auto write = [&](std::size_t faultAt, Fault fault, std::string& taken) {
+                FaultySink sink(taken, faultAt, fault);
+                std::ostream stream(&sink);
+                dictionary->Serialize(stream, type, nullptr, lexon::EndianT::kBig, 0);
+                return stream.good();
+            };
+            std::string whole;
+            EXPECT_TRUE(write(std::string::npos, Fault::kEnds, whole));
+            for (std::size_t at = 0; at < whole.size(); ++at) {
+                for (const Fault fault : {Fault::kEnds, Fault::kThrows}) {
+                    SCOPED_TRACE(at);
+                    std::string taken;
+                    EXPECT_FALSE(write(at, fault, taken));
+                    EXPECT_EQ(whole.substr(0, at), taken);
+                }
+            }
+        }
+        EXPECT_EQ(before, Snapshot(*dictionary));
+    }
+}
+
+}  // namespace
+}  // namespace hardening
