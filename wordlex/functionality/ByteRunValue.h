@@ -13,8 +13,7 @@ public:
     // Always a new value, with no reference yet, that holds a copy of the bytes; nothing is looked
     // up. `bytes` may be null when `byteCount` is 0; `flag` is unused.
     static ByteRunValue* FindOrMake(const unsigned char* bytes, unsigned long byteCount, int flag);
-    // A new value of `byteCount` bytes for the caller to fill, through `bytes`, before it is
-    // shared.
+    // A new value of `byteCount` bytes, which the caller fills through `bytes` before sharing it.
     static ByteRunValue* MakeUninitialized(unsigned long byteCount, unsigned char*& bytes);
     // Gives `value` back; throws 'PARM' when it is null or has no holder.
     static ByteRunValue* ValidatePointer(ByteRunValue* value);
@@ -32,8 +31,9 @@ private:
     explicit ByteRunValue(unsigned long byteCount) noexcept : length(byteCount) {}
     ~ByteRunValue() override = default;
 
+    // Needs no delete of its own form, for the constructor cannot throw. It would have that of a
+    // sized delete, which must not match a placement new.
     static void* operator new(std::size_t objectSize, unsigned long byteCount);
-    static void operator delete(void* memory, unsigned long) noexcept { ::operator delete(memory); }
 
     const unsigned char* Bytes() const noexcept {
         return reinterpret_cast<const unsigned char*>(this + 1);
