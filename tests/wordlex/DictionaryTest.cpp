@@ -112,6 +112,33 @@ TEST(DictionaryText, LinesBecomeEntriesInBothStores) {
     }
 }
 
+TEST(DictionaryText, SplitsKeysAndUnquotedLinesAlike) {
+    for (const std::string whole :
+         {"$$$/A|b=c", "|", "$$$|", "k|", "|v", "a$|$", "$", "$$", "$a=b"}) {
+        const std::size_t bar = whole.find('|');
+        const bool isKey = bar != std::string::npos;
+        const std::string expected = whole.substr(whole.starts_with("$$$") ? 3 : 0);
+        std::string text = whole;
+        if (isKey) text.replace(bar, 1, bar + 1 < whole.size() ? "=" : "");
+        const auto line = TerminatedUnits(std::u16string(text.begin(), text.end()));
+        const char* key = nullptr;
+        const char* value = nullptr;
+        const unsigned short* lineKey = nullptr;
+        const unsigned short* lineValue = nullptr;
+        unsigned long sizes[4];
+        EXPECT_EQ(isKey, Dictionary::ParseLiteral(text.c_str(), key, sizes[0], value, sizes[1]));
+        EXPECT_EQ(isKey,
+                  Dictionary::ParseEntry(line.data(), lineKey, sizes[2], lineValue, sizes[3]));
+        if (!isKey) continue;
+        EXPECT_EQ(expected, std::string(key, sizes[0]) + '|' + std::string(value, sizes[1]));
+        EXPECT_EQ(std::u16string(expected.begin(), expected.end()),
+                  Text(lineKey, sizes[2]) + u'|' + Text(lineValue, sizes[3]));
+    }
+    const auto marks = TerminatedUnits(uR"(\"a")");
+    EXPECT_EQ(marks.data() + 3, Dictionary::FindQuoteMark(marks.data()));
+    EXPECT_EQ(nullptr, Dictionary::FindQuoteMark(marks.data() + 4));
+}
+
 TEST(DictionaryText, BadPrefixMakesInvalidAndTheRestIsKept) {
     for (const std::u16string_view bad :
          {u"\"$/Bad=x\"", u"\"$$=x\"", u"\"$\"", u"$", u"\"$$x$=\""}) {

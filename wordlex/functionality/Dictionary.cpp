@@ -84,7 +84,10 @@ FastArray& Dictionary::Store() {
 // Keys
 
 bool Dictionary::ParseKey(const char* text, Key& key) {
-    if (text == nullptr || *text == '\0') return false;
+    return text != nullptr && *text != '\0' && SplitLiteral(text, key);
+}
+
+bool Dictionary::SplitLiteral(const char* text, Key& key) {
     if (*text == '$') {
         if (text[1] != '$' || text[2] != '$') return false;
         text += 3;
@@ -99,7 +102,7 @@ bool Dictionary::ParseKey(const char* text, Key& key) {
 bool Dictionary::ParseLiteral(const char* text, const char*& key, unsigned long& keyLength,
                               const char*& value, unsigned long& valueLength) {
     Key parsed;
-    if (!ParseKey(text, parsed)) return false;
+    if (!SplitLiteral(text, parsed)) return false;
     key = reinterpret_cast<const char*>(parsed.bytes);
     keyLength = parsed.length;
     value = parsed.rest + (*parsed.rest == '=' ? 1 : 0);
@@ -353,16 +356,11 @@ void Dictionary::Read(std::istream& stream) {
 }
 
 void Dictionary::Read(const char* data, int size, bool copyKeys) {
-    constexpr int kShortestBinary = 25;
     if (data == nullptr || size <= 0) {
         valid = false;
     } else if (HasBinaryMagic(data, static_cast<std::size_t>(size))) {
         ImageReader image(data, data + size, lexon::EndianT::kHost);
-        if (size < kShortestBinary) {
-            valid = false;
-        } else {
-            ReadBinary(image, copyKeys);
-        }
+        ReadBinary(image, copyKeys);
     } else if (const auto reader = DictionaryReader::Make(data, data + size)) {
         ReadText(*reader, false);
     } else {

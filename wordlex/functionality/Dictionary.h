@@ -127,7 +127,8 @@ public:
     static bool ParseEntry(const unsigned short* line, const unsigned short*& key,
                            unsigned long& keyLength, const unsigned short*& value,
                            unsigned long& valueLength);
-    // The same split for a lookup key, which has no quotation marks; the value is the default text.
+    // The same split for the text of a lookup key, which has no quotation marks; the value is the
+    // default text.
     static bool ParseLiteral(const char* text, const char*& key, unsigned long& keyLength,
                              const char*& value, unsigned long& valueLength);
     // Stores one line of a text dictionary, converted; clears the valid flag when it has no key.
@@ -141,7 +142,8 @@ private:
         const char* rest = nullptr;  // what ends the key: "=" and the default text, or the NUL
     };
 
-    static bool ParseKey(const char* text, Key& key);
+    static bool ParseKey(const char* text, Key& key);  // false, too, for null and ""
+    static bool SplitLiteral(const char* text, Key& key);
     // The forms of lines whose end is known.
     static const unsigned short* FindQuoteMark(const unsigned short* begin,
                                                const unsigned short* end);  // `end` when none
