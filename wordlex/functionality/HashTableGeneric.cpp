@@ -163,15 +163,14 @@ std::uint32_t HashTableGeneric::SerializeBinary(std::ostream& out,
     out.write(reinterpret_cast<const char*>(&bucketCount), sizeof bucketCount);
     const auto index = out.tellp();
     writeIndex();  // holds the place until the sizes are known
-    std::uint32_t written = 4;
     auto size = sizes.begin();
     ForEach([&](const HashItem& item) {
-        written += * size++ = item.SerializeKey(out, true, encoding);
-        written += * size++ = item.SerializeValue(out, true, encoding, lexon::EndianT::kHost);
+        *size++ = item.SerializeKey(out, true, encoding);
+        *size++ = item.SerializeValue(out, true, encoding, lexon::EndianT::kHost);
     });
     out.seekp(index);
     writeIndex();
-    return written;
+    return std::accumulate(sizes.begin(), sizes.end(), std::uint32_t{4});
 }
 
 std::uint32_t HashTableGeneric::Serialize2(std::ostream& out, bool binary,

@@ -1,5 +1,6 @@
-#include "wordlex/functionality/Dictionary.h"
+#include <utility>
 
+#include "wordlex/functionality/Dictionary.h"
 #include "wordlex/staticlib/Wordlexlib.h"
 
 namespace lexon {
@@ -27,10 +28,7 @@ Dictionary& Dictionary::operator=(const Dictionary& other) {
 
 Dictionary::~Dictionary() { delete dictionary; }
 
-void Dictionary::Release(char** text) {
-    delete[] * text;
-    *text = nullptr;
-}
+void Dictionary::Release(char** text) { delete[] std::exchange(*text, nullptr); }
 
 Wordlex Dictionary::Lookup(const char* key, const EncodingInfo* encoding) {
     return Wrap(dictionary->Lookup(key, encoding));
