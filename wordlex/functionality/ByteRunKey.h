@@ -4,9 +4,8 @@
 namespace lexon_private {
 
 // A byte-string key: no case folding, no encoding, no terminator.
-// Owns:     its bytes when made with `copy` or copied from another key; otherwise it borrows them
-// and
-//           serves as a probe for HashTableGeneric::Find and Remove.
+// Owns:     its bytes when made with `copy` or copied from another key; otherwise it borrows them,
+//           to serve as a probe for HashTableGeneric::Find and Remove.
 // Equality: equal bytes.
 class ByteRunKey : public HashItem {
 public:

@@ -14,8 +14,8 @@ namespace lexon_private {
 class DictionaryReader {
 public:
     // Chooses by the first two bytes: FF FE and FE FF are the marks of UTF-16 and are passed over;
-    // anything else is 8-bit text. The stream's state is cleared and, for 8-bit text, it moves back
-    // to its start. A null stream gives a reader without lines.
+    // anything else is 8-bit text, for which the stream's state is cleared and it moves back to its
+    // start. A null stream gives a reader without lines.
     static std::unique_ptr<DictionaryReader> Make(std::istream* stream);
     // The same over an image; null when it holds fewer than two bytes.
     static std::unique_ptr<DictionaryReader> Make(const char* begin, const char* end);

@@ -46,9 +46,8 @@ public:
     // The id of the entry with exactly this key, or kNoId.
     std::uint32_t FindId(const unsigned char* key, unsigned long keyLength) const;
     bool ValidId(std::uint32_t id) const;
-    std::uint32_t LiveCount() const noexcept {
-        return liveCount;
-    }  // neither removed nor overridden
+    // Entries neither removed nor overridden.
+    std::uint32_t LiveCount() const noexcept { return liveCount; }
 
     // A copy of the value, made in one allocation; empty for an invalid id.
     UnicodeRun GetValue(std::uint32_t id) const;

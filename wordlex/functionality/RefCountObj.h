@@ -4,11 +4,9 @@
 namespace lexon_private {
 
 // Base of every value that is shared by reference count.
-// Owns:    itself: the holder that drops the last reference deletes it. The destructor is hidden,
-// so
+// Owns:    itself: the holder that drops the last reference deletes it. The destructor is hidden so
 //          that neither a stray delete nor a value on the stack compiles.
-// Threads: none. Counts are plain integers; holders in several threads need one lock around all
-// use.
+// Threads: none. Counts are plain integers; holders in several threads need one lock around them.
 class RefCountObj {
 public:
     RefCountObj() noexcept = default;

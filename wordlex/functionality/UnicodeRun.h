@@ -9,9 +9,8 @@ namespace lexon_private {
 
 // Immutable, shared UTF-16 text: a ByteRun of code units in host byte order, not terminated.
 // Owns:     one reference to the shared value; copies and assignments share it.
-// Equality: identity of the shared value, as ByteRun; all empty runs are equal.
-// UnicodeUtil::Compare
-//           compares text.
+// Equality: identity of the shared value, as ByteRun; all empty runs are equal. Texts are compared
+//           by UnicodeUtil::Compare.
 // Threads:  none. The process-wide empty run is counted too, so runs in use by several threads need
 //           one lock even when their texts have nothing to do with each other.
 class UnicodeRun {

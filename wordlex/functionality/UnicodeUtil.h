@@ -57,8 +57,7 @@ public:
 
     static unsigned long ToUnicodeSize(const unsigned char* bytes, unsigned long byteCount,
                                        EncodingInfo* encoding);
-    // Replaces the buffer's units. On a failed conversion their number is set, their values are
-    // not.
+    // Replaces the buffer's units. A failed conversion sets their number, not their values.
     static void StringToUnicode(const unsigned char* bytes, unsigned long byteCount,
                                 Buffer<unsigned short>& units, EncodingInfo* encoding);
     // Bytes with one for a terminator.

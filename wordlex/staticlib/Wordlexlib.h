@@ -12,10 +12,9 @@
 // Failure:  look-ups and edits report it by value: an empty string, false, null or all bits set.
 //           lexon::ASErrException is thrown for conversion errors, and for short destinations where
 //           the caller asked for it. Exhausted memory throws std::bad_alloc.
-// Threads:  nothing locks. Even const members of a dictionary write scratch state, and the
-// reference
-//           counts behind shared text are plain integers: guard a dictionary, the main dictionary,
-//           and every string that came from them with one lock.
+// Threads:  nothing locks. Even const members of a dictionary write scratch state, and shared text
+//           is counted in plain integers: guard a dictionary, the main dictionary, and every string
+//           that came from them with one lock.
 
 #include <cstdint>
 #include <exception>
