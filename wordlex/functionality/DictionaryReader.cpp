@@ -71,7 +71,7 @@ void DictionaryReader::ReadDataStream(std::istream* stream, char* buffer, long* 
     long got = 0;
     while (got < *count && stream->peek() != std::istream::traits_type::eof()) {
         const std::streamsize ready = stream->readsome(buffer + got, *count - got);
-        if (ready == 0) stream->get(buffer[got]);
+        if (ready == 0 && !stream->get(buffer[got])) break;
         got += std::max<long>(ready, 1);
     }
     *count = got;
