@@ -90,9 +90,15 @@ struct ReturnAtThreadExit {
         for (std::size_t i = 0; i < kSizeClasses; ++i)
             sharedLists[i].Return(threadLists[i].free, std::exchange(threadLists[i].count, 0));
     }
-    void Arm() const noexcept {}  // the first use of a thread-local object registers its destructor
+    void Touch() const noexcept {}
 };
 thread_local constinit ReturnAtThreadExit returnAtThreadExit;
+
+// The first use of a thread-local object registers its destructor; once that has run, it is not
+// touched any more.
+void ArmReturn() {
+    if (!threadEnds) returnAtThreadExit.Touch();
+}
 
 bool IsPooled(std::size_t bytes) { return kPooled && bytes <= SmallBlocks::kLargestBlock; }
 
@@ -107,7 +113,7 @@ void* SmallBlocks::Allocate(std::size_t bytes) {
     const std::size_t index = SizeClassOf(bytes);
     ThreadList& list = threadLists[index];
     if (list.count == 0) {
-        returnAtThreadExit.Arm();
+        ArmReturn();
         list.count =
             sharedLists[index].Fill(list.free, (index + 1) * kGranule, threadEnds ? 1 : kBatch);
     }
@@ -119,7 +125,7 @@ void SmallBlocks::Free(void* block, std::size_t bytes) noexcept {
     if (!IsPooled(bytes)) return ::operator delete(block);
     const std::size_t index = SizeClassOf(bytes);
     ThreadList& list = threadLists[index];
-    if (list.count == 0) returnAtThreadExit.Arm();
+    if (list.count == 0) ArmReturn();
     list.free.Push(block);
     ++list.count;
     if (list.count <= 2 * kBatch && !threadEnds) return;
