@@ -1,6 +1,5 @@
 #include "startup/VEXAInitializer.h"
 
-#include <cstring>
 #include <optional>
 
 #include "host/FWR/Application.h"

@@ -21,7 +21,6 @@ using UniChar = UInt16;
 using StringPtr = unsigned char*;
 
 using CFIndex = long;
-using CFTypeID = unsigned long;
 using CFTypeRef = const void*;
 using CFPropertyListRef = CFTypeRef;
 using CFAllocatorRef = const struct OpaqueCFAllocator*;
@@ -40,9 +39,6 @@ inline CFRange CFRangeMake(CFIndex location, CFIndex length) { return {location,
 
 CFTypeRef CFRetain(CFTypeRef object);  // gives `object` back
 void CFRelease(CFTypeRef object);      // `object` is never null
-CFTypeID CFGetTypeID(CFTypeRef object);
-CFTypeID CFStringGetTypeID();
-CFTypeID CFArrayGetTypeID();
 
 extern const CFAllocatorRef kCFAllocatorDefault;  // null
 extern const CFAllocatorRef kCFAllocatorNull;     // as a deallocator: the text stays the caller's

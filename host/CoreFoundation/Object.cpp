@@ -71,10 +71,6 @@ void CFRelease(CFTypeRef object) {
     }
 }
 
-CFTypeID CFGetTypeID(CFTypeRef object) { return static_cast<CFTypeID>(HeadOf(object).type); }
-CFTypeID CFStringGetTypeID() { return static_cast<CFTypeID>(host::cf::Type::kString); }
-CFTypeID CFArrayGetTypeID() { return static_cast<CFTypeID>(host::cf::Type::kArray); }
-
 CFIndex CFArrayGetCount(CFArrayRef array) { return static_cast<CFIndex>(array->values.size()); }
 
 const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index) {

@@ -7,7 +7,7 @@
 
 namespace host::cf {
 
-enum class Type : CFTypeID { kString = 7, kArray = 19 };
+enum class Type { kString, kArray };
 
 // What every object begins with, so that CFRetain and CFRelease find it behind any reference.
 // Threads: the count is atomic; the last release sees all that other holders did before theirs.

@@ -1,6 +1,8 @@
 #include "host/vexacore/Debug.h"
 
 #include <mutex>
+#include <new>
+#include <utility>
 
 namespace vexacore::debug {
 
@@ -8,7 +10,6 @@ namespace {
 
 std::mutex eventsMutex;
 std::vector<HostEvent> events;
-std::size_t lostEvents = 0;
 
 std::mutex marksMutex;
 std::vector<Mark> marks;
@@ -26,19 +27,13 @@ void HostEvents::Append(std::string_view text) noexcept {
     const std::lock_guard lock(eventsMutex);
     try {
         events.push_back({Clock::now(), std::string(text)});
-    } catch (const std::bad_alloc&) {
-        ++lostEvents;
+    } catch (const std::bad_alloc&) {  // lost
     }
 }
 
 std::vector<HostEvent> HostEvents::All() {
     const std::lock_guard lock(eventsMutex);
     return events;
-}
-
-std::size_t HostEvents::LostCount() noexcept {
-    const std::lock_guard lock(eventsMutex);
-    return lostEvents;
 }
 
 void GlobalTimeMeasurement::BeginMeasurement(const std::string& name, const std::string& label,

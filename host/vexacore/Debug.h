@@ -4,7 +4,6 @@
 // Threads:  all calls from any thread.
 
 #include <chrono>
-#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,11 +21,9 @@ struct HostEvent {
 // mark of a measurement.
 class HostEvents {
 public:
-    // Never throws, so that destructors can call it; an event for which there is no memory is lost
-    // and counted.
+    // Never throws, so that destructors can call it; an event for which there is no memory is lost.
     static void Append(std::string_view text) noexcept;
     static std::vector<HostEvent> All();
-    static std::size_t LostCount() noexcept;
 };
 
 enum class MarkKind { kBegin, kIntermediate, kEnd };
