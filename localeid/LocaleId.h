@@ -3,9 +3,9 @@
 //
 // Invariant: as parsed, either all three fields are empty or `language` is not, and each field has
 //            the length and case that its comment gives.
-// Equality:  by name, see isEqual and hasSameParent; a script that getName leaves out plays no
-// role. Failure:   a name that cannot be parsed leaves all fields empty. All such identifiers are
-// equal. Threads:   a plain value.
+// Equality:  by name, see isEqual and hasSameParent; a script that getName leaves out has no part.
+// Failure:   a name that cannot be parsed leaves all fields empty. All such identifiers are equal.
+// Threads:   a plain value.
 
 #include <string>
 

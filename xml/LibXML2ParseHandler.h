@@ -20,9 +20,10 @@ namespace vexacore::xml {
 // Entities: internal ones are replaced by their text. References to external ones are refused:
 //           nothing but the given document is ever opened, and nothing process-wide is changed
 //           for it.
-// Limits:   a document of more than 2 GiB is refused. A document whose entities and default
-//           attributes yield more than 1 MB plus five times its size is given up, and so is one
-//           that nests deeper than libxml2 allows (256 elements).
+// Limits:   a document of more than 2 GiB is refused. A document that yields more than 1 MB plus
+//           five times its size (through entities, default attributes or namespace URIs of over
+//           1 KB that many names repeat) is given up, and so is one that nests deeper than libxml2
+//           allows (256 elements).
 // Failure:  kParseFailed for a document that cannot be read as XML and for an exception of the
 //           handler, which is discarded; the events up to there have been delivered, none follows.
 //           Errors of the file layer leave ParseDocument as exceptions.

@@ -9,9 +9,8 @@ namespace vexacore::config {
 // The application's last help against exhausted memory: a reserve that is given back to the system
 // once, so that the application can still save and say what happened.
 //
-// Owns:     the reserve. The host's reference to the installed manager is borrowed: whoever
-// installs
-//           one uninstalls it before deleting it.
+// Owns:     the reserve. The host's reference to the installed manager is borrowed: who
+//           installs one uninstalls it before deleting it.
 // Failure:  the constructor throws std::bad_alloc.
 // Threads:  install and uninstall on the launcher's thread; the reserve may be asked for from any.
 class ErrorManager {

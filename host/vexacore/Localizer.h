@@ -10,7 +10,7 @@ namespace vexacore::config {
 // What the host asks for every text that the user sees. The application derives its own.
 //
 // Owns:     nothing. The host's reference to the installed localizer is borrowed: whoever installs
-//           one uninstalls it before deleting it.
+//           one uninstalls it before deleting it, and deletes it when no thread still asks it.
 // Threads:  install and uninstall on the launcher's thread; the installed localizer must answer
 //           from any thread.
 class Localizer : private boost::noncopyable {

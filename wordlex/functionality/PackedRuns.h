@@ -10,9 +10,10 @@ namespace lexon_private {
 
 // Numbered strings of one array of a compact store: bytes of keys, or UTF-16 units of texts.
 // Strings from an image lie packed in one area; one that is added at run time or has outgrown its
-// place lies in a buffer of its own. Units:     lengths and offsets are bytes. Those of texts are
-// even, so that units are aligned. Invariant: every string lies inside its area or buffer: whoever
-// reads one need not check.
+// place lies in a buffer of its own.
+//
+// Units:     lengths and offsets are bytes. Those of texts are even, so that units are aligned.
+// Invariant: every string lies inside its area or buffer: whoever reads one need not check.
 template <class Unit>
 class PackedRuns {
 public:
