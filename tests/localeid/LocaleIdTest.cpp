@@ -5,6 +5,8 @@
 #include <cctype>
 #include <string>
 
+#include "localeid/LocaleList.h"
+
 namespace {
 
 std::string Describe(const LocaleId& id) {
@@ -73,6 +75,25 @@ TEST(LocaleId, ComparesByFullAndByParentName) {
     EXPECT_STREQ("same parent", compare("pt_BR", "pt_PT"));
     EXPECT_STREQ("differ", compare("zh_CN", "zh_TW"));
     EXPECT_STREQ("equal", compare("english", "e"));
+}
+
+TEST(LocaleList, SplitsAtAnyRunOfOtherBytesAndAppendsNamesAsTheyAre) {
+    const auto check = [](const char* names, std::size_t count, const std::string& entries) {
+        CLocaleList list("former");
+        EXPECT_EQ(count, list.FromString(names));
+        EXPECT_EQ(count == 0, list.empty());
+        list.AddLocale(" a;B ");
+        ASSERT_EQ(count + 1, list.size());
+        std::string found;
+        for (std::size_t i = 0; i < list.size(); ++i)
+            found += "[" + list[i] + "]";
+        EXPECT_EQ(entries + "[ a;B ]", found);
+    };
+    check("en_US, fr_FR;;de", 3, "[en_US][fr_FR][de]");
+    check(";DE;de;DE;", 3, "[DE][de][DE]");
+    check("-_-.english\xC3\xA9 0", 3, "[-_-][english][0]");
+    for (const char* none : {",,,", "", static_cast<const char*>(nullptr)})
+        check(none, 0, "");
 }
 
 }  // namespace

@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <new>
 #include <set>
 #include <string>
 #include <vector>
@@ -12,22 +10,11 @@
 #include "host/CoreFoundation/LiveObjects.h"
 #include "localeid/MuiLibImpl.h"
 #include "localeid/MuiMessages.h"
+#include "tests/Environment.h"
+#include "tests/FailingAllocations.h"
 
 extern "C" std::size_t UseMuiLibFromC(const char** order, const char** locales,
                                       const wchar_t* messages[2]);
-
-namespace {
-long allocationsLeft = -1;  // until one fails; negative for no limit
-}
-
-void* operator new(std::size_t size) {
-    if (allocationsLeft == 0) throw std::bad_alloc();
-    if (allocationsLeft > 0) --allocationsLeft;
-    if (void* memory = std::malloc(size)) return memory;
-    throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace {
 
@@ -49,15 +36,16 @@ struct Locales {
     std::vector<const char*> array;
 };
 
-void Prefer(const std::string& languages) { setenv("LANGUAGE", languages.c_str(), 1); }
+const MuiMessageRow& RowOf(const std::string& locale) {
+    return *std::ranges::find(allMessages, locale, &MuiMessageRow::locale);
+}
+
+void Prefer(const std::string& languages) { SetEnvironment("LANGUAGE=" + languages); }
 
 // Every test begins and ends without a forced order and leaves no CoreFoundation object alive.
 class MuiLib : public testing::Test {
 protected:
-    MuiLib() {
-        for (const char* name : {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"})
-            unsetenv(name);
-    }
+    MuiLib() { SetEnvironment(""); }
     ~MuiLib() override {
         MuiForceOrderOfOsLocales(nullptr);
         EXPECT_EQ(liveObjects, host::cf::LiveObjectCount());
@@ -149,7 +137,7 @@ TEST_F(MuiLib, HasTextsOfItsOwnInEachLanguage) {
         }
     }
     EXPECT_EQ(2 * kMessageLanguages, texts.size());
-    const MuiMessageRow& english = allMessages[6];
+    const MuiMessageRow& english = RowOf("en");
     EXPECT_EQ(
         std::wstring(english.localeUnavailable) + L"\n" + english.unsupportedSystemLocale,
         L"The localized resource files for this application could not be loaded. Please "
@@ -161,16 +149,13 @@ TEST_F(MuiLib, HasTextsOfItsOwnInEachLanguage) {
 }
 
 TEST_F(MuiLib, AnswersInTheBestLanguageThatIsThere) {
-    const auto rowOf = [](const std::string& locale) {
-        return *std::ranges::find(allMessages, locale, &MuiMessageRow::locale);
-    };
-    const auto check = [&](const char* preferred, const char* unavailable, const char* supported,
-                           const char* sorted, const char* unsupported) {
+    const auto check = [](const char* preferred, const char* unavailable, const char* supported,
+                          const char* sorted, const char* unsupported) {
         SCOPED_TRACE(preferred);
         Prefer(preferred);
         Locales locales(supported);
-        EXPECT_EQ(rowOf(unavailable).localeUnavailable, MuiGetLocaleUnavailableErrorMessage());
-        EXPECT_EQ(rowOf(unsupported).unsupportedSystemLocale,
+        EXPECT_EQ(RowOf(unavailable).localeUnavailable, MuiGetLocaleUnavailableErrorMessage());
+        EXPECT_EQ(RowOf(unsupported).unsupportedSystemLocale,
                   MuiGetUnsupportedSystemLocaleErrorMessage(*locales));
         EXPECT_EQ(sorted, locales.Text());
     };
@@ -181,7 +166,7 @@ TEST_F(MuiLib, AnswersInTheBestLanguageThatIsThere) {
     check("pt_PT:de", "pt_BR", "ja de", "de ja", "de");
     check("zh_TW", "zh_Hant", "en zh_HK", "zh_HK en", "zh_Hant");
     check("zh_SG", "zh_Hans", "xx zh_CN", "zh_CN xx", "zh_Hans");
-    EXPECT_EQ(rowOf("ar").unsupportedSystemLocale,
+    EXPECT_EQ(RowOf("ar").unsupportedSystemLocale,
               MuiGetUnsupportedSystemLocaleErrorMessage(nullptr));
 }
 
@@ -190,35 +175,31 @@ TEST_F(MuiLib, IsUsableFromC) {
     const wchar_t* messages[2] = {};
     EXPECT_EQ(1u, UseMuiLibFromC(*order, *locales, messages));
     EXPECT_EQ("de fr", locales.Text());
-    EXPECT_EQ(allMessages[4].localeUnavailable, messages[0]);
-    EXPECT_EQ(allMessages[4].unsupportedSystemLocale, messages[1]);
+    EXPECT_EQ(RowOf("de").localeUnavailable, messages[0]);
+    EXPECT_EQ(RowOf("de").unsupportedSystemLocale, messages[1]);
 }
 
 // Every allocation fails once: arrays keep each pointer, a forced order is the old or the new one.
 TEST_F(MuiLib, LosesNothingWhenMemoryRunsOut) {
     Locales order("name-too-long-for-a-short-string pt_PT de");
     Prefer("fi:this-language-has-an-endless-name");
-    long limit = 0;
-    for (bool done = false; !done; ++limit) {
-        MuiForceOrderOfOsLocales(*Locales("sv"));
-        Locales locales("ar de another-name-too-long-for-it pt_BR");
-        const std::vector<const char*> original = locales.array;
-        allocationsLeft = limit;
-        try {
-            std::string fromSystem;
-            GetMacOsLang(fromSystem);
-            MuiForceOrderOfOsLocales(*order);
-            MuiGetUnsupportedSystemLocaleErrorMessage(*locales);
-            done = true;
-        } catch (const std::bad_alloc&) {
-        }
-        allocationsLeft = -1;
+    MuiForceOrderOfOsLocales(*Locales("sv"));
+    Locales locales("ar de another-name-too-long-for-it pt_BR");
+    const std::vector<const char*> original = locales.array;
+    const auto act = [&] {
+        std::string fromSystem;
+        GetMacOsLang(fromSystem);
+        MuiForceOrderOfOsLocales(*order);
+        MuiGetUnsupportedSystemLocaleErrorMessage(*locales);
+    };
+    FailEachAllocation(act, [&](bool) {
         EXPECT_EQ(liveObjects, host::cf::LiveObjectCount());
         const std::string forced = getOsLangPref();
         EXPECT_TRUE(forced == "sv" || forced == "name-too-long-for-a-short-string;pt_PT;de");
-        EXPECT_TRUE(std::ranges::is_permutation(original, locales.array)) << limit;
-    }
-    EXPECT_GT(limit, 10);  // or nothing much was tried
+        EXPECT_TRUE(std::ranges::is_permutation(original, locales.array));
+        MuiForceOrderOfOsLocales(*Locales("sv"));
+        locales.array = original;
+    });
 }
 
 }  // namespace
