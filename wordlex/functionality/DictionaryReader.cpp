@@ -67,9 +67,10 @@ void DictionaryReader::ReadDataStream(std::istream* stream, char* buffer, long* 
         *count = 0;
         return;
     }
-    // Not one read of all: that would lose what the stream delivers ahead of a fault.
+    // No more at a time than the stream promises: a longer read that meets a fault would lose what
+    // was delivered ahead of it. A file promises all that is left of it.
     long got = 0;
-    while (got < *count && stream->peek() != std::istream::traits_type::eof()) {
+    while (got < *count) {
         const std::streamsize ready = stream->readsome(buffer + got, *count - got);
         if (ready == 0 && !stream->get(buffer[got])) break;
         got += std::max<long>(ready, 1);
