@@ -1,0 +1,34 @@
+#pragma once
+#include <map>
+#include <string>
+
+#include "tools/Findings.h"
+#include "tools/Text.h"
+
+namespace tool {
+
+// The entry of a key as the loader has it at the end of the file.
+struct Definition {
+    Place place;  // of the key; in binary files the file alone
+    Text value;
+};
+
+// A file that `check` has gone through.
+struct CheckedFile {
+    std::string name;
+    std::map<std::string, Definition> entries;
+};
+
+// What the loader would trip over or silently change in a file of either kind.
+CheckedFile CheckFile(const std::string& name, const std::string& bytes, Findings& findings);
+CheckedFile CheckText(const std::string& name, const std::string& bytes, Findings& findings);
+CheckedFile CheckBinary(const std::string& name, const std::string& bytes, Findings& findings);
+
+// Accelerators that entries beside each other share.
+void CheckAccelerators(const CheckedFile& file, Findings& findings);
+// What tells a translation from its reference. What a line of the reference has ignored (a name
+// that is not translated) is ignored in its translations.
+void CheckAgainst(const CheckedFile& file, const CheckedFile& reference,
+                  const Findings& ofReference, Findings& findings);
+
+}  // namespace tool

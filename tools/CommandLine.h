@@ -1,0 +1,8 @@
+#pragma once
+
+namespace tool {
+
+// Runs the command with the arguments of main; gives its exit code.
+int RunCommand(int argc, char** argv);
+
+}  // namespace tool

@@ -1,0 +1,42 @@
+#pragma once
+#include <string>
+#include <vector>
+
+#include "tools/Text.h"
+#include "wordlex/functionality/Dictionary.h"
+
+namespace tool {
+
+// Which of the dictionary's stores a file goes to, and what of other files that hides.
+enum class Kind : std::uint8_t { kText, kVersion1, kVersion2 };
+Kind KindOf(const std::string& bytes);
+
+void Read(lexon_private::Dictionary& dictionary, const std::string& bytes);
+
+struct Entry {
+    std::uint32_t id;  // all bits set where the dictionary has none
+    bool keyed;
+    std::string key;
+    Text value;
+    Text accelerator;
+};
+
+// What the application has of one file: every key once.
+struct Content {
+    std::string name;
+    Kind kind = Kind::kText;
+    std::string form;    // "text, UTF-16, little-endian"
+    std::string locale;  // empty when there is none
+    std::uint64_t fileSize = 0;
+    std::vector<Entry> entries;  // as they are written
+};
+
+// Throws a Failure for a file that the application would refuse, and for entries that are too long
+// for a binary file.
+Content Load(const std::string& name);
+Content Load(const std::string& name, const std::string& bytes);
+
+// The name of an entry in messages: its key, or its id when it has none.
+std::string ShowName(const Entry& entry);
+
+}  // namespace tool

@@ -1,0 +1,43 @@
+#pragma once
+// Text on its way between the library's UTF-16 and the command's UTF-8.
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "wordlex/functionality/Wordlex.h"
+
+namespace tool {
+
+// A text of the library's, compared by its units.
+using Text = lexon_private::Wordlex;
+using Units = std::span<const unsigned short>;
+
+inline Units UnitsOf(const lexon_private::UnicodeRun& text) {
+    return {text.GetData(), text.GetLength()};
+}
+
+// An unpaired surrogate, which UTF-8 cannot hold, becomes '?'.
+std::string Utf8(Units units);
+Text FromUtf8(std::string_view text);
+
+// Whether the surrogate at `i`, if it is one, lacks its other half.
+bool IsUnpairedSurrogate(Units units, std::size_t i);
+// The first unpaired surrogate, or the length.
+std::size_t FindUnpairedSurrogate(Units units);
+// Characters, not units: a surrogate pair is one.
+std::uint64_t CountCharacters(Units units);
+
+// "U+00E9"
+std::string CodePoint(unsigned short unit);
+// The bytes of a key as text: each is the character of the same number; control characters escaped.
+std::string ShowKey(std::string_view key);
+// A text in one line: the way its author would write it, in quotation marks.
+std::string Show(Units units);
+// JSON strings, in quotation marks. Bytes of a key are characters of the same number.
+std::string JsonString(std::string_view utf8);
+std::string JsonString(Units units);
+std::string JsonKey(std::string_view key);
+
+}  // namespace tool

@@ -1,0 +1,63 @@
+#include <algorithm>
+
+#include "tools/CheckedFile.h"
+#include "tools/LineCheck.h"
+#include "tools/Progress.h"
+
+namespace tool {
+
+namespace {
+
+constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+
+// Whether 8-bit text is UTF-16 that lacks its mark: of the text's first half kilobyte every other
+// byte is mostly zero, and none of the bytes between them.
+bool LooksLikeUtf16(std::string_view bytes) {
+    constexpr std::size_t kLookedAt = 512;
+    bytes = bytes.substr(0, std::min(kLookedAt, bytes.size() / 2 * 2));
+    std::size_t zeros[2] = {};
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        if (bytes[i] == '\0') ++zeros[i % 2];
+    return std::min(zeros[0], zeros[1]) == 0 && 4 * std::max(zeros[0], zeros[1]) > bytes.size();
+}
+
+void CheckEnd(const TextScanner& scanner, const std::string& name, Findings& findings) {
+    const TextScanner::End end = scanner.AtEnd();
+    const Place place{name, end.line, end.column};
+    const std::string left = std::to_string(end.bytesLeft);
+    if (end.byZero) {
+        findings.Add(
+            Rule::kZero, place,
+            "a zero ends the file here; the loader does not read the " + left + " bytes behind it");
+    } else if (end.bytesLeft != 0) {
+        findings.Add(Rule::kOddByte, place, "UTF-16 with an odd byte at its end, which is dropped");
+    }
+}
+
+}  // namespace
+
+CheckedFile CheckText(const std::string& name, const std::string& bytes, Findings& findings) {
+    CheckedFile file{name, {}};
+    TextScanner scanner(bytes);
+    if (!scanner.IsUtf16() && LooksLikeUtf16(bytes)) {
+        findings.Add(Rule::kUtf16WithoutMark, {name, 1, 1},
+                     "UTF-16 without its byte-order mark: the loader reads it as 8-bit text and "
+                     "stops at its first zero byte");
+        return file;
+    }
+    if (bytes.starts_with(kUtf8Mark)) {
+        findings.Add(Rule::kUtf8Mark, {name, 1, 1},
+                     "a UTF-8 mark, which the loader takes for text of the first line");
+    }
+    LineCheck lines(scanner, file, findings);
+    Progress progress("checking " + name, bytes.size());
+    while (scanner.Next()) {
+        lines.Check();
+        progress.Reach(scanner.Offset());
+    }
+    lines.Finish();
+    CheckEnd(scanner, name, findings);
+    return file;
+}
+
+}  // namespace tool
