@@ -73,7 +73,8 @@ private:
         return std::ranges::find(verbs, name, &CLI::App::get_name) != verbs.end();
     }
 
-    CLI::App& Verb(const std::string& name, const std::string& help, std::function<int()> work) {
+    CLI::App& Verb(const std::string& name, const std::string& help,
+                   const std::function<int()>& work) {
         CLI::App* const verb = app.add_subcommand(name, help);
         verb->add_option("--encoding", encoding, "Encoding of 8-bit text dictionaries")
             ->check(CLI::IsMember(EncodingNames(), CLI::ignore_case))

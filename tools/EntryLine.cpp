@@ -23,14 +23,18 @@ bool IsDigit(Units units, std::size_t i) {
 
 bool IsControl(unsigned short unit) { return unit < 0x20 || (unit >= 0x7F && unit < 0xA0); }
 
-// Characters that an editor hides, and those that another reader or UTF-8 would change: controls,
-// marks of width and direction, line and paragraph separators, byte-order marks, lone surrogates.
+// What no other escape protects, characters that an editor hides, and those that another reader or
+// UTF-8 would change: controls, marks of width and direction, line and paragraph separators,
+// byte-order marks, lone surrogates.
 bool NeedsNumber(Units value, std::size_t i) {
     constexpr struct {
         unsigned short first, last;
     } kHidden[] = {{0x200B, 0x200F}, {0x2028, 0x202E}, {0x2060, 0x206F},
                    {0xFEFF, 0xFEFF}, {0xFFF9, 0xFFFB}, {0xFFFE, 0xFFFF}};
     const unsigned short unit = value[i];
+    const unsigned short next = i + 1 < value.size() ? value[i + 1] : 0;
+    // Doubled ahead of the closing mark, "\" would escape the mark.
+    if ((unit == u'\\' && next == 0) || (unit == u'#' && next == u'{')) return true;
     return IsControl(unit) || IsUnpairedSurrogate(value, i) ||
            std::ranges::any_of(
                kHidden, [unit](auto range) { return unit >= range.first && unit <= range.last; });
@@ -49,16 +53,13 @@ unsigned short BackslashEscape(unsigned short unit) {
 void AppendValue(Line& line, Units value) {
     for (std::size_t i = 0; i < value.size(); ++i) {
         const unsigned short unit = value[i];
-        const unsigned short next = i + 1 < value.size() ? value[i + 1] : 0;
         if (const unsigned short escape = BackslashEscape(unit); escape != 0) {
             line.push_back(u'\\');
             line.push_back(escape);
-        } else if (unit == u'\\' && next == 0) {
-            AppendNumber(line, unit);  // "\\" ahead of the closing mark would escape the mark
+        } else if (NeedsNumber(value, i)) {
+            AppendNumber(line, unit);
         } else if (unit == u'\\' || (unit == u'^' && !IsDigit(value, i + 1))) {
             line.insert(line.end(), 2, unit);
-        } else if ((unit == u'#' && next == u'{') || NeedsNumber(value, i)) {
-            AppendNumber(line, unit);
         } else {
             line.push_back(unit);
         }

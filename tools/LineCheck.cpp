@@ -152,9 +152,9 @@ void LineCheck::CheckKey(const Parts& parts) {
             CodePoint(*wide) + " in a key: its low byte is kept, " + ShowKey({&low, 1}));
     }
     static constexpr unsigned short kPrefix[] = {'$', '$', '$'};
-    const auto prefix = std::ranges::search(key, kPrefix);
-    if (!prefix.empty()) {
-        Add(Rule::kInnerPrefix, prefix.data(),
+    const auto prefix = std::search(key.begin(), key.end(), std::begin(kPrefix), std::end(kPrefix));
+    if (prefix != key.end()) {
+        Add(Rule::kInnerPrefix, &*prefix,
             "\"$$$\" does not begin the key and becomes part of it: " + ShowKey(Narrow(key)));
     }
     const std::string size = "a key of " + Counted(key.size(), "byte");

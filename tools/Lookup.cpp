@@ -79,8 +79,9 @@ std::string ExplainKey(const std::vector<Source>& sources, const std::string& ke
                                  : answered             ? "replaced"
                                                         : "the answer";
         answered |= IsVisible(sources, i);
-        lines = "  " + Show(found->second.place) + ": " + Show(UnitsOf(found->second.value)) +
-                role + ", " + fate + '\n' + lines;
+        std::string line = "  " + Show(found->second.place) + ": ";
+        line += Show(UnitsOf(found->second.value)) + role + ", " + fate + '\n';
+        lines.insert(0, line);
     }
     return lines;
 }

@@ -93,7 +93,9 @@ void CheckAccelerators(const CheckedFile& file, Findings& findings) {
 
 void CheckAgainst(const CheckedFile& file, const CheckedFile& reference,
                   const Findings& ofReference, Findings& findings) {
-    for (const auto& [key, there] : reference.entries) {
+    for (const auto& entry : reference.entries) {
+        const std::string& key = entry.first;
+        const Definition& there = entry.second;
         const auto here = file.entries.find(key);
         const bool missing = here == file.entries.end();
         const Add add = [&](Rule rule, std::string text) {
