@@ -19,7 +19,8 @@ namespace {
 
 constexpr std::size_t kLongestDocument = std::numeric_limits<int>::max();  // libxml2 counts in int
 constexpr std::size_t kAllowedExpansion = 1'000'000;                       // bytes
-constexpr std::size_t kAllowedFactor = 5;
+constexpr std::size_t kAllowedFactor =
+    12;  // UTF-8 of a document in an 8-bit encoding, names of empty elements twice
 // Honest documents repeat their namespace on every element: up to this length, in bytes, it is
 // free.
 constexpr std::size_t kFreeUriLength = 1024;

@@ -21,7 +21,7 @@ namespace vexacore::xml {
 //           nothing but the given document is ever opened, and nothing process-wide is changed
 //           for it.
 // Limits:   a document of more than 2 GiB is refused. A document that yields more than 1 MB plus
-//           five times its size (through entities, default attributes or namespace URIs of over
+//           twelve times its size (through entities, default attributes or namespace URIs of over
 //           1 KB that many names repeat) is given up, and so is one that nests deeper than libxml2
 //           allows (256 elements).
 // Failure:  kParseFailed for a document that cannot be read as XML and for an exception of the
