@@ -19,29 +19,22 @@ using lexon_private::DictionaryReader;
 using lexon_private::EntryView;
 
 TEST(DictionaryReaderOffset, StandsBehindWhatEndedTheLine) {
-    const struct {
-        int line;
-        std::string bytes;
-        std::vector<std::uint64_t> offsets;  // of each line, then at the end
-    } rows[] = {
-        {__LINE__, "ab\r\nc", {3, 4, 5, 5}},
-        {__LINE__, "ab\0cd"s, {3, 3}},
-        {__LINE__, std::string(9000, 'x') + "\ny", {9001, 9002, 9002}},
-        {__LINE__,
-         "\xFF\xFE"
-         "a\0\n\0b\0c"s,
-         {4, 6, 6}},  // behind the mark; the odd byte is left
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.line);
-        std::istringstream stream(row.bytes);
+    const auto check = [](const std::string& bytes, const std::vector<std::uint64_t>& expected) {
+        std::istringstream stream(bytes);
         const auto reader = DictionaryReader::Make(&stream);
-        std::vector<std::uint64_t> offsets;
+        std::vector<std::uint64_t> offsets;  // of each line, then at the end
         while (reader->ReadALine() != nullptr)
             offsets.push_back(reader->GetOffset());
         offsets.push_back(reader->GetOffset());
-        EXPECT_EQ(offsets, row.offsets);
-    }
+        EXPECT_EQ(offsets, expected);
+    };
+    check("ab\r\nc", {3, 4, 5, 5});
+    check("ab\0cd"s, {3, 3});
+    check(std::string(9000, 'x') + "\ny", {9001, 9002, 9002});
+    check(
+        "\xFF\xFE"
+        "a\0\n\0b\0c"s,
+        {4, 6, 6});  // behind the mark; the odd byte is left
 }
 
 struct Recorder : lexon_private::EscapeObserver {
@@ -58,30 +51,23 @@ struct Recorder : lexon_private::EscapeObserver {
 };
 
 TEST(EscapeObserver, HearsOfEscapesAndDroppedText) {
-    const struct {
-        int line;
-        std::u16string written;
-        std::string told;
-    } rows[] = {
-        {__LINE__, u"plain # ^", "^8 end? "},
-        {__LINE__, u"\\n\\q^^^1", "\\0 \\2? ^4? ^6? "},
-        {__LINE__, u"#{amp}#{no}\\\\#{#{U+0041}", "\\11? #6? #13? "},
-        {__LINE__, u"a#{comment}bc", "-11+2/1 "},
-        {__LINE__, u"\\na#{ios}\\\\x#{android}y", "\\0 \\9? -9+3/4 -22+1/5 "},
-        {__LINE__, u"All#{mswindows}Win#{macos}Mac#{ios}Phone", "-15+3/3 -35+5/4 "},
-        {__LINE__, u"All#{macos}One#{macos}Two", "-0+3/6 -11+3/6 "},
-        {__LINE__, u"#{ios}x#{comment}y", "-6+12/4 "},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.line);
-        const auto units = Units(row.written);
+    const auto check = [](std::u16string_view written, const char* told) {
+        const auto units = Units(written);
         Recorder recorder;
         const auto observed =
             DictionaryEntry::ConvertEscapeSequences(units.data(), units.size(), recorder);
-        EXPECT_EQ(recorder.told.str(), row.told);
+        EXPECT_EQ(recorder.told.str(), told);
         EXPECT_EQ(Text(observed),
                   Text(DictionaryEntry::ConvertEscapeSequences(units.data(), units.size())));
-    }
+    };
+    check(u"plain # ^", "^8 end? ");
+    check(u"\\n\\q^^^1", "\\0 \\2? ^4? ^6? ");
+    check(u"#{amp}#{no}\\\\#{#{U+0041}", "\\11? #6? #13? ");
+    check(u"a#{comment}bc", "-11+2/1 ");
+    check(u"\\na#{ios}\\\\x#{android}y", "\\0 \\9? -9+3/4 -22+1/5 ");
+    check(u"All#{mswindows}Win#{macos}Mac#{ios}Phone", "-15+3/3 -35+5/4 ");
+    check(u"All#{macos}One#{macos}Two", "-0+3/6 -11+3/6 ");
+    check(u"#{ios}x#{comment}y", "-6+12/4 ");
 }
 
 std::string Entries(const Dictionary& dictionary) {
@@ -118,23 +104,11 @@ TEST(DictionaryForEachEntry, VisitsTheLiveEntriesOfEitherStore) {
 }
 
 TEST(WordlexGetAccelerator, IsTheFirstMarkedUnit) {
-    const struct {
-        int line;
-        std::u16string text;
-        char16_t accelerator;
-    } rows[] = {
-        {__LINE__, u"", 0},
-        {__LINE__, u"Fish & Chips", 0},
-        {__LINE__, u"A&&B", 0},
-        {__LINE__, u"A&&B &C&D", u'C'},
-        {__LINE__, u"Open(&O)", u'O'},
-        {__LINE__, u"end&", 0},
-        {__LINE__, u"x \b&N", 0},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.line);
-        EXPECT_EQ(lexon_private::Wordlex(RunOf(row.text)).GetAccelerator(), row.accelerator);
-    }
+    const std::pair<std::u16string_view, char16_t> rows[] = {
+        {u"", 0},     {u"Fish & Chips", 0}, {u"A&&B", 0}, {u"A&&B &C&D", u'C'}, {u"Open(&O)", u'O'},
+        {u"end&", 0}, {u"x \b&N", 0}};
+    for (const auto& [text, accelerator] : rows)
+        EXPECT_EQ(lexon_private::Wordlex(RunOf(text)).GetAccelerator(), accelerator);
 }
 
 }  // namespace
