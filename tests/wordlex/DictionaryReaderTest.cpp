@@ -16,12 +16,9 @@ using Lines = std::vector<std::u16string>;
 
 std::string Utf16(std::u16string_view text, bool bigEndian) {
     std::string bytes;
-    for (const char16_t unit : text) {
-        const char high = static_cast<char>(unit >> 8);
-        const char low = static_cast<char>(unit & 0xFF);
-        bytes += bigEndian ? high : low;
-        bytes += bigEndian ? low : high;
-    }
+    for (const char16_t unit : text)
+        for (const int shift : {bigEndian ? 8 : 0, bigEndian ? 0 : 8})
+            bytes += static_cast<char>(unit >> shift);
     return bytes;
 }
 
@@ -48,31 +45,24 @@ Lines LinesOf(const std::string& bytes) {
     return fromStream;
 }
 
-struct Row {
-    int line;
-    std::u16string text;
-    Lines expected;
-};
-
 TEST(DictionaryReaderLines, AreTheSameInEveryWidthAndOrder) {
+    const auto check = [](const std::u16string& text, const Lines& expected) {
+        EXPECT_EQ(LinesOf("\xFF\xFE" + Utf16(text, false)), expected);
+        EXPECT_EQ(LinesOf("\xFE\xFF" + Utf16(text, true)), expected);
+        EXPECT_EQ(LinesOf(std::string(text.begin(), text.end())), expected);
+    };
     const std::u16string longLine(10'000, u'x');
     const std::u16string blockLine(4096, u'y');  // ends where a block of units ends
-    for (const Row& row :
-         std::initializer_list<Row>{{__LINE__, u"", {}},
-                                    {__LINE__, u"a", {u"a"}},
-                                    {__LINE__, u"a\n", {u"a"}},
-                                    {__LINE__, u"a\rb\nc\r\nd", {u"a", u"b", u"c", u"", u"d"}},
-                                    {__LINE__, u"\n\n", {u"", u""}},
-                                    {__LINE__, u"ab\0cd\nef"s, {u"ab"}},
-                                    {__LINE__, u"a\n\0b"s, {u"a"}},
-                                    {__LINE__, u"\0a"s, {}},
-                                    {__LINE__, u"a\n" + longLine + u"\nb", {u"a", longLine, u"b"}},
-                                    {__LINE__, blockLine + u"\nb", {blockLine, u"b"}}}) {
-        SCOPED_TRACE(row.line);
-        EXPECT_EQ(LinesOf("\xFF\xFE" + Utf16(row.text, false)), row.expected);
-        EXPECT_EQ(LinesOf("\xFE\xFF" + Utf16(row.text, true)), row.expected);
-        EXPECT_EQ(LinesOf(std::string(row.text.begin(), row.text.end())), row.expected);
-    }
+    check(u"", {});
+    check(u"a", {u"a"});
+    check(u"a\n", {u"a"});
+    check(u"a\rb\nc\r\nd", {u"a", u"b", u"c", u"", u"d"});
+    check(u"\n\n", {u"", u""});
+    check(u"ab\0cd\nef"s, {u"ab"});
+    check(u"a\n\0b"s, {u"a"});
+    check(u"\0a"s, {});
+    check(u"a\n" + longLine + u"\nb", {u"a", longLine, u"b"});
+    check(blockLine + u"\nb", {blockLine, u"b"});
 }
 
 TEST(DictionaryReaderLines, OfUnicodeTextAlone) {

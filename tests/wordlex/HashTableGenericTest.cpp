@@ -99,14 +99,6 @@ TEST_F(HashTable, LinksSeveralItemsAheadInTheirOrder) {
     EXPECT_EQ('c', Find(Chained('c')));
 }
 
-TEST_F(HashTable, WritesItemsAsTextInTableOrder) {
-    Insert("ab", '2');
-    Insert("A", '1');
-    std::ostringstream out;
-    EXPECT_EQ(0U, table->Serialize(out, false, nullptr)) << "keys count nothing as text";
-    EXPECT_EQ("\"\0A\0=\0\"\0a\0b\0=\0"s, out.str());
-}
-
 TEST_F(HashTable, WritesItsIndexAheadOfTheBinaryItems) {
     Insert("ab", 'b');
     Insert("\x60\x82", 'c');  // the bucket of "ab"
