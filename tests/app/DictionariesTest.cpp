@@ -32,6 +32,9 @@ std::map<std::string, std::string> Load(const fs::path& file) {
     std::ifstream stream(file, std::ios::binary);
     dictionary.Read(&stream);
     EXPECT_TRUE(dictionary.IsValid()) << file;
+    char locale[16] = {};  // which only a binary dictionary names
+    dictionary.Locale().GetCString(locale, sizeof locale, true, nullptr);
+    EXPECT_EQ(file.parent_path().filename(), locale);
     std::map<std::string, std::string> entries;
     char key[256];
     while (dictionary.HasMoreKey() && dictionary.NextKey(key, sizeof key, true)) {

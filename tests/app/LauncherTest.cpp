@@ -80,6 +80,14 @@ TEST(Languages, EnglishTextsAreTheDefaultTexts) {
     EXPECT_EQ(withDictionary.out, withoutDictionary.out);
 }
 
+TEST(Languages, ATextDictionaryDoesInPlaceOfTheBinaryOne) {
+    const Staged application;
+    application.Replace("Dictionaries/ja/wdictionary.dat", JAPANESE_TEXTS);
+    const auto fromText = Launch("--language ja", "", application.Path());
+    EXPECT_EQ("", fromText.err);
+    EXPECT_EQ(Launch("--language ja").out, fromText.out);
+}
+
 TEST(Languages, AMalformedDictionaryShowsTheRequests) {
     const Staged application;
     application.Write("Dictionaries/de/wdictionary.dat", "\"$$$/A=a\"\n\"$/Bad=b\"\n");
