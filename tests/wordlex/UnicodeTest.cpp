@@ -39,9 +39,8 @@ TEST(UnicodeChar, KnowsDigitsSignsAndSpaces) {
     }
     EXPECT_EQ(digits,
               AllOf([](unsigned short unit) { return UnicodeChar::GetDecimalDigit(unit) >= 0; }));
-    EXPECT_EQ(2, UnicodeChar::GetDecimalDigit(0x00B2));
-    EXPECT_EQ(3, UnicodeChar::GetDecimalDigit(0x00B3));
-    EXPECT_EQ(1, UnicodeChar::GetDecimalDigit(0x00B9));
+    for (const auto& [unit, value] : {std::pair(0xB2, 2), {0xB3, 3}, {0xB9, 1}})
+        EXPECT_EQ(value, UnicodeChar::GetDecimalDigit(static_cast<unsigned short>(unit)));
     EXPECT_EQ(u"-\u207B\u208B\u2212\uFE63\uFF0D", AllOf(UnicodeChar::IsMinusSign));
     EXPECT_EQ(u"+\u207A\u208A\uFE62\uFF0B", AllOf(UnicodeChar::IsPlusSign));
     EXPECT_EQ(
@@ -95,26 +94,22 @@ TEST(UnicodeUtil, ComparesByDifference) {
 }
 
 TEST(UnicodeUtil, ReadsIntegers) {
-    const struct {
-        std::u16string_view text;
-        bool onlyDigits;
-        long value;
-    } rows[] = {{u"", false, 0},
-                {u"-", true, 0},
-                {u"-12", true, -12},
-                {u"+7", true, 7},
-                {u"1a2", false, 12},
-                {u"1-2", false, 12},
-                {u"--2", false, -2},
-                {u"\u22125", false, 5},
-                {u"\u0664\u0662", true, 42},
-                {u"9223372036854775807", true, LONG_MAX},
-                {u"9223372036854775809", true, LONG_MIN + 1}};
-    for (const auto& row : rows) {
+    const auto check = [](std::u16string_view text, bool onlyDigits, long expected) {
         long value = 99;
-        EXPECT_EQ(row.onlyDigits, Make(row.text).ToInteger(value)) << row.value;
-        EXPECT_EQ(row.value, value);
-    }
+        EXPECT_EQ(onlyDigits, Make(text).ToInteger(value)) << expected;
+        EXPECT_EQ(expected, value);
+    };
+    check(u"", false, 0);
+    check(u"-", true, 0);
+    check(u"-12", true, -12);
+    check(u"+7", true, 7);
+    check(u"1a2", false, 12);
+    check(u"1-2", false, 12);
+    check(u"--2", false, -2);
+    check(u"\u22125", false, 5);
+    check(u"\u0664\u0662", true, 42);
+    check(u"9223372036854775807", true, LONG_MAX);
+    check(u"9223372036854775809", true, LONG_MIN + 1);
 }
 
 TEST(UnicodeUtil, TakesProceduresAndItsDefaultsBack) {
@@ -154,19 +149,6 @@ TEST(Buffer, GrowsByHalfFromAnyCapacity) {
     }
 }
 
-TEST(UnicodeConversion, ChoosesTheEncoding) {
-    const SettingsGuard guard;
-    EncodingInfo utf8{1};
-    const auto units = [](EncodingInfo* encoding) {
-        return UnicodeUtil::ToUnicodeSize(Bytes("\xC3\xA9"), 2, encoding);
-    };
-    Wordlex::SetDefaultApplicationEncoding(kLatin1);
-    EXPECT_EQ(2U, units(nullptr)) << "the application's default";
-    EXPECT_EQ(1U, units(&utf8));
-    UnicodeUtil::SetDefaultEncoding(&utf8);
-    EXPECT_EQ(1U, units(nullptr)) << "the library's default goes first";
-}
-
 TEST(UnicodeConversion, ConvertsWhatIsTextAndFits) {
     EncodingInfo utf8{1};
     const unsigned char* const text = Bytes("\xC3\xA9x");
@@ -181,6 +163,10 @@ TEST(UnicodeConversion, ConvertsWhatIsTextAndFits) {
 
     const SettingsGuard guard;
     Wordlex::SetDefaultApplicationEncoding(kLatin1);
+    EXPECT_EQ(3U, UnicodeUtil::ToUnicodeSize(text, 3, nullptr)) << "the application's default";
+    UnicodeUtil::SetDefaultEncoding(&utf8);
+    EXPECT_EQ(2U, UnicodeUtil::ToUnicodeSize(text, 3, nullptr)) << "the library's goes first";
+    UnicodeUtil::SetDefaultEncoding(nullptr);
     const std::vector<unsigned short> foreign = Units(u"\u4E2D\u00E9");
     EXPECT_EQ(3U, UnicodeUtil::FromUnicodeSize(foreign.data(), 2, nullptr));
     char bytes[2] = {};

@@ -33,8 +33,7 @@ TEST(WordlexFacade, SharesTextBetweenCopiesButNotChanges) {
     Wordlex assigned;
     EXPECT_TRUE(assigned.IsEmpty());
     assigned = first;
-    const Wordlex& self = assigned;
-    assigned = self;
+    assigned = static_cast<const Wordlex&>(assigned);
     EXPECT_EQ(inner.GetData(), DataOf(copy));
     EXPECT_EQ(inner.GetData(), DataOf(assigned));
     copy.TrimBlanks();
