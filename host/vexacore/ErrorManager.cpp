@@ -6,10 +6,10 @@ namespace vexacore::config {
 
 namespace {
 
-std::atomic<ErrorManager*> installed;
+std::atomic<ErrorManager*> installedManager;
 
 void MemoryExhausted() {
-    ErrorManager* const manager = installed;
+    ErrorManager* const manager = installedManager;
     if (!manager || !manager->ReleaseReserve()) throw std::bad_alloc();
 }
 
@@ -28,11 +28,11 @@ bool ErrorManager::ReleaseReserve() noexcept {
 bool ErrorManager::HasReserve() const noexcept { return reserve != nullptr; }
 
 void ErrorManager::Set(ErrorManager* manager) noexcept {
-    installed = manager;
+    installedManager = manager;
     debug::HostEvents::Append(manager ? "error manager installed" : "error manager uninstalled");
 }
 
-ErrorManager* ErrorManager::Get() noexcept { return installed; }
+ErrorManager* ErrorManager::Get() noexcept { return installedManager; }
 
 ErrorManager::NewHandlerInitializer::NewHandlerInitializer() noexcept
     : previous(std::set_new_handler(MemoryExhausted)) {

@@ -7,7 +7,7 @@
 namespace vexacore::config {
 
 namespace {
-std::atomic<Localizer*> installed;
+std::atomic<Localizer*> installedLocalizer;
 UTF16String installedFolder;
 }  // namespace
 
@@ -16,11 +16,11 @@ Localizer::~Localizer() = default;
 void Localizer::Set(Localizer* localizer, const filesupport::Dir& folder) {
     UTF16String path = folder.FullPath();
     installedFolder.swap(path);
-    installed = localizer;
+    installedLocalizer = localizer;
     debug::HostEvents::Append(localizer ? "localizer installed" : "localizer uninstalled");
 }
 
-Localizer* Localizer::Get() noexcept { return installed; }
+Localizer* Localizer::Get() noexcept { return installedLocalizer; }
 
 filesupport::Dir Localizer::GetFolder() { return filesupport::Dir(installedFolder); }
 

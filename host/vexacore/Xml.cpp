@@ -5,7 +5,7 @@
 namespace vexacore::xml {
 
 namespace {
-Owner<DocParserFactory> installed;
+Owner<DocParserFactory> installedFactory;
 }
 
 AbstractParseHandler::~AbstractParseHandler() = default;
@@ -13,13 +13,13 @@ AbstractDocParser::~AbstractDocParser() = default;
 DocParserFactory::~DocParserFactory() = default;
 
 void SetParserFactory(Owner<DocParserFactory>& holder) {
-    DocParserFactory* const previous = installed.release();
-    installed = holder;
+    DocParserFactory* const previous = installedFactory.release();
+    installedFactory = holder;
     holder.reset(previous);
-    debug::HostEvents::Append(installed.get() ? "parser factory installed"
-                                              : "parser factory uninstalled");
+    debug::HostEvents::Append(installedFactory.get() ? "parser factory installed"
+                                                     : "parser factory uninstalled");
 }
 
-DocParserFactory* GetParserFactory() noexcept { return installed.get(); }
+DocParserFactory* GetParserFactory() noexcept { return installedFactory.get(); }
 
 }  // namespace vexacore::xml
