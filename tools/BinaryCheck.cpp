@@ -16,8 +16,6 @@ using lexon_private::FastArray;
 using lexon_private::ImageFault;
 using lexon_private::ImageReader;
 
-constexpr std::size_t kMergeableBytes = 1023;
-
 struct DropReference {
     void operator()(FastArray* store) const { store->RemoveReference(); }
 };
@@ -41,7 +39,7 @@ public:
     void Check(const EntryView& entry, bool found) {
         if (!entry.keyed) return;
         const std::string key = Bytes(entry.key);
-        if (key.size() > kMergeableBytes) {
+        if (key.size() > kMergeableKeyBytes) {
             findings.Add(Rule::kLongKey, {file.name},
                          "the key " + ShowKey(key) + " has " + std::to_string(key.size()) +
                              " bytes: a merge of binary files does not find it");

@@ -7,6 +7,9 @@
 
 namespace tool {
 
+// A merge of version 2 files does not find longer keys.
+inline constexpr std::size_t kMergeableKeyBytes = 1023;
+
 // The entry of a key as the loader has it at the end of the file.
 struct Definition {
     Place place;  // of the key; in binary files the file alone

@@ -1,7 +1,7 @@
 #include <unistd.h>
 
 #include <iostream>
-#include <set>
+#include <map>
 #include <sstream>
 
 #include "tools/CheckedFile.h"
@@ -29,13 +29,6 @@ bool Passes(const std::string& name, const std::string& bytes, const CompileOpti
                               : MayColour(STDERR_FILENO) ? Format::kColouredText
                                                          : Format::kText);
     return !AnyAtOrAbove(found, Severity::kError);
-}
-
-std::set<std::string> KeysOf(const Dictionary& dictionary) {
-    std::set<std::string> keys;
-    dictionary.ForEachEntry(
-        [&keys](const EntryView& entry) { keys.emplace(entry.key.begin(), entry.key.end()); });
-    return keys;
 }
 
 // The files as one dictionary. It is compact from the start: that keeps the order of the entries,
@@ -81,11 +74,19 @@ private:
         }
     }
 
-    // An image whose id base does not follow the entries before it is passed over in silence.
+    // An image whose id base does not follow the entries before it is passed over in silence. One
+    // that was loaded has its texts in the dictionary now, long keys apart, which are not merged.
     void RefuseUnmerged(const Content& content) const {
-        const auto keys = KeysOf(merged);
+        std::map<std::string, Text> now;
+        merged.ForEachEntry([&now](const EntryView& entry) {
+            now.emplace(std::string(entry.key.begin(), entry.key.end()),
+                        Text(entry.value.data(), entry.value.size()));
+        });
         for (const Entry& entry : content.entries) {
-            if (keys.contains(entry.key)) continue;
+            const auto found = now.find(entry.key);
+            const bool loaded = found != now.end() && (found->second == entry.value ||
+                                                       entry.key.size() > kMergeableKeyBytes);
+            if (loaded || !entry.keyed) continue;
             throw Failure(content.name +
                           ": its id base does not follow the entries of the files "
                           "before it; the application would load nothing of it");

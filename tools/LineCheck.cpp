@@ -12,8 +12,7 @@ namespace {
 
 using lexon_private::Dictionary;
 
-constexpr std::size_t kMostBytes = 65535;      // of a key or value in binary files
-constexpr std::size_t kMergeableBytes = 1023;  // of a key
+constexpr std::size_t kMostBytes = 65535;  // of a key or value in binary files
 constexpr std::string_view kIgnore = "wordlex: ignore ";
 
 bool IsBlank(unsigned short unit) { return unit == ' ' || unit == '\t' || unit == 0x00A0; }
@@ -160,7 +159,7 @@ void LineCheck::CheckKey(const Parts& parts) {
     const std::string size = "a key of " + Counted(key.size(), "byte");
     if (key.size() > kMostBytes) {
         Add(Rule::kKeyLength, key.data(), size + ": binary files have room for 65,535");
-    } else if (key.size() > kMergeableBytes) {
+    } else if (key.size() > kMergeableKeyBytes) {
         Add(Rule::kLongKey, key.data(), size + ": a merge of binary files does not find it");
     }
 }
