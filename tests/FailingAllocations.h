@@ -13,8 +13,11 @@ void* operator new(std::size_t bytes) {
     void* const block = allocationsLeft-- == 0 ? nullptr : std::malloc(bytes > 0 ? bytes : 1);
     return block ? block : throw std::bad_alloc();
 }
+void* operator new[](std::size_t bytes) { return operator new(bytes); }
 void operator delete(void* block) noexcept { std::free(block); }
+void operator delete[](void* block) noexcept { std::free(block); }
 void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
 
 // Calls `act` once for each of its allocations, which then fails, and a last time without a
 // failure; calls `check(failed)` after each.

@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
-#include <vector>
-
 #include "host/Ovis/Language.h"
 #include "host/vexacore/Utility.h"
 #include "tests/TemporaryFolder.h"
@@ -85,21 +82,6 @@ TEST_F(LocalizerTest, AnswersByTheShapeOfTheText) {
                       localizer.GetLocalizedString(row.key))
                 << row.key;
     }
-}
-
-TEST_F(LocalizerTest, ThreadsLookUpWhileAnotherLoads) {
-    base.Write(kGerman, "\"$$$/A=deutsch\"");
-    ASSERT_TRUE(Load());
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t)
-        threads.emplace_back([this] {
-            for (int i = 0; i < 500; ++i)
-                ASSERT_EQ(u"deutsch", localizer.GetLocalizedString("$$$/A=default"));
-        });
-    for (int i = 0; i < 50; ++i)
-        EXPECT_TRUE(Load());
-    for (auto& thread : threads)
-        thread.join();
 }
 
 }  // namespace
