@@ -174,9 +174,9 @@ std::uint32_t FastArray::Add(const unsigned char* key, unsigned long keyLength,
     const std::uint16_t storedKey = Keys::StoredLength(keyLength);
     const std::uint16_t storedValue = Texts::StoredLength(valueLength);
     const std::uint16_t storedAccelerator = Texts::StoredLength(acceleratorLength);
-    auto ownKey = Keys::Copy(key, storedKey);
-    auto ownValue = Texts::Copy(value, storedValue);
-    auto ownAccelerator = Texts::Copy(accelerator, storedAccelerator);
+    auto ownKey = Keys::Copy(key, storedKey, addedStrings);
+    auto ownValue = Texts::Copy(value, storedValue, addedStrings);
+    auto ownAccelerator = Texts::Copy(accelerator, storedAccelerator, addedStrings);
     cFarray& array = WritableArray();
     if (ownAccelerator != nullptr) array.PrepareAccelerators(kWritableEntries);
     slot.Reserve(1);

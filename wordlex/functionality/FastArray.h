@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <iosfwd>
 #include <memory>
+#include <memory_resource>
 #include <vector>
 
 #include "wordlex/functionality/ArrayImage.h"
@@ -157,6 +158,7 @@ private:
     std::uint32_t liveCount = 0;
     std::array<IdList, kHashBucketCount> slots;
     std::unique_ptr<std::byte[]> imageLists;  // the lists of an image that an empty store loaded
+    std::pmr::monotonic_buffer_resource addedStrings;  // keys, values, accelerators as first added
     std::vector<cFarray> arrays;
     std::vector<std::uint32_t> idBases;  // of the arrays: id of the first entry, ascending
     bool writable = false;               // whether the last array takes added entries

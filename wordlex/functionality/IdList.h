@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <memory>
 
+#include "wordlex/functionality/Table.h"
+
 namespace lexon_private {
 
 // The entry ids of one hash slot, in the order in which they were listed, each with a tag of its
@@ -32,7 +34,7 @@ public:
 
     // An empty list with room for `room` ids in a borrowed block that outlives it.
     void Borrow(std::byte* borrowed, std::uint32_t room) noexcept {
-        block = Block(borrowed, Free{.borrowed = true});
+        block = BorrowableArray<std::byte>(borrowed, {.borrowed = true});
         capacity = room;
     }
     // Makes room for more ids, at least doubling a full list.
@@ -44,19 +46,11 @@ public:
     }
 
 private:
-    struct Free {
-        bool borrowed;  // false when made without a value
-        void operator()(std::byte* memory) const noexcept {
-            if (!borrowed) delete[] memory;
-        }
-    };
-    using Block = std::unique_ptr<std::byte[], Free>;
-
     std::uint16_t* Tags() const noexcept {
         return reinterpret_cast<std::uint16_t*>(block.get() + capacity * sizeof(std::uint32_t));
     }
 
-    Block block;
+    BorrowableArray<std::byte> block;
     std::uint32_t count = 0;
     std::uint32_t capacity = 0;
 };

@@ -1,7 +1,7 @@
 #pragma once
 #include <cstdint>
 #include <cstring>
-#include <memory>
+#include <memory_resource>
 
 #include "wordlex/functionality/ImageReader.h"
 #include "wordlex/functionality/Table.h"
@@ -17,7 +17,7 @@ namespace lexon_private {
 template <class Unit>
 class PackedRuns {
 public:
-    using Run = std::unique_ptr<Unit[]>;
+    using Run = BorrowableArray<Unit>;
 
     // The part of `byteCount` that a length of 16 bits can tell: longer strings are cut.
     static std::uint16_t StoredLength(unsigned long byteCount) noexcept {
@@ -26,9 +26,15 @@ public:
     // A copy in a buffer of its own; null when there is nothing to copy.
     static Run Copy(const void* bytes, std::uint16_t byteCount) {
         if (byteCount == 0) return nullptr;
-        auto run = std::make_unique_for_overwrite<Unit[]>(byteCount / sizeof(Unit));
+        Run run(new Unit[byteCount / sizeof(Unit)]);
         std::memcpy(run.get(), bytes, byteCount);
         return run;
+    }
+    // The same in a pool that outlives the copy.
+    static Run Copy(const void* bytes, std::uint16_t byteCount, std::pmr::memory_resource& pool) {
+        if (byteCount == 0) return nullptr;
+        void* const place = pool.allocate(byteCount, alignof(Unit));
+        return Run(static_cast<Unit*>(std::memcpy(place, bytes, byteCount)), {.borrowed = true});
     }
 
     std::uint16_t Length(std::size_t i) const noexcept { return lengths[i]; }

@@ -5,6 +5,17 @@
 
 namespace lexon_private {
 
+// Frees an array unless that is a piece of something larger with an owner of its own.
+template <class T>
+struct DeleteUnlessBorrowed {
+    bool borrowed;  // false when made without a value
+    void operator()(T* items) const noexcept {
+        if (!borrowed) delete[] items;
+    }
+};
+template <class T>
+using BorrowableArray = std::unique_ptr<T[], DeleteUnlessBorrowed<T>>;
+
 // A fixed number of items in one allocation; items of a plain type are left for the owner to fill.
 // Owns: its items. One that was moved from is empty.
 template <class T>
