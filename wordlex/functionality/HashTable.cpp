@@ -40,7 +40,7 @@ private:
     UnicodeRun RunOf(unsigned long unitCount, const void* units) const {
         if (unitCount == 0) return {};
         unsigned char* bytes = nullptr;
-        const UnicodeRun run(ByteRunValue::MakeUninitialized(2 * unitCount, bytes));
+        UnicodeRun run(ByteRunValue::MakeUninitialized(2 * unitCount, bytes));
         std::memcpy(bytes, units, 2 * unitCount);
         if (swap && !inEncoding) {
             auto* const swapped = reinterpret_cast<unsigned short*>(bytes);

@@ -99,7 +99,7 @@ public:
 
 private:
     static constexpr std::uint64_t kMostBytes = std::numeric_limits<std::ptrdiff_t>::max();
-    static constexpr std::uint64_t kBlindStep = 64 * 1024;  // first step where the end is unknown
+    static constexpr std::uint64_t kBlindStep = 0x10000;  // first step where the end is unknown
 
     // Whether the bytes are there as far as that can be told; rejects the image if not.
     bool Expect(std::uint64_t byteCount) noexcept;
