@@ -1,6 +1,7 @@
 #pragma once
 // Binary dictionaries for tests, written down as bytes: nothing here comes from the code under
 // test.
+#include <sstream>
 #include <string>
 #include <string_view>
 
@@ -45,6 +46,7 @@ inline constexpr std::string_view kBodyWithoutKeys =
     "00000000 04000000 0400 0200  4800 6900 AC20"
     "01000000 02000000 01000000 00000000 0200 4200";
 
+// A whole file from what stands behind the magic.
 inline std::string File(std::string_view head, std::string_view locale, std::string_view body) {
     return Hex(kMagic) + Hex(head) + Hex(locale) + Hex(body);
 }
@@ -67,5 +69,13 @@ inline const std::string kVersion10File =
          "0300  2402 00000000  2502 16000000  0000 2A000000"  // records: slot, start; the end
          "0200000000000000 '/A' 0400000000000000 48006900"
          "0200000000000000 '/B' 0200000000000000 AC20");
+
+// A stream buffer that cannot seek, as a pipe.
+struct PipeBuffer : std::stringbuf {
+    using std::stringbuf::stringbuf;
+    pos_type seekoff(off_type, std::ios_base::seekdir, std::ios_base::openmode) override {
+        return pos_type(off_type(-1));
+    }
+};
 
 }  // namespace wordlex_tests
