@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "wordlex/functionality/ImageWriter.h"
+#include "wordlex/functionality/Tags.h"
 
 namespace lexon_private {
 
@@ -23,10 +24,10 @@ class NowhereBuffer : public std::streambuf {
 std::size_t HashTableGeneric::Bucket::Position(const HashItem& probe) const {
     const std::uint16_t tag = probe.Tag();
     const std::uint16_t* const tags = Tags();
-    for (std::size_t i = count; i-- > 0;) {
-        if (tags[i] == tag && *Items()[i] == probe) return i;
-    }
-    return count;
+    std::size_t behind = BehindLastTag(tags, count, tag);
+    while (behind != 0 && !(*Items()[behind - 1] == probe))
+        behind = BehindLastTag(tags, behind - 1, tag);
+    return behind != 0 ? behind - 1 : count;
 }
 
 void HashTableGeneric::Bucket::Reserve(std::size_t more) {
