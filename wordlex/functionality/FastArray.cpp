@@ -388,8 +388,9 @@ void FastArray::ForEachEntry(const EntryVisitor& visit) const {
 
 std::uint32_t FastArray::bSerialize(std::ostream& out, bool withKeys, lexon::EndianT order,
                                     std::uint32_t idBase) const {
-    const bool keyed = withKeys && std::any_of(arrays.begin(), arrays.end(),
-                                               [](const cFarray& array) { return array.keyed; });
+    // An array may be empty when memory ran out before it got its first entry.
+    const auto hasKeys = [](const cFarray& array) { return array.keyed && array.entryCount != 0; };
+    const bool keyed = withKeys && std::any_of(arrays.begin(), arrays.end(), hasKeys);
     const auto keyLength = [](const cFarray& array, std::uint32_t entry) -> std::uint16_t {
         return array.keyed ? array.keys.Length(entry) : std::uint16_t{0};
     };
