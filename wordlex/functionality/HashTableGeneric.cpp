@@ -193,8 +193,8 @@ std::uint32_t HashTableGeneric::Serialize2(std::ostream& out, bool binary,
         keySizes.push_back(writeKey(item, measure));
         valueSizes.push_back(writeValue(item, measure));
     });
-    const auto keyArea = std::accumulate(keySizes.begin(), keySizes.end(), std::uint32_t{0});
-    const auto valueArea = std::accumulate(valueSizes.begin(), valueSizes.end(), std::uint32_t{0});
+    const auto keyArea = std::accumulate(keySizes.begin(), keySizes.end(), std::uint64_t{0});
+    const auto valueArea = std::accumulate(valueSizes.begin(), valueSizes.end(), std::uint64_t{0});
     const auto itemCount = static_cast<std::uint32_t>(keySizes.size());
 
     ImageWriter writer(out, order);
@@ -204,8 +204,8 @@ std::uint32_t HashTableGeneric::Serialize2(std::ostream& out, bool binary,
     writer.write4(itemCount);
     writer.write4(static_cast<std::uint32_t>(std::count_if(
         buckets.begin(), buckets.end(), [](const Bucket& bucket) { return bucket.Count() != 0; })));
-    writer.write4(keyArea);
-    writer.write4(valueArea);
+    writer.WriteSize(keyArea);
+    writer.WriteSize(valueArea);
     const auto writeTables = [&writer](const std::vector<std::uint32_t>& sizes) {
         std::uint32_t offset = 0;
         for (const std::uint32_t size : sizes) {
@@ -221,7 +221,7 @@ std::uint32_t HashTableGeneric::Serialize2(std::ostream& out, bool binary,
     ForEach([&](const HashItem& item) { writeValue(item, out); });
     WriteHashIndex(writer);
     writer.write4(0);  // accelerator strings
-    return 12 + keyArea + valueArea;
+    return static_cast<std::uint32_t>(12 + keyArea + valueArea);
 }
 
 // The ids of the items of a bucket follow one another.

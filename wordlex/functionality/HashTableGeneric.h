@@ -63,7 +63,7 @@ public:
     // Text: the same. Binary: a version 2 image with the ids of the items in table order, written
     // front to back; gives 12 and the bytes of keys and values. Values are UTF-16 whatever the
     // encoding. The format has room for 65,535 bytes of a key or value: of a longer one it tells
-    // the low 16 bits of the length.
+    // the low 16 bits of the length. The stream fails when 32 bits cannot tell the size of an area.
     std::uint32_t Serialize2(std::ostream& out, bool binary, const lexon::EncodingInfo* encoding,
                              lexon::EndianT order) const;
 

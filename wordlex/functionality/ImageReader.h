@@ -20,7 +20,7 @@ enum class ImageFault : std::uint8_t {
     kUnknownVersion,      // of the header
     kIdBaseConflict,      // the image continues another store than this one
     kTooManyEntries,      // for ids of 32 bits
-    kKeyOutside,          // offset and length leave the key area, or the lengths overfill it
+    kKeyOutside,          // offset and length leave the key area
     kValueOutside,        // the same of the value area
     kAcceleratorOutside,  // the same of the accelerator area
     kSlotOutside,         // a hash slot above 1020

@@ -11,6 +11,12 @@ void ImageWriter::WriteBytes(const void* bytes, std::size_t byteCount) {
     written += static_cast<std::uint32_t>(byteCount);
 }
 
+void ImageWriter::WriteSize(std::uint64_t byteCount) {
+    const auto size = static_cast<std::uint32_t>(byteCount);
+    if (size != byteCount) out.setstate(std::ios_base::failbit);
+    write4(size);
+}
+
 void ImageWriter::writearr2(const unsigned short* units, std::size_t byteCount) {
     std::size_t left = byteCount / sizeof *units;
     if (!swap) {

@@ -23,6 +23,8 @@ public:
         if (swap) value = ByteSwap(value);
         WriteBytes(&value, sizeof value);
     }
+    // The size of an area. One that 32 bits cannot tell makes the stream fail.
+    void WriteSize(std::uint64_t byteCount);
     // The whole units of `byteCount` bytes.
     void writearr2(const unsigned short* units, std::size_t byteCount);
 

@@ -15,7 +15,8 @@ void PackedRuns<Unit>::MakeEmpty(std::size_t count) {
 template <class Unit>
 typename PackedRuns<Unit>::Run PackedRuns<Unit>::PrepareReplace(std::size_t i, const void* bytes,
                                                                 std::uint16_t byteCount) {
-    if (byteCount <= lengths[i]) return nullptr;
+    const bool lonePlace = !mayShare || (!buffers.empty() && buffers[i] != nullptr);
+    if (byteCount <= lengths[i] && lonePlace) return nullptr;
     if (buffers.empty()) buffers = Table<Run>(lengths.size());
     return Copy(bytes, byteCount);
 }
@@ -39,18 +40,17 @@ void PackedRuns<Unit>::ReadTables(ImageReader& reader, std::uint32_t count, std:
     lengths = reader.GetTable<std::uint16_t>(count);
     if (!reader.Ok()) return;
 
-    std::uint64_t sum = 0;
-    const auto leavesArea = [&](std::uint32_t i) {
-        sum += lengths[i];
-        return (std::uint64_t{offsets[i]} + lengths[i] > areaSize) | (sum > areaSize);
-    };
+    const auto end = [this](std::uint32_t i) { return std::uint64_t{offsets[i]} + lengths[i]; };
     bool bad = false;
     for (std::uint32_t i = 0; i < count; ++i)
-        bad |= leavesArea(i);
+        bad |= end(i) > areaSize;
+    std::uint32_t lonely = 1;  // strings that begin behind those ahead of them
+    while (lonely < count && end(lonely - 1) <= offsets[lonely])
+        ++lonely;
+    mayShare = lonely < count;
     if (!bad) return;
-    sum = 0;
     std::uint32_t first = 0;
-    while (!leavesArea(first))
+    while (end(first) <= areaSize)
         ++first;
     reader.Reject(outside, offsetsAt + std::uint64_t{first} * sizeof(std::uint32_t));
 }
@@ -62,13 +62,10 @@ void PackedRuns<Unit>::ReadArea(ImageReader& reader, std::uint32_t areaSize) {
     if (!reader.Ok()) return;
     for (std::uint16_t& length : lengths)
         length = StoredLength(length);
-    const auto isOdd = [](std::uint32_t offset) { return offset % sizeof(Unit) != 0; };
-    if (std::none_of(offsets.begin(), offsets.end(), isOdd)) return;
-    buffers = Table<Run>(lengths.size());
-    const auto* const bytes = reinterpret_cast<const unsigned char*>(area.data());
-    for (std::size_t i = 0; i < lengths.size(); ++i) {
-        if (isOdd(offsets[i])) buffers[i] = Copy(bytes + offsets[i], lengths[i]);
-    }
+    if (std::all_of(offsets.begin(), offsets.end(), IsAligned)) return;
+    areaFromByteOne = Table<Unit>((areaSize - 1) / sizeof(Unit));
+    std::memcpy(areaFromByteOne.data(), reinterpret_cast<const unsigned char*>(area.data()) + 1,
+                areaFromByteOne.size() * sizeof(Unit));
 }
 
 template class PackedRuns<unsigned char>;

@@ -9,11 +9,12 @@
 namespace lexon_private {
 
 // Numbered strings of one array of a compact store: bytes of keys, or UTF-16 units of texts.
-// Strings from an image lie packed in one area; one that is added at run time or has outgrown its
-// place lies in a buffer of its own.
+// Strings from an image lie packed in one area, where they may share bytes; one that is added at
+// run time or has outgrown its place lies in a buffer of its own.
 //
-// Units:     lengths and offsets are bytes. Those of texts are even, so that units are aligned.
-// Invariant: every string lies inside its area or buffer: whoever reads one need not check.
+// Units:     lengths and offsets are bytes. Lengths of texts are even.
+// Invariant: every string lies inside its area or buffer: whoever reads one need not check. What is
+//            written in place is part of no other string.
 template <class Unit>
 class PackedRuns {
 public:
@@ -41,7 +42,9 @@ public:
     // Not terminated; may be null when the length is 0.
     const Unit* Data(std::size_t i) const noexcept {
         if (!buffers.empty() && buffers[i] != nullptr) return buffers[i].get();
-        return offsets.empty() ? nullptr : area.data() + offsets[i] / sizeof(Unit);
+        if (offsets.empty()) return nullptr;
+        const Table<Unit>& packed = IsAligned(offsets[i]) ? area : areaFromByteOne;
+        return packed.data() + offsets[i] / sizeof(Unit);
     }
 
     // Makes `count` empty strings without an area.
@@ -53,22 +56,25 @@ public:
     }
     void Clear(std::size_t i) noexcept { lengths[i] = 0; }
     // Replaces string i in two steps, of which the first does all that can fail: a string that
-    // grows is prepared in a buffer of its own, any other overwrites the old one. `bytes` may be
-    // part of what is replaced. Replacements of one string may be prepared together.
+    // grows or leaves a shared place is prepared in a buffer of its own, any other overwrites the
+    // old one. `bytes` may be part of what is replaced.
     Run PrepareReplace(std::size_t i, const void* bytes, std::uint16_t byteCount);
     void Replace(std::size_t i, Run prepared, const void* bytes, std::uint16_t byteCount) noexcept;
 
     // Read the two tables of `count` strings, then later the area that they describe. Every string
-    // is checked against the area's size; `outside` is the fault of one that leaves it, or of
-    // strings that are longer in all than the area.
+    // is checked against the area's size; `outside` is the fault of one that leaves it.
     void ReadTables(ImageReader& reader, std::uint32_t count, std::uint32_t areaSize,
                     ImageFault outside);
     void ReadArea(ImageReader& reader, std::uint32_t areaSize);
 
 private:
+    static bool IsAligned(std::uint32_t offset) noexcept { return offset % sizeof(Unit) == 0; }
+
     Table<std::uint32_t> offsets;  // absent in arrays that were not read
     Table<std::uint16_t> lengths;
     Table<Unit> area;
+    Table<Unit> areaFromByteOne;  // for texts at odd offsets; absent when there are none
+    bool mayShare = false;        // whether strings of the area may have bytes in common
     Table<Run> buffers;  // absent until a string needs one; null where a string lies in the area
 };
 
