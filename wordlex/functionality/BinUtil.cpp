@@ -1,5 +1,6 @@
 #include "wordlex/functionality/BinUtil.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstring>
@@ -70,8 +71,9 @@ std::uint16_t KeyTag(const unsigned char* bytes, unsigned long length) noexcept 
             word = word << 8 | bytes[i];
         take(word);
     } else {
-        unsigned long i = 0;
-        for (; i + sizeof(std::uint64_t) <= length; i += sizeof(std::uint64_t)) {
+        constexpr unsigned long kHead = 512;  // keys of one image may share their bytes
+        const unsigned long head = std::min(length, kHead);
+        for (unsigned long i = 0; i + sizeof(std::uint64_t) <= head; i += sizeof(std::uint64_t)) {
             take(LoadWord(bytes + i));
         }
         take(LoadWord(bytes + length - sizeof(std::uint64_t)));

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <iostream>
 #include <istream>
+#include <map>
 #include <ostream>
 
 #include "wordlex/functionality/ByteRunKey.h"
@@ -15,6 +16,10 @@ namespace {
 
 // A key of this length and more is not recognised when an image is merged.
 constexpr unsigned long kMergedKeyLimit = 1024;
+
+// From this length on a slot is searched through an index when an image is merged: one by one,
+// lists made to be slow would take time by the square of their length.
+constexpr std::uint32_t kLongSlot = 256;
 
 bool IsDead(const cFarray& array, std::uint32_t entry) {
     return array.keyed && array.keys.Length(entry) == 0;
@@ -163,6 +168,7 @@ std::uint32_t FastArray::Add(const unsigned char* key, unsigned long keyLength,
                              const unsigned char* accelerator, unsigned long acceleratorLength) {
     using Keys = PackedRuns<unsigned char>;
     using Texts = PackedRuns<unsigned short>;
+    if (accelerator == nullptr) acceleratorLength = 0;
     const std::uint16_t tag = IdList::Tag(key, keyLength);
     IdList& slot = slots[HashFunc(key, keyLength)];
     const std::uint32_t held = FindListed(slot, tag, key, keyLength);
@@ -267,26 +273,56 @@ ImageResult FastArray::Load(ImageReader& reader) {
     return ImageResult::kLoaded;
 }
 
+FastArray::KeyIndex FastArray::IndexKeys(const IdList& slot) const {
+    KeyIndex index;
+    for (std::uint32_t i = 0; i < slot.Count(); ++i) {
+        const Place place = PlaceOf(slot.Ids()[i]);
+        const PackedRuns<unsigned char>& keys = arrays[place.array].keys;
+        const std::uint16_t length = keys.Length(place.entry);
+        const bool removed = length == 0 && slot.TagAt(i) != IdList::kEmptyKey;
+        if (removed || length >= kMergedKeyLimit) continue;
+        const auto* const key = reinterpret_cast<const char*>(keys.Data(place.entry));
+        index.try_emplace({key, length}, slot.Ids()[i]);
+    }
+    return index;
+}
+
 std::vector<FastArray::Update> FastArray::updateStrValsIfKeyExists(ArrayImage& image) {
     std::vector<Update> updates;
+    std::vector<std::uint32_t> updateOf(totalCount, kNoId);  // index of each held entry's update
+    std::map<std::uint16_t, KeyIndex> longSlots;
+    const auto findHeld = [&](std::uint16_t slot, std::uint16_t tag, const unsigned char* key,
+                              std::uint16_t keyLength) {
+        if (slots[slot].Count() < kLongSlot) return FindListed(slots[slot], tag, key, keyLength);
+        const auto [place, isNew] = longSlots.try_emplace(slot);
+        if (isNew) place->second = IndexKeys(slots[slot]);
+        const auto found = place->second.find({reinterpret_cast<const char*>(key), keyLength});
+        return found == place->second.end() ? kNoId : found->second;
+    };
     cFarray& array = image.array;
     image.FilterListed([&](std::uint16_t slot, std::uint32_t entry) {
         const std::uint16_t tag = image.tags[entry];
-        if (tag == IdList::kNoKey) return false;
         const std::uint16_t keyLength = array.keys.Length(entry);
-        if (keyLength >= kMergedKeyLimit) return true;
-        const std::uint32_t held = FindListed(slots[slot], tag, array.keys.Data(entry), keyLength);
+        if (tag == IdList::kNoKey || keyLength >= kMergedKeyLimit) return true;
+        const std::uint32_t held = findHeld(slot, tag, array.keys.Data(entry), keyLength);
         if (held == kNoId) return true;
-        const Place place = PlaceOf(held);
-        const std::uint16_t length = array.values.Length(entry);
-        updates.push_back({held, entry, length,
-                           arrays[place.array].values.PrepareReplace(
-                               place.entry, array.values.Data(entry), length)});
+        if (updateOf[held] == kNoId) {
+            updateOf[held] = static_cast<std::uint32_t>(updates.size());
+            updates.push_back({.id = held});
+        }
+        Update& update = updates[updateOf[held]];  // of several new values the last one counts
+        update.imageEntry = entry;
+        update.length = array.values.Length(entry);
         array.Kill(entry);
         image.tags[entry] = IdList::kNoKey;
         --image.liveCount;
         return false;
     });
+    for (Update& update : updates) {
+        const Place place = PlaceOf(update.id);
+        update.prepared = arrays[place.array].values.PrepareReplace(
+            place.entry, array.values.Data(update.imageEntry), update.length);
+    }
     return updates;
 }
 
@@ -398,7 +434,7 @@ std::uint32_t FastArray::bSerialize(std::ostream& out, bool withKeys, lexon::End
         return array.values.Length(entry);
     };
     const auto sumOf = [this](auto length) {
-        std::uint32_t sum = 0;
+        std::uint64_t sum = 0;
         ForEach([&](const cFarray& array, std::uint32_t entry) { sum += length(array, entry); });
         return sum;
     };
@@ -411,8 +447,8 @@ std::uint32_t FastArray::bSerialize(std::ostream& out, bool withKeys, lexon::End
     writer.write4(totalCount);
     writer.write4(liveCount);
     writer.write4(static_cast<std::uint32_t>(usedSlots));
-    if (keyed) writer.write4(sumOf(keyLength));
-    writer.write4(sumOf(valueLength));
+    if (keyed) writer.WriteSize(sumOf(keyLength));
+    writer.WriteSize(sumOf(valueLength));
 
     const auto writeTables = [&](auto length) {
         std::uint32_t offset = 0;
@@ -462,7 +498,7 @@ void FastArray::WriteAccelerators(ImageWriter& writer) const {
         std::uint16_t length;
     };
     std::vector<Accelerator> texts;
-    std::uint32_t areaSize = 0;
+    std::uint64_t areaSize = 0;
     for (std::size_t a = 0; a < arrays.size(); ++a) {
         for (std::uint32_t i = 0; i < arrays[a].acceleratorCount; ++i) {
             const std::uint16_t length = arrays[a].accelerators.Length(i);
@@ -473,7 +509,7 @@ void FastArray::WriteAccelerators(ImageWriter& writer) const {
     }
     writer.write4(static_cast<std::uint32_t>(texts.size()));
     if (texts.empty()) return;
-    writer.write4(areaSize);
+    writer.WriteSize(areaSize);
     for (const Accelerator& text : texts)
         writer.write4(text.id);
     std::uint32_t offset = 0;

@@ -5,6 +5,8 @@
 #include <iosfwd>
 #include <memory>
 #include <memory_resource>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "wordlex/functionality/ArrayImage.h"
@@ -101,7 +103,8 @@ public:
     // Writes an image whose first entry has the id `idBase`, with keys (kBinary) where the store
     // has any or without (kBinaryNoKeys), and gives its bytes; or UTF-16 text without a byte-order
     // mark, or nothing, and gives 0. Values stay UTF-16 whatever the encoding. An exception is
-    // reported on the standard error stream and gives 0.
+    // reported on the standard error stream and gives 0. The stream fails where an area would be
+    // too large for 32 bits: values of loaded images that share bytes are written apart.
     std::uint32_t Serialize2(std::ostream& out, lexon::SaveType type,
                              const lexon::EncodingInfo* encoding, lexon::EndianT order,
                              unsigned int idBase) const;
@@ -111,10 +114,10 @@ private:
 
     // The new value of an entry that an image overrides.
     struct Update {
-        std::uint32_t id;
-        std::uint32_t imageEntry;
-        std::uint16_t length;
-        PackedRuns<unsigned short>::Run prepared;
+        std::uint32_t id = kNoId;
+        std::uint32_t imageEntry = 0;
+        std::uint16_t length = 0;
+        PackedRuns<unsigned short>::Run prepared = nullptr;
     };
     using SlotCounts = std::array<std::uint32_t, kHashBucketCount>;
 
@@ -138,6 +141,9 @@ private:
     void Change(std::uint32_t id, const unsigned char* value, unsigned long valueLength,
                 const unsigned char* accelerator, unsigned long acceleratorLength);
 
+    // The first id of each key of a slot, removed entries and keys too long to merge left out.
+    using KeyIndex = std::unordered_map<std::string_view, std::uint32_t>;
+    KeyIndex IndexKeys(const IdList& slot) const;
     // Kills the entries of the image whose keys are held here, takes them off its lists, and
     // prepares the new values of the held entries.
     std::vector<Update> updateStrValsIfKeyExists(ArrayImage& image);

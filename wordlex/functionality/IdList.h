@@ -29,6 +29,7 @@ public:
     const std::uint32_t* Ids() const noexcept {
         return reinterpret_cast<const std::uint32_t*>(block.get());
     }
+    std::uint16_t TagAt(std::uint32_t i) const noexcept { return Tags()[i]; }
     // The first position from `from` on that has the tag, or Count().
     std::uint32_t Find(std::uint16_t tag, std::uint32_t from) const noexcept;
 
