@@ -176,28 +176,6 @@ TEST(BinaryFormat, Version1EntriesStandAheadOfTheirBucketUpToAFault) {
     }
 }
 
-TEST(BinaryFormat, Version1TablesAreChecked) {
-    for (const auto& [line, file] : std::initializer_list<std::pair<int, std::string_view>>{
-             {__LINE__, "01 05 00  00000001 00000001 00000000 0000"},  // half an entry
-             {__LINE__, "01 05 00  00000002 00000002 00000000 00000000 00000000 0000 0000"},
-             {__LINE__, "01 05 00  00000001 00000000 03FD"},  // slot 1021
-             {__LINE__, "01 05 00  FFFFFFFF 00000000"},
-             {__LINE__, "01 05 00  00000001 FFFFFFFE 0000"},
-             {__LINE__, "01 05 00  00000001 00000002 FFFFFFFF 00000000 0000 00"},
-             {__LINE__, "01 00 00  0200 0000 05000000 0000 04000000"},  // decreases, as above
-             {__LINE__, "01 00 00  0200 FD03 00000000 0000 00000000"},
-             {__LINE__, "01 00 00  FFFF 0000"},
-             {__LINE__, "01 00 00  0200 0000 00000000 0000 10000000 FFFFFFFFFFFFFFFF 00"},
-             {__LINE__, "01 00 00  0200 0000 00000000 0000 10000000 0000000000000000 03"}}) {
-        for (const Form form : kForms) {
-            SCOPED_TRACE(line);
-            const Loaded loaded(Hex(kMagic) + Hex(file), form);
-            EXPECT_FALSE(loaded->IsValid());
-            EXPECT_EQ(0U, loaded->NumKeys());
-        }
-    }
-}
-
 TEST(BinaryFormat, Version15ValuesKeepTheirUnits) {
     // A byte-order mark is data; so are lone surrogates, and half a unit counts nothing.
     const std::string file = Hex(kMagic) + Hex("01 05 00 00000001 00000002 00000001 00000009 0041"
