@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "tests/wordlex/Settings.h"
 #include "wordlex/functionality/Dictionary.h"
 #include "wordlex/functionality/DictionaryMap.h"
@@ -139,6 +141,56 @@ TEST(WordlexFacade, ForwardsQuestions) {
     EXPECT_EQ(12, value);
     EXPECT_FALSE(text.IsAllWhiteSpace() || text.IsEmpty());
     EXPECT_STREQ("5.1", WLLibraryVersion());
+}
+
+TEST(DictionaryFacade, ForwardsToItsDictionary) {
+    lexon::Dictionary dictionary(true);
+    const auto value = Units(u"&v");
+    EXPECT_EQ(0U, dictionary.Add("/A", value.data(), 2, nullptr, value.data() + 1, 1));
+    EXPECT_EQ(u"&v", TextOf(dictionary.Lookup("/A", nullptr)));
+    EXPECT_EQ(u"&v", TextOf(dictionary.Lookup(0UL, nullptr)));
+    EXPECT_EQ(u"v", TextOf(dictionary.Accelerator("/A", nullptr)));
+    EXPECT_EQ(u"v", TextOf(dictionary.Accelerator(0U, nullptr)));
+    const unsigned short* units = nullptr;
+    unsigned long length = 0;
+    EXPECT_TRUE(dictionary.LookupReturnUTF16Ptr("/A", units, length));
+    EXPECT_TRUE(dictionary.LookupReturnUTF16Ptr(0UL, units, length));
+    EXPECT_EQ(u"&v", Text(units, length));
+    EXPECT_TRUE(dictionary.ValidId(0) && dictionary.HasKey("/A", nullptr));
+    EXPECT_EQ(0U, dictionary.GetNumericId("/A"));
+    dictionary.Locale("ja");
+    EXPECT_EQ(u"ja", TextOf(dictionary.Locale()));
+
+    EXPECT_TRUE(dictionary.ReSetKeyEnumeration() && dictionary.HasMoreKey());
+    char key[3] = "";
+    EXPECT_TRUE(dictionary.NextKey(key, sizeof key, true));
+    char* texts[] = {dictionary.NextKey(), dictionary.GetStringId(0)};
+    for (char*& text : texts) {
+        EXPECT_STREQ(key, text);
+        dictionary.Release(&text);
+        dictionary.Release(&text);  // null by now
+        EXPECT_EQ(nullptr, text);
+    }
+
+    std::stringstream file;
+    EXPECT_LT(
+        0U, dictionary.Serialize(file, lexon::SaveType::kBinary, nullptr, lexon::EndianT::kBig, 0));
+    lexon::Dictionary read;
+    read.Read(&file);
+    const lexon::Dictionary copy(read);
+    lexon::Dictionary assigned;
+    assigned = copy;
+    EXPECT_EQ(1U, assigned.NumKeys());
+    EXPECT_EQ(0U, read.Remove("/A"));
+    EXPECT_EQ(~0UL, read.Remove(0UL));
+    EXPECT_EQ(0U, assigned.NumKeys());
+    dictionary.SetAsMain();
+    EXPECT_EQ(u"&v", TextOf(read.Lookup("/A=d", nullptr)));
+    read.Read("/A", 0, true);
+    EXPECT_FALSE(read.IsValid());
+    std::ostringstream text;
+    dictionary.Serialize(text, false, nullptr);
+    EXPECT_EQ(18U, text.str().size());
 }
 
 }  // namespace
