@@ -111,9 +111,10 @@ CheckedFile CheckBinary(const std::string& name, const std::string& bytes, Findi
 }
 
 CheckedFile CheckFile(const std::string& name, const std::string& bytes, Findings& findings) {
-    CheckedFile file = lexon_private::HasBinaryMagic(bytes.data(), bytes.size())
-                           ? CheckBinary(name, bytes, findings)
-                           : CheckText(name, bytes, findings);
+    const bool binary = lexon_private::HasBinaryMagic(bytes.data(), bytes.size());
+    Progress progress("checking", name, binary ? 0 : bytes.size());
+    CheckedFile file =
+        binary ? CheckBinary(name, bytes, findings) : CheckText(name, bytes, findings, progress);
     CheckAccelerators(file, findings);
     return file;
 }

@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "tools/CheckedFile.h"
 #include "tools/Content.h"
 #include "tools/Files.h"
 #include "tools/Verbs.h"
@@ -40,9 +39,7 @@ int Check(const CheckOptions& options) {
     CheckedFile reference;
     Findings ofReference;
     if (!options.reference.empty()) {
-        const std::string bytes = ReadInput(options.reference);
-        Load(options.reference, bytes);  // refuses a malformed one
-        reference = CheckFile(options.reference, bytes, ofReference);
+        reference = CheckUsable(options.reference, ReadInput(options.reference), ofReference);
     }
     bool failed = false;
     for (const std::string& name : options.files) {

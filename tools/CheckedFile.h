@@ -3,6 +3,7 @@
 #include <string>
 
 #include "tools/Findings.h"
+#include "tools/Progress.h"
 #include "tools/Text.h"
 
 namespace tool {
@@ -24,7 +25,8 @@ struct CheckedFile {
 
 // What the loader would trip over or silently change in a file of either kind.
 CheckedFile CheckFile(const std::string& name, const std::string& bytes, Findings& findings);
-CheckedFile CheckText(const std::string& name, const std::string& bytes, Findings& findings);
+CheckedFile CheckText(const std::string& name, const std::string& bytes, Findings& findings,
+                      Progress& progress);
 CheckedFile CheckBinary(const std::string& name, const std::string& bytes, Findings& findings);
 
 // Accelerators that entries beside each other share.

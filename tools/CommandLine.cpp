@@ -28,7 +28,7 @@ CLI::Option* AddChoice(CLI::App& verb, const std::string& name, T& value, const 
         .add_option_function<std::string>(
             name, [&value, choices](const std::string& chosen) { value = choices.at(chosen); },
             help)
-        ->check(CLI::IsMember(names, CLI::ignore_case));
+        ->transform(CLI::IsMember(names, CLI::ignore_case));
 }
 
 class CommandLine {
@@ -77,7 +77,7 @@ private:
                    const std::function<int()>& work) {
         CLI::App* const verb = app.add_subcommand(name, help);
         verb->add_option("--encoding", encoding, "Encoding of 8-bit text dictionaries")
-            ->check(CLI::IsMember(EncodingNames(), CLI::ignore_case))
+            ->transform(CLI::IsMember(EncodingNames(), CLI::ignore_case))
             ->capture_default_str();
         verb->callback([this, work] { run = work; });
         return *verb;

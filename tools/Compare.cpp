@@ -60,6 +60,7 @@ std::string Line(const Entry* before, const Entry* after, bool json) {
 int Compare(const CompareOptions& options) {
     const Content before = Load(options.before);
     const Content after = Load(options.after);
+    const Progress progress("comparing", options.after);
     const Index old = IndexOf(before);
     const Index now = IndexOf(after);
     std::map<Identity, std::pair<const Entry*, const Entry*>> differences;

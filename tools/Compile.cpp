@@ -4,7 +4,6 @@
 #include <map>
 #include <sstream>
 
-#include "tools/CheckedFile.h"
 #include "tools/Content.h"
 #include "tools/EntryLine.h"
 #include "tools/Files.h"
@@ -41,7 +40,7 @@ public:
         if (kind == Kind::kVersion1) {
             AddLines(Load(name, bytes));
         } else {
-            Read(merged, bytes);
+            Read(merged, name, bytes);
         }
         if (kind == Kind::kVersion2) RefuseUnmerged(Load(name, bytes));
         compactSeen |= kind == Kind::kVersion2;
@@ -115,6 +114,7 @@ int Compile(const CompileOptions& options) {
 
     if (!options.locale.empty()) merge.Result().Locale(options.locale.c_str());
     std::ostringstream image;
+    const Progress progress("writing", options.output);
     merge.Result().Serialize(
         image, options.noKeys ? lexon::SaveType::kBinaryNoKeys : lexon::SaveType::kBinary, nullptr,
         options.order, options.idBase);

@@ -4,7 +4,6 @@
 #include <set>
 #include <sstream>
 
-#include "tools/CheckedFile.h"
 #include "tools/Files.h"
 #include "tools/TextScanner.h"
 #include "wordlex/functionality/BinaryHeader.h"
@@ -37,17 +36,6 @@ std::string FormOf(const std::string& bytes) {
     return form;
 }
 
-void RefuseMalformed(const std::string& name, const std::string& bytes) {
-    constexpr Rule kFatal[] = {Rule::kMalformedBinary, Rule::kUtf16WithoutMark, Rule::kDollarKey,
-                               Rule::kKeyLength, Rule::kValueLength};
-    Findings findings;
-    CheckFile(name, bytes, findings);
-    for (const Finding& finding : findings.Take()) {
-        if (std::ranges::find(kFatal, finding.rule) == std::end(kFatal)) continue;
-        throw Failure(Show(finding.place) + ": " + finding.text);
-    }
-}
-
 }  // namespace
 
 Kind KindOf(const std::string& bytes) {
@@ -56,19 +44,32 @@ Kind KindOf(const std::string& bytes) {
                                                                  : Kind::kVersion1;
 }
 
-void Read(Dictionary& dictionary, const std::string& bytes) {
+void Read(Dictionary& dictionary, const std::string& name, const std::string& bytes) {
+    const Progress progress("loading", name);
     std::istringstream stream(bytes);
     dictionary.Read(&stream);
+}
+
+CheckedFile CheckUsable(const std::string& name, const std::string& bytes, Findings& findings) {
+    constexpr Rule kFatal[] = {Rule::kMalformedBinary, Rule::kUtf16WithoutMark, Rule::kDollarKey,
+                               Rule::kKeyLength, Rule::kValueLength};
+    CheckedFile file = CheckFile(name, bytes, findings);
+    for (const Finding& finding : findings.Take()) {
+        if (std::ranges::find(kFatal, finding.rule) == std::end(kFatal)) continue;
+        throw Failure(Show(finding.place) + ": " + finding.text);
+    }
+    return file;
 }
 
 Content Load(const std::string& name) { return Load(name, ReadInput(name)); }
 
 Content Load(const std::string& name, const std::string& bytes) {
-    RefuseMalformed(name, bytes);
+    Findings unused;
+    CheckUsable(name, bytes, unused);
     const Kind kind = KindOf(bytes);
     // A compact store keeps the order of the lines.
     Dictionary dictionary(kind == Kind::kText);
-    Read(dictionary, bytes);
+    Read(dictionary, name, bytes);
 
     Content content{name,         kind, FormOf(bytes), Utf8(UnitsOf(dictionary.Locale())),
                     bytes.size(), {}};

@@ -2,6 +2,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/CheckedFile.h"
 #include "tools/Text.h"
 #include "wordlex/functionality/Dictionary.h"
 
@@ -11,7 +12,7 @@ namespace tool {
 enum class Kind : std::uint8_t { kText, kVersion1, kVersion2 };
 Kind KindOf(const std::string& bytes);
 
-void Read(lexon_private::Dictionary& dictionary, const std::string& bytes);
+void Read(lexon_private::Dictionary& dictionary, const std::string& name, const std::string& bytes);
 
 struct Entry {
     std::uint32_t id;  // all bits set where the dictionary has none
@@ -31,8 +32,11 @@ struct Content {
     std::vector<Entry> entries;  // as they are written
 };
 
-// Throws a Failure for a file that the application would refuse, and for entries that are too long
-// for a binary file.
+// Checks a file that is to be used. Throws a Failure for one that the application would refuse, and
+// for entries that are too long for a binary file.
+CheckedFile CheckUsable(const std::string& name, const std::string& bytes, Findings& findings);
+
+// Throws what CheckUsable does.
 Content Load(const std::string& name);
 Content Load(const std::string& name, const std::string& bytes);
 

@@ -62,7 +62,7 @@ int Dump(const DumpOptions& options) {
     if (options.header && !options.json && !content.entries.empty()) {
         output = HeaderText(content) + ": ";
     }
-    Progress progress("writing " + options.file, content.entries.size());
+    Progress progress("dumping", options.file, content.entries.size());
     std::uint64_t done = 0;
     for (const Entry& entry : content.entries) {
         output += options.json ? JsonLine(entry) : TextLine(entry);

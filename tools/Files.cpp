@@ -96,7 +96,11 @@ void Replace(const fs::path& target, std::string_view bytes) {
 }  // namespace
 
 std::string ReadInput(const std::string& path) {
-    if (path == "-") return ReadAll(STDIN_FILENO, "standard input");
+    if (path == "-") {
+        static bool alreadyRead = false;
+        if (std::exchange(alreadyRead, true)) throw Failure("standard input is named twice");
+        return ReadAll(STDIN_FILENO, "standard input");
+    }
     const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
     if (file.Get() < 0) Fail(path, "cannot be read", errno);
     return ReadAll(file.Get(), path);

@@ -1,6 +1,5 @@
 #include <algorithm>
 
-#include "tools/CheckedFile.h"
 #include "tools/Content.h"
 #include "tools/Files.h"
 #include "tools/Verbs.h"
@@ -19,10 +18,10 @@ struct Source {
 
 Source Add(Dictionary& dictionary, const std::string& name) {
     const std::string bytes = ReadInput(name);
-    Load(name, bytes);  // refuses what the application would
-    Read(dictionary, bytes);
     Findings unused;
-    return {KindOf(bytes), CheckFile(name, bytes, unused)};
+    Source source{KindOf(bytes), CheckUsable(name, bytes, unused)};
+    Read(dictionary, name, bytes);
+    return source;
 }
 
 // The key as the localizer hands it on: without the parentheses that it may stand in.
@@ -68,19 +67,21 @@ bool IsVisible(const std::vector<Source>& sources, std::size_t i) {
     return sources[i].kind == Kind::kText && i > static_cast<std::size_t>(first - sources.begin());
 }
 
-// A line for each file that has the key. The last one that is visible gave the answer.
-std::string ExplainKey(const std::vector<Source>& sources, const std::string& key,
-                       const std::string& role, bool& answered) {
+// A line for each file that has the key. The last one that is visible gave the answer, and the main
+// dictionary is asked only where there was none.
+std::string ExplainKey(const std::vector<Source>& sources, const std::string& key, bool isMain,
+                       bool& answered) {
     std::string lines;
     for (std::size_t i = sources.size(); i-- != 0;) {
         const auto found = sources[i].file.entries.find(key);
         if (found == sources[i].file.entries.end()) continue;
         const char* const fate = !IsVisible(sources, i) ? "hidden by a version 2 file"
-                                 : answered             ? "replaced"
+                                 : answered             ? (isMain ? "not asked" : "replaced")
                                                         : "the answer";
         answered |= IsVisible(sources, i);
         std::string line = "  " + Show(found->second.place) + ": ";
-        line += Show(UnitsOf(found->second.value)) + role + ", " + fate + '\n';
+        line += Show(UnitsOf(found->second.value)) + (isMain ? " in the main dictionary, " : ", ");
+        line += std::string(fate) + '\n';
         lines.insert(0, line);
     }
     return lines;
@@ -132,8 +133,8 @@ private:
             lines = "key " + ShowKey(key) + '\n';
         }
         bool answered = false;
-        lines += ExplainKey(sources, key, "", answered);
-        lines += ExplainKey(mainSources, key, " in the main dictionary", answered);
+        lines += ExplainKey(sources, key, false, answered);
+        lines += ExplainKey(mainSources, key, true, answered);
         if (!answered) lines += "  in none of the files: the answer is the key's default text\n";
         return lines;
     }

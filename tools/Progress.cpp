@@ -2,7 +2,11 @@
 
 #include <unistd.h>
 
+#include <chrono>
+#include <condition_variable>
 #include <cstdio>
+#include <filesystem>
+#include <mutex>
 
 namespace tool {
 
@@ -10,27 +14,32 @@ namespace {
 
 constexpr std::chrono::seconds kPatience{1};
 constexpr std::chrono::milliseconds kStep{100};
-constexpr std::uint64_t kCallsPerClock = 256;
+constexpr char kClear[] = "\r\x1B[K";
 
 }  // namespace
 
-Progress::Progress(std::string work, std::uint64_t total)
-    : name(std::move(work)),
-      end(total),
-      onTerminal(isatty(STDERR_FILENO) != 0),
-      next(Clock::now() + kPatience) {}
-
-Progress::~Progress() {
-    if (shown) std::fputs("\r\x1B[K", stderr);
+Progress::Progress(const char* work, const std::string& file, std::uint64_t total)
+    : name(std::string(work) + ' ' + std::filesystem::path(file).filename().string()), end(total) {
+    if (isatty(STDERR_FILENO) != 0) {
+        thread = std::jthread([this](const std::stop_token& stop) { Show(stop); });
+    }
 }
 
-void Progress::Reach(std::uint64_t done) {
-    if (!onTerminal || ++calls % kCallsPerClock != 0 || Clock::now() < next) return;
-    const auto percent = static_cast<unsigned>(100.0 * static_cast<double>(done) /
-                                               static_cast<double>(end == 0 ? 1 : end));
-    std::fprintf(stderr, "\r\x1B[Kwordlex: %s: %u %%", name.c_str(), percent);
-    shown = true;
-    next = Clock::now() + kStep;
+void Progress::Show(const std::stop_token& stop) const {
+    std::mutex mutex;
+    std::condition_variable_any never;
+    std::unique_lock lock(mutex);
+    const auto stopped = [&stop] { return stop.stop_requested(); };
+    if (never.wait_for(lock, stop, kPatience, stopped)) return;
+    const auto begin = std::chrono::steady_clock::now() - kPatience;
+    do {
+        const auto passed = std::chrono::steady_clock::now() - begin;
+        const auto shown = end != 0 ? 100 * reached.load(std::memory_order_relaxed) / end
+                                    : static_cast<std::uint64_t>(passed / std::chrono::seconds{1});
+        std::fprintf(stderr, "%swordlex: %s: %llu %s", kClear, name.c_str(),
+                     static_cast<unsigned long long>(shown), end != 0 ? "%" : "s");
+    } while (!never.wait_for(lock, stop, kStep, stopped));
+    std::fputs(kClear, stderr);
 }
 
 }  // namespace tool

@@ -1,30 +1,32 @@
 #pragma once
-#include <chrono>
+#include <atomic>
 #include <cstdint>
+#include <stop_token>
 #include <string>
+#include <thread>
 
 namespace tool {
 
-// A line on standard error that counts up while work lasts longer than a second, and is gone when
-// the work is done. Only where standard error is a terminal.
+// A line on standard error that tells what is being done while it lasts longer than a second, and
+// is gone when it is done. Only where standard error is a terminal.
+// Threads: one of its own, which only writes that line.
 class Progress {
 public:
-    Progress(std::string work, std::uint64_t total);
+    // "WORK FILE"; one at a time. Without a total the line counts seconds.
+    Progress(const char* work, const std::string& file, std::uint64_t total = 0);
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
-    ~Progress();
+    ~Progress() = default;  // waits for the thread
 
-    void Reach(std::uint64_t done);
+    void Reach(std::uint64_t done) { reached.store(done, std::memory_order_relaxed); }
 
 private:
-    using Clock = std::chrono::steady_clock;
+    void Show(const std::stop_token& stop) const;
 
     std::string name;
     std::uint64_t end;
-    bool onTerminal;
-    bool shown = false;
-    std::uint64_t calls = 0;
-    Clock::time_point next;
+    std::atomic<std::uint64_t> reached{0};
+    std::jthread thread;  // the last member: it reads the others
 };
 
 }  // namespace tool

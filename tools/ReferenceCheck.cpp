@@ -79,7 +79,13 @@ unsigned short FoldCase(unsigned short unit) {
 void CheckAccelerators(const CheckedFile& file, Findings& findings) {
     // Entries beside each other differ behind the last "/" alone.
     std::map<std::pair<std::string, unsigned short>, const std::string*> marked;
-    for (const auto& [key, entry] : file.entries) {
+    std::vector<const std::pair<const std::string, Definition>*> inOrder;
+    for (const auto& entry : file.entries)
+        inOrder.push_back(&entry);
+    std::ranges::stable_sort(inOrder, {},
+                             [](const auto* entry) { return entry->second.place.line; });
+    for (const auto* item : inOrder) {
+        const auto& [key, entry] = *item;
         const unsigned short accelerator = FoldCase(entry.value.GetAccelerator());
         const std::size_t slash = key.rfind('/');
         if (accelerator == 0 || slash == std::string::npos) continue;

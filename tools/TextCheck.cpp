@@ -2,7 +2,6 @@
 
 #include "tools/CheckedFile.h"
 #include "tools/LineCheck.h"
-#include "tools/Progress.h"
 
 namespace tool {
 
@@ -11,14 +10,15 @@ namespace {
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 
 // Whether 8-bit text is UTF-16 that lacks its mark: of the text's first half kilobyte every other
-// byte is mostly zero, and none of the bytes between them.
+// byte is mostly zero, and hardly one of the bytes between them.
 bool LooksLikeUtf16(std::string_view bytes) {
     constexpr std::size_t kLookedAt = 512;
     bytes = bytes.substr(0, std::min(kLookedAt, bytes.size() / 2 * 2));
     std::size_t zeros[2] = {};
     for (std::size_t i = 0; i < bytes.size(); ++i)
         if (bytes[i] == '\0') ++zeros[i % 2];
-    return std::min(zeros[0], zeros[1]) == 0 && 4 * std::max(zeros[0], zeros[1]) > bytes.size();
+    const auto [few, many] = std::minmax(zeros[0], zeros[1]);
+    return 8 * few < many && 4 * many > bytes.size();
 }
 
 void CheckEnd(const TextScanner& scanner, const std::string& name, Findings& findings) {
@@ -36,7 +36,8 @@ void CheckEnd(const TextScanner& scanner, const std::string& name, Findings& fin
 
 }  // namespace
 
-CheckedFile CheckText(const std::string& name, const std::string& bytes, Findings& findings) {
+CheckedFile CheckText(const std::string& name, const std::string& bytes, Findings& findings,
+                      Progress& progress) {
     CheckedFile file{name, {}};
     TextScanner scanner(bytes);
     if (!scanner.IsUtf16() && LooksLikeUtf16(bytes)) {
@@ -50,7 +51,6 @@ CheckedFile CheckText(const std::string& name, const std::string& bytes, Finding
                      "a UTF-8 mark, which the loader takes for text of the first line");
     }
     LineCheck lines(scanner, file, findings);
-    Progress progress("checking " + name, bytes.size());
     while (scanner.Next()) {
         lines.Check();
         progress.Reach(scanner.Offset());

@@ -44,6 +44,7 @@ std::string Key(std::size_t size) { return "\"" + std::string(size, 'k') + "=v\"
 const Row kTextRows[] = {
     {__LINE__, "\"$$$/A=b\"\n", ""},
     {__LINE__, Wide("\"A=b\""), "1:1 utf16-without-mark "},
+    {__LINE__, Wide("\"/Menu/File=") + "\x3D\xD8\0\xDE"s + Wide("\""), "1:1 utf16-without-mark "},
     {__LINE__, "\xEF\xBB\xBF\"A=b\\q\"", "1:1 utf8-mark 1:5 unknown-escape "},
     {__LINE__, "\"A=b\"\0\n\"B=c\""s, "1:6 zero "},
     {__LINE__, "\"A=b\"\n\0\"B=c\""s, "2:1 zero "},
@@ -78,6 +79,7 @@ const Row kTextRows[] = {
     {__LINE__, "\"A=#{macos}c#{macos}d\"", "1:12 dropped-text "},
     {__LINE__, "\"/M/A=&File\"\n\"/M/B=O(&f)\"\n\"/N/C=&F\"\n\"/M/D=F && &G\"",
      "2:2 same-accelerator "},
+    {__LINE__, "\"/M/B=&x\"\n\"/M/A=&x\"", "2:2 same-accelerator "},
 };
 
 // Against "/A=^1 <param name="x"/>", "/B=b" and "/C=c".
@@ -187,7 +189,7 @@ TEST_F(CheckTest, ExitCodeAndFormatFollowTheOptions) {
         int exitCode;
     } rows[] = {
         {__LINE__, "warning", 0},
-        {__LINE__, "warning --fail-on=warning", 1},
+        {__LINE__, "warning --fail-on=Warning", 1},
         {__LINE__, "warning --fail-on=warning --disable=no-equals", 0},
         {__LINE__, "error warning", 1},
         {__LINE__, "error --disable duplicate-key --disable=zero", 0},
@@ -210,7 +212,7 @@ TEST_F(CheckTest, ExitCodeAndFormatFollowTheOptions) {
     EXPECT_EQ(Run("wordlex check --format=json warning").out,
               "{\"file\":\"warning\",\"line\":1,\"column\":3,\"severity\":\"warning\","
               "\"text\":\"no \\\"=\\\": the value is empty\",\"rule\":\"no-equals\"}\n");
-    EXPECT_EQ(Run("printf '\"A=caf\\351\"' | wordlex check --encoding=iso-8859-1 -").out, "");
+    EXPECT_EQ(Run("printf '\"A=caf\\351\"' | wordlex check --encoding=ISO-8859-1 -").out, "");
 }
 
 }  // namespace
