@@ -132,8 +132,11 @@ std::string LocaleId::getParentName() const {
     return needScriptIfNoRegion() ? language + "-" + script : language;
 }
 
+// Callers hand over a copy, which is part of the interface.
+// NOLINTBEGIN(performance-unnecessary-value-param)
 bool LocaleId::isEqual(LocaleId other) const { return getName() == other.getName(); }
 
 bool LocaleId::hasSameParent(LocaleId other) const {
     return getParentName() == other.getParentName();
 }
+// NOLINTEND(performance-unnecessary-value-param)

@@ -67,6 +67,8 @@ constexpr Encoding encodings[] = {
     {kCFStringEncodingDOSKorean, Form::kTable, "windows-949"},
     {kCFStringEncodingDOSChineseTrad, Form::kTable, "windows-950"},
 };
+constexpr const Encoding& utf8 = encodings[0];
+static_assert(utf8.number == kCFStringEncodingUTF8);
 
 // The one name that stands for all of ICU's names of a converter; empty for an unknown name.
 std::string_view CanonicalName(const char* name) {
@@ -102,7 +104,7 @@ const Encoding& SystemEncoding() {
         const std::string_view codeset = locale.substr(dot + 1);
         named = FindByCodeset(std::string(codeset.substr(0, codeset.find('@'))));
     }
-    return named != nullptr ? *named : *FindByNumber(kCFStringEncodingUTF8);
+    return named != nullptr ? *named : utf8;
 }
 
 const Encoding& ByNumber(CFStringEncoding number) {

@@ -493,7 +493,7 @@ void Dictionary::AddEntry(unsigned short* line, const unsigned short* end) {
     // Where an old entry leaves, there is room for the new one: only a plain insertion can throw.
     delete entries.Remove(probe);
     entries.Insert(entry.get());
-    entry.release();
+    static_cast<void>(entry.release());
 }
 
 void Dictionary::ReadText(DictionaryReader& reader, bool skipMark) {

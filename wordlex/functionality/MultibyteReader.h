@@ -16,7 +16,7 @@ public:
 
 private:
     static constexpr std::size_t kFirstLineBytes = 256;
-    static constexpr std::size_t kBlockBytes = 64 * 1024;
+    static constexpr std::size_t kBlockBytes = 0x10000;
 
     bool CollectLine();
 

@@ -17,7 +17,7 @@ public:
 
 private:
     // Each read costs a call of the system: few of them, and no more memory than is touched.
-    static constexpr std::size_t kBlockUnits = 32 * 1024;
+    static constexpr std::size_t kBlockUnits = 0x8000;
 
     std::array<unsigned short, kBlockUnits> block;  // read ahead
     std::size_t blockCursor = 0;
