@@ -9,15 +9,16 @@
 
 inline long allocationsLeft = -1;  // before one fails; negative: none fails
 
-void* operator new(std::size_t bytes) {
+// Not inlined, or an optimizing g++ sees free() called on what it takes for another new's block.
+[[gnu::noinline]] void* operator new(std::size_t bytes) {
     void* const block = allocationsLeft-- == 0 ? nullptr : std::malloc(bytes > 0 ? bytes : 1);
     return block ? block : throw std::bad_alloc();
 }
 void* operator new[](std::size_t bytes) { return operator new(bytes); }
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete[](void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t) noexcept { std::free(block); }
-void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
+[[gnu::noinline]] void operator delete(void* block) noexcept { std::free(block); }
+void operator delete[](void* block) noexcept { operator delete(block); }
+void operator delete(void* block, std::size_t) noexcept { operator delete(block); }
+void operator delete[](void* block, std::size_t) noexcept { operator delete(block); }
 
 // Calls `act` once for each of its allocations, which then fails, and a last time without a
 // failure; calls `check(failed)` after each.

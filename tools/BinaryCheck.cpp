@@ -50,8 +50,8 @@ public:
                              " that a look-up of the key does not find");
             return;
         }
-        file.entries.emplace(key,
-                             Definition{{file.name}, Text(entry.value.data(), entry.value.size())});
+        Text value(entry.value.data(), entry.value.size());
+        file.entries.try_emplace(key, Place{file.name}, std::move(value));
     }
 
 private:

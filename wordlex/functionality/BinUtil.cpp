@@ -60,7 +60,10 @@ unsigned long HashFunc(const unsigned char* bytes, unsigned long length) noexcep
 
 std::uint16_t KeyTag(const unsigned char* bytes, unsigned long length) noexcept {
     constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15;  // 2^64 over the golden ratio
-    std::uint64_t mix = length * kMultiplier;
+    // Where the loader has put this library differs from process to process: nobody can make keys
+    // ahead whose tags are all equal.
+    static const char kHere = 0;
+    std::uint64_t mix = (length ^ reinterpret_cast<std::uintptr_t>(&kHere)) * kMultiplier;
     const auto take = [&mix](std::uint64_t word) {
         mix = (mix ^ word) * kMultiplier;
         mix ^= mix >> 32;

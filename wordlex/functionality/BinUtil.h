@@ -18,7 +18,8 @@ unsigned long HashBytes(const unsigned char* bytes, unsigned long length,
 unsigned long HashFunc(const unsigned char* bytes, unsigned long length) noexcept;
 
 // A digest of a key, in memory only: tells apart most keys that share a bucket. Of a key longer
-// than any honest one it takes in the head, the last bytes and the length.
+// than any honest one it takes in the head, the last bytes and the length. Another process gives
+// another digest.
 std::uint16_t KeyTag(const unsigned char* bytes, unsigned long length) noexcept;
 
 // Whether multi-byte fields in the given byte order differ from this machine's.

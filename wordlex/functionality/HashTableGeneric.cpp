@@ -4,6 +4,7 @@
 #include <numeric>
 #include <ostream>
 #include <streambuf>
+#include <utility>
 #include <vector>
 
 #include "wordlex/functionality/ImageWriter.h"
@@ -21,43 +22,67 @@ class NowhereBuffer : public std::streambuf {
 
 }  // namespace
 
-std::size_t HashTableGeneric::Bucket::Position(const HashItem& probe) const {
+std::optional<std::size_t> HashTableGeneric::Bucket::Position(const HashItem& probe) const {
     const std::uint16_t tag = probe.Tag();
     const std::uint16_t* const tags = Tags();
-    std::size_t behind = BehindLastTag(tags, count, tag);
-    while (behind != 0 && !(*Items()[behind - 1] == probe))
-        behind = BehindLastTag(tags, behind - 1, tag);
-    return behind != 0 ? behind - 1 : count;
+    std::size_t behind = BehindLastTag(tags, end, tag);
+    for (; behind != 0; behind = BehindLastTag(tags, behind - 1, tag)) {
+        const HashItem* const item = Items()[behind - 1];
+        if (item != nullptr && *item == probe) return behind - 1;
+    }
+    return std::nullopt;
+}
+
+HashItem* HashTableGeneric::Bucket::NewerThan(std::size_t position) const noexcept {
+    HashItem** const behind = Items() + end;
+    HashItem** const newer = std::find_if(Items() + position + 1, behind,
+                                          [](const HashItem* item) { return item != nullptr; });
+    return newer == behind ? nullptr : *newer;
+}
+
+void HashTableGeneric::Bucket::CloseHoles() noexcept {
+    std::uint32_t kept = 0;
+    for (std::uint32_t i = 0; i < end; ++i) {
+        if (Items()[i] == nullptr) continue;
+        Items()[kept] = Items()[i];
+        Tags()[kept++] = Tags()[i];
+    }
+    end = kept;
 }
 
 void HashTableGeneric::Bucket::Reserve(std::size_t more) {
-    if (capacity - count >= more) return;
+    if (capacity - end >= more) return;
+    CloseHoles();
+    if (capacity - end >= more) return;
     Bucket larger;
     larger.capacity = static_cast<std::uint32_t>(std::max(count + more, 2 * std::size_t{count}));
     larger.block.reset(
         new std::byte[larger.capacity * (sizeof(HashItem*) + sizeof(std::uint16_t))]);
     std::copy_n(Items(), count, larger.Items());
     std::copy_n(Tags(), count, larger.Tags());
-    larger.count = count;
+    larger.count = larger.end = count;
     *this = std::move(larger);
 }
 
 void HashTableGeneric::Bucket::Append(HashItem* item) {
-    Items()[count] = item;
-    Tags()[count] = item->Tag();
+    Items()[end] = item;
+    Tags()[end] = item->Tag();
+    ++end;
     ++count;
 }
 
 void HashTableGeneric::Bucket::Erase(std::size_t position) noexcept {
-    std::copy(Items() + position + 1, Items() + count, Items() + position);
-    std::copy(Tags() + position + 1, Tags() + count, Tags() + position);
+    Items()[position] = nullptr;
     --count;
+    while (end != 0 && Items()[end - 1] == nullptr)
+        --end;
+    if (end > 2 * count) CloseHoles();
 }
 
 HashTableGeneric::~HashTableGeneric() {
     for (const Bucket& bucket : buckets) {
-        for (HashItem* item : bucket.Chain())
-            delete item;
+        for (HashItem* item = bucket.Head(); item != nullptr;)
+            delete std::exchange(item, item->next);
     }
 }
 
@@ -74,29 +99,20 @@ void HashTableGeneric::InsertAhead(unsigned long bucketIndex, std::span<HashItem
     }
 }
 
-std::size_t HashTableGeneric::Search(const HashItem& probe) const {
-    lastBucket = probe.Hash(kHashBucketCount);
-    const Bucket& bucket = buckets[lastBucket];
-    const std::size_t position = bucket.Position(probe);
-    const std::size_t previous = position == bucket.Count() ? 0 : position + 1;
-    lastPrevious = previous < bucket.Count() ? bucket.Chain()[previous] : nullptr;
-    return position;
-}
-
 HashItem* HashTableGeneric::Find(const HashItem& probe) const {
-    const std::size_t position = Search(probe);
-    const Bucket& bucket = buckets[lastBucket];
-    return position == bucket.Count() ? nullptr : bucket.Chain()[position];
+    const Bucket& bucket = buckets[probe.Hash(kHashBucketCount)];
+    const std::optional<std::size_t> position = bucket.Position(probe);
+    return position.has_value() ? bucket.At(*position) : nullptr;
 }
 
 HashItem* HashTableGeneric::Remove(const HashItem& probe) {
-    const std::size_t position = Search(probe);
-    Bucket& bucket = buckets[lastBucket];
-    if (position == bucket.Count()) return nullptr;
-    HashItem* const found = bucket.Chain()[position];
-    if (lastPrevious != nullptr) lastPrevious->next = found->next;
+    Bucket& bucket = buckets[probe.Hash(kHashBucketCount)];
+    const std::optional<std::size_t> position = bucket.Position(probe);
+    if (!position.has_value()) return nullptr;
+    HashItem* const found = bucket.At(*position);
+    if (HashItem* const newer = bucket.NewerThan(*position)) newer->next = found->next;
     found->next = nullptr;
-    bucket.Erase(position);
+    bucket.Erase(*position);
     return found;
 }
 

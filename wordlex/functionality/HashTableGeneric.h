@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 
 #include "wordlex/functionality/BinUtil.h"
@@ -18,7 +19,7 @@ class ImageWriter;
 //            their tags in one block, so that a search compares tags that lie together and touches
 //            only the items whose tag fits. At 100 items a bucket this is what keeps a hit fast.
 // Order:     buckets ascending, within a bucket from the chain's head: enumeration and writing.
-// Threads:   none, const members included: Find and HasMoreItem write scratch state.
+// Threads:   none, const members included: HasMoreItem writes the enumeration's state.
 class HashTableGeneric {
 public:
     HashTableGeneric() = default;
@@ -68,14 +69,18 @@ public:
                              lexon::EndianT order) const;
 
 private:
-    // The items of one chain, oldest first, and behind them in the same block their tags.
+    // The items of one chain, oldest first, and behind them in the same block their tags. An item
+    // that leaves the middle leaves a hole, which closes when the block is full or half empty: to
+    // move the rest each time would take time by the square of a long chain.
     class Bucket {
     public:
         std::size_t Count() const noexcept { return count; }
-        HashItem* Head() const noexcept { return count == 0 ? nullptr : Items()[count - 1]; }
-        std::span<HashItem* const> Chain() const noexcept { return {Items(), count}; }
-        // Index of the newest item equal to `probe`, or Count().
-        std::size_t Position(const HashItem& probe) const;
+        HashItem* Head() const noexcept { return end == 0 ? nullptr : Items()[end - 1]; }
+        // Where the newest item equal to `probe` lies in the block; none when there is none.
+        std::optional<std::size_t> Position(const HashItem& probe) const;
+        HashItem* At(std::size_t position) const noexcept { return Items()[position]; }
+        // The next newer item of the chain than the one there; null when that is the newest.
+        HashItem* NewerThan(std::size_t position) const noexcept;
         void Reserve(std::size_t more);
         void Append(HashItem* item);  // room is reserved
         void Erase(std::size_t position) noexcept;
@@ -86,19 +91,19 @@ private:
             return reinterpret_cast<std::uint16_t*>(block.get() + capacity * sizeof(HashItem*));
         }
 
+        void CloseHoles() noexcept;
+
         std::unique_ptr<std::byte[]> block;
-        std::uint32_t count = 0;
+        std::uint32_t count = 0;  // of items
+        std::uint32_t end = 0;    // of items and holes; the last is an item
         std::uint32_t capacity = 0;
     };
 
-    std::size_t Search(const HashItem& probe) const;
     bool EnterChainFrom(std::size_t firstBucket) const;
     std::uint32_t SerializeBinary(std::ostream& out, const lexon::EncodingInfo* encoding) const;
     void WriteHashIndex(ImageWriter& writer) const;
 
     std::array<Bucket, kHashBucketCount> buckets;
-    mutable unsigned long lastBucket = 0;  // where the latest Find or Remove looked, and the item
-    mutable HashItem* lastPrevious = nullptr;  // in front of the last one that it examined
     mutable bool enumRestart = true;
     mutable std::int32_t enumBucket = 0;
     mutable HashItem* enumItem = nullptr;
