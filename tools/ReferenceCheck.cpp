@@ -20,6 +20,7 @@ std::set<std::string> Markers(const Text& text) {
 // The names of the parameter tags: of all that stands in quotation marks, what the string class
 // finds as one.
 std::set<std::string> Parameters(const Text& text) {
+    std::set<std::string> tried;
     std::set<std::string> names;
     const Units units = UnitsOf(text);
     auto opening = std::ranges::find(units, u'"');
@@ -28,7 +29,9 @@ std::set<std::string> Parameters(const Text& text) {
         if (closing == units.end()) break;
         const std::string name = Utf8(Units(opening + 1, closing));
         Text copy = text;
-        if (copy.BackDoorParamSubstitute(name.c_str(), {}, 1)) names.insert(name);
+        if (tried.insert(name).second && copy.BackDoorParamSubstitute(name.c_str(), {}, 1)) {
+            names.insert(name);
+        }
         opening = closing;
     }
     return names;

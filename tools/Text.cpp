@@ -73,12 +73,8 @@ std::size_t FindUnpairedSurrogate(Units units) {
     return i;
 }
 
-std::uint64_t CountCharacters(Units units) {
-    std::uint64_t count = 0;
-    for (std::size_t i = 0; i < units.size(); ++i) {
-        if (!IsLowSurrogate(units[i]) || IsUnpairedSurrogate(units, i)) ++count;
-    }
-    return count;
+bool IsSecondHalf(Units units, std::size_t i) {
+    return IsLowSurrogate(units[i]) && !IsUnpairedSurrogate(units, i);
 }
 
 std::string CodePoint(unsigned short unit) { return Hex("U+%04X", unit); }

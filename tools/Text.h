@@ -26,8 +26,8 @@ Text FromUtf8(std::string_view text);
 bool IsUnpairedSurrogate(Units units, std::size_t i);
 // The first unpaired surrogate, or the length.
 std::size_t FindUnpairedSurrogate(Units units);
-// Characters, not units: a surrogate pair is one.
-std::uint64_t CountCharacters(Units units);
+// Whether the unit at `i` goes with the one before it: a surrogate pair is one character.
+bool IsSecondHalf(Units units, std::size_t i);
 
 // "U+00E9"
 std::string CodePoint(unsigned short unit);

@@ -28,6 +28,7 @@ bool TextScanner::Next() {
         const std::uint64_t from = reader->GetOffset();
         line = reader->ReadALine();
         if (line == nullptr) return false;
+        counted = {};
         Count(from);
         const Units units = Line();
         lastColumn = Column(line + units.size());
@@ -58,9 +59,14 @@ unsigned TextScanner::UnitBefore(std::uint64_t offset) const {
 }
 
 std::uint64_t TextScanner::Column(const unsigned short* position) const {
-    const unsigned short* begin = line;
-    if (number == 1 && *begin == kMark && position != begin) ++begin;
-    return 1 + CountCharacters(Units(begin, position));
+    const Units units = Line();
+    const auto end = static_cast<std::size_t>(position - line);
+    if (end < counted.units) counted = {};
+    for (; counted.units < end; ++counted.units) {
+        const bool isMark = number == 1 && counted.units == 0 && *line == kMark;
+        if (!isMark && !IsSecondHalf(units, counted.units)) ++counted.characters;
+    }
+    return 1 + counted.characters;
 }
 
 TextScanner::End TextScanner::AtEnd() const {

@@ -60,7 +60,13 @@ private:
     std::string_view lineBytes;
     std::uint64_t number = 0;
     std::uint64_t lastColumn = 1;  // behind the line
-    unsigned ending = '\n';        // what ended the line before
+    // How far the line was counted for the last column: most that are asked for ascend.
+    struct Counted {
+        std::size_t units = 0;
+        std::uint64_t characters = 0;
+    };
+    mutable Counted counted;
+    unsigned ending = '\n';  // what ended the line before
 };
 
 }  // namespace tool
