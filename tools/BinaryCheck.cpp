@@ -51,7 +51,7 @@ public:
             return;
         }
         Text value(entry.value.data(), entry.value.size());
-        file.entries.try_emplace(key, Place{file.name}, std::move(value));
+        file.entries.try_emplace(key, Definition{{file.name}, std::move(value)});
     }
 
 private:
