@@ -5,8 +5,15 @@
 #include <algorithm>
 #include <functional>
 #include <iostream>
+#include <optional>
 #include <set>
 
+#include "host/Ovis/Language.h"
+#include "host/vexacore/Config.h"
+#include "host/vexacore/Locale.h"
+#include "host/vexacore/Localizer.h"
+#include "host/vexacore/Xml.h"
+#include "startup/VEXAInitializer.h"
 #include "tests/hardening/Snapshot.h"
 #include "tests/hardening/Streams.h"
 #include "tests/wordlex/Images.h"
@@ -222,26 +229,30 @@ TEST(MemoryRunsOut, StringsAreAsBeforeOrAsAfter) {
     }
 }
 
-TEST(MemoryRunsOut, HandlesStayUsable) {
-    const char* const key = "$$$/none=\xC3\xA9";
-    const std::pair<int, std::function<void(lexon::Wordlex&, lexon::Dictionary&)>> rows[] = {
-        {__LINE__, [](auto& w, auto&) { w.MakeFromUnicode(kLong, 300); }},
-        {__LINE__, [](auto& w, auto&) { w.MakeFromCString("new", 3, nullptr); }},
-        {__LINE__, [&](auto& w, auto& d) { w = d.Lookup(key, nullptr); }},
-        {__LINE__, [](auto& w, auto& d) { w = lexon::Dictionary(d).Accelerator(0U, nullptr); }},
-        {__LINE__, [](auto& w, auto& d) { d = lexon::Dictionary(true), w = lexon::Wordlex(42L); }},
-    };
-    for (const auto& [line, change] : rows) {
-        SCOPED_TRACE(line);
-        ForEveryFailingAllocation([&](auto inject) {
-            lexon::Wordlex text(7L);
-            lexon::Dictionary dictionary(true);
-            EXPECT_NE(Outcome::kSwallowed, inject([&] { change(text, dictionary); }));
-            text.AssignUnicode(TerminatedUnits(u"after").data());
-            EXPECT_EQ(5U, text.GetUnicodeSizeNoNull());
-            EXPECT_EQ(0U, dictionary.Add("/key", kLong, 1, nullptr, nullptr, 0));
-        });
-    }
+TEST(MemoryRunsOut, StartUpLeavesNothingInTheHost) {
+    using namespace vexacore;
+    const std::new_handler outer = std::get_new_handler();
+    Ovis::SetLanguageString(u"ja");
+    const long failures = ForEveryFailingAllocation(
+        [&](auto inject) {
+            std::optional<Startup::VEXAInitializer> initializer;
+            const Outcome outcome = inject([&] { initializer.emplace(); });
+            EXPECT_EQ(outcome != Outcome::kThrew, initializer.has_value());
+            if (initializer.has_value()) {
+                EXPECT_NE(nullptr, config::ErrorManager::Get());
+                EXPECT_NE(nullptr, config::Localizer::Get());
+                EXPECT_NE(nullptr, xml::GetParserFactory());
+                EXPECT_NE(outer, std::get_new_handler());
+                EXPECT_EQ(u"ja", Locale::GetLanguage());
+                initializer.reset();
+                EXPECT_EQ(nullptr, xml::GetParserFactory());
+            }
+            EXPECT_EQ(nullptr, config::ErrorManager::Get());
+            EXPECT_EQ(nullptr, config::Localizer::Get());
+            EXPECT_EQ(outer, std::get_new_handler());
+        },
+        Blocks::kKeptByHost);
+    EXPECT_LT(10, failures);
 }
 
 }  // namespace

@@ -11,7 +11,7 @@
 #include "localeid/MuiLibImpl.h"
 #include "localeid/MuiMessages.h"
 #include "tests/Environment.h"
-#include "tests/FailingAllocations.h"
+#include "tests/hardening/Memory.h"
 
 extern "C" std::size_t UseMuiLibFromC(const char** order, const char** locales,
                                       const wchar_t* messages[2]);
@@ -179,27 +179,27 @@ TEST_F(MuiLib, IsUsableFromC) {
     EXPECT_EQ(RowOf("de").unsupportedSystemLocale, messages[1]);
 }
 
-// Every allocation fails once: arrays keep each pointer, a forced order is the old or the new one.
+// Arrays keep each pointer, a forced order is the old or the new one.
 TEST_F(MuiLib, LosesNothingWhenMemoryRunsOut) {
     Locales order("name-too-long-for-a-short-string pt_PT de");
     Prefer("fi:this-language-has-an-endless-name");
-    MuiForceOrderOfOsLocales(*Locales("sv"));
     Locales locales("ar de another-name-too-long-for-it pt_BR");
     const std::vector<const char*> original = locales.array;
-    const auto act = [&] {
-        std::string fromSystem;
-        GetMacOsLang(fromSystem);
-        MuiForceOrderOfOsLocales(*order);
-        MuiGetUnsupportedSystemLocaleErrorMessage(*locales);
-    };
-    FailEachAllocation(act, [&](bool) {
-        EXPECT_EQ(liveObjects, host::cf::LiveObjectCount());
+    const long failures = hardening::ForEveryFailingAllocation([&](auto inject) {
+        MuiForceOrderOfOsLocales(*Locales("sv"));
+        inject([&] {
+            std::string fromSystem;
+            GetMacOsLang(fromSystem);
+            MuiForceOrderOfOsLocales(*order);
+            MuiGetUnsupportedSystemLocaleErrorMessage(*locales);
+        });
         const std::string forced = getOsLangPref();
         EXPECT_TRUE(forced == "sv" || forced == "name-too-long-for-a-short-string;pt_PT;de");
         EXPECT_TRUE(std::ranges::is_permutation(original, locales.array));
-        MuiForceOrderOfOsLocales(*Locales("sv"));
         locales.array = original;
+        MuiForceOrderOfOsLocales(nullptr);
     });
+    EXPECT_LT(10, failures);
 }
 
 }  // namespace

@@ -129,12 +129,6 @@ TEST_F(CheckTest, EachRuleIsListedAndExplained) {
     }
 }
 
-TEST_F(CheckTest, IsSilentOnTheShippedDictionaries) {
-    EXPECT_EQ(Run("cd '" PROJECT_DIR "/app/dictionaries' && ls [!C]*.txt | grep -c . && "
-                  "wordlex check --reference=en.txt [!C]*.txt"),
-              (Outcome{0, "10\n"}));
-}
-
 TEST_F(CheckTest, TellsOffsetsOfBinaryFiles) {
     Write("a", "\"/A=bc\"\n\"/D=e\"");
     ASSERT_EQ(Run("wordlex compile a -o b"), (Outcome{0, ""}));
@@ -178,41 +172,6 @@ TEST_F(CheckTest, TellsOffsetsOfBinaryFiles) {
         Write("c", changed);
         EXPECT_EQ(Found("c"), row.found);
     }
-}
-
-TEST_F(CheckTest, ExitCodeAndFormatFollowTheOptions) {
-    Write("warning", "\"A\"");
-    Write("error", "\"A=\\q\"\n\"A=b\"");
-    const struct {
-        int line;
-        std::string arguments;
-        int exitCode;
-    } rows[] = {
-        {__LINE__, "warning", 0},
-        {__LINE__, "warning --fail-on=Warning", 1},
-        {__LINE__, "warning --fail-on=warning --disable=no-equals", 0},
-        {__LINE__, "error warning", 1},
-        {__LINE__, "error --disable duplicate-key --disable=zero", 0},
-        {__LINE__, "- < error", 1},
-        {__LINE__, "error --disable=nope", 2},
-        {__LINE__, "error --fail-on=note", 2},
-        {__LINE__, "warning --encoding=nope", 2},
-        {__LINE__, "warning --reference=nope", 2},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.line);
-        EXPECT_EQ(Run("wordlex check " + row.arguments).exitCode, row.exitCode);
-    }
-    EXPECT_EQ(Run("wordlex check error"),
-              (Outcome{1,
-                       "error:1:4: warning: \"\\q\" is no escape and stays as it is "
-                       "[unknown-escape]\n"
-                       "error:2:2: error: the key \"A\" is defined first at error:1:2; this text "
-                       "replaces that one [duplicate-key]\n"}));
-    EXPECT_EQ(Run("wordlex check --format=json warning").out,
-              "{\"file\":\"warning\",\"line\":1,\"column\":3,\"severity\":\"warning\","
-              "\"text\":\"no \\\"=\\\": the value is empty\",\"rule\":\"no-equals\"}\n");
-    EXPECT_EQ(Run("printf '\"A=caf\\351\"' | wordlex check --encoding=ISO-8859-1 -").out, "");
 }
 
 }  // namespace
