@@ -2,13 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <tuple>
 #include <type_traits>
-#include <vector>
 
 #include "host/CoreFoundation/LiveObjects.h"
 #include "tests/Environment.h"
@@ -149,43 +147,6 @@ TEST_F(CoreFoundation, LossAndRoomAreCountedInWholeCharacters) {
     EXPECT_EQ(6, needed);
 }
 
-TEST_F(CoreFoundation, TerminatedAndCountedTextIsWholeOrEmpty) {
-    const auto check = [](const String& string, CFStringEncoding number, std::size_t size,
-                          std::size_t terminatedLength, std::size_t countedLength) {
-        std::vector<char> terminated(size, '#');
-        std::vector<unsigned char> counted(size, '#');
-        const auto room = static_cast<CFIndex>(size);
-        EXPECT_EQ(terminatedLength > 0,
-                  CFStringGetCString(string.get(), terminated.data(), room, number));
-        EXPECT_EQ(terminatedLength, std::string(terminated.data()).size());
-        EXPECT_EQ(countedLength > 0,
-                  CFStringGetPascalString(string.get(), counted.data(), room, number));
-        EXPECT_EQ(countedLength, counted[0]);
-    };
-    const String text = FromUnits(u"caf\u00E9");
-    check(text, kCFStringEncodingISOLatin1, 5, 4, 4);
-    check(text, kCFStringEncodingISOLatin1, 4, 0, 0);
-    check(text, kCFStringEncodingASCII, 64, 0, 0);
-    check(FromUnits(std::u16string(255, 'x')), kCFStringEncodingASCII, 256, 255, 255);
-    check(FromUnits(std::u16string(256, 'x')), kCFStringEncodingASCII, 300, 256, 0);
-    EXPECT_FALSE(CFStringGetCString(text.get(), nullptr, 0, kCFStringEncodingUTF8));
-}
-
-TEST_F(CoreFoundation, StringsAreFormattedBorrowedOrConstant) {
-    EXPECT_EQ(
-        u"-9223372036854775808|\u00E9",
-        Units(String(CFStringCreateWithFormat(kCFAllocatorDefault, nullptr, CFSTR("%ld|%s"),
-                                              std::numeric_limits<long>::min(), "\xC3\xA9"))));
-    const UniChar units[] = {'a', 'b'};
-    const String borrowed(
-        CFStringCreateWithCharactersNoCopy(kCFAllocatorDefault, units, 2, kCFAllocatorNull));
-    EXPECT_EQ(units, CFStringGetCharactersPtr(borrowed.get()));
-    const CFStringRef constant = CFSTR("constant");
-    CFRelease(constant);
-    EXPECT_EQ(constant, CFSTR("constant"));
-    EXPECT_EQ(8, CFStringGetLength(constant)) << "it outlives its releases";
-}
-
 TEST_F(CoreFoundation, TheLocaleNamesTheSystemEncoding) {
     const auto check = [](const char* environment, CFStringEncoding expected) {
         SetEnvironment(environment);
@@ -201,34 +162,6 @@ TEST_F(CoreFoundation, TheLocaleNamesTheSystemEncoding) {
     check("LC_ALL= LC_CTYPE=ru_RU.CP1251", kCFStringEncodingWindowsCyrillic);
     SetEnvironment("LANG=pl_PL.ISO-8859-2");
     EXPECT_EQ(u"\u0105", Units(FromBytes("\xB1", 0xDEAD))) << "an unknown number";
-}
-
-TEST_F(CoreFoundation, TheEnvironmentNamesTheLanguages) {
-    const auto check = [](const char* environment, const std::string& expected,
-                          CFStringRef key = CFSTR("AppleLanguages"),
-                          CFStringRef user = kCFPreferencesCurrentUser) {
-        SetEnvironment(environment);
-        const std::unique_ptr<const void, Release> value(
-            CFPreferencesCopyValue(key, kCFPreferencesAnyApplication, user, kCFPreferencesAnyHost));
-        const auto array = static_cast<CFArrayRef>(value.get());
-        std::string languages;
-        for (CFIndex i = 0; array != nullptr && i < CFArrayGetCount(array); ++i) {
-            char name[32];
-            const auto language = static_cast<CFStringRef>(CFArrayGetValueAtIndex(array, i));
-            EXPECT_TRUE(CFStringGetCString(language, name, sizeof name, kCFStringEncodingASCII));
-            languages += name + " "s;
-        }
-        EXPECT_EQ(expected, array == nullptr ? "null" : languages) << environment;
-    };
-    check("", "null");
-    check("LANG=de_DE.UTF-8", "de_DE ");
-    check("LANG=C.UTF-8", "null");
-    check("LANGUAGE=:pt_PT::de@x:C: LANG=fr_FR", "pt_PT de ");
-    check("LANGUAGE=: LC_MESSAGES=fr LANG=en", "fr ");
-    check("LANGUAGE= LC_ALL=POSIX LANG=en", "null");
-    check("LANGUAGE=\xFF:ja", "ja ");
-    check("LANG=de", "null", CFSTR("AppleLocale"));
-    check("LANG=de", "null", CFSTR("AppleLanguages"), kCFPreferencesAnyHost);
 }
 
 }  // namespace

@@ -53,29 +53,6 @@ protected:
     const std::size_t liveObjects = host::cf::LiveObjectCount();
 };
 
-TEST_F(MuiLib, PromotesTheFirstMatchFromTheFrontOn) {
-    // For each front position the digit of the name found from there, '-' for none.
-    const auto check = [&](const char* target, LanguageMatch match, const std::string& found) {
-        for (std::size_t front = 0; front < found.size(); ++front) {
-            Locales locales("de pt_BR az_AZ pt-PT english pt_br zh_TW");
-            auto expected = locales.array;
-            const bool finds = found[front] != '-';
-            const auto from = expected.begin() + (finds ? found[front] - '0' : 0);
-            if (finds) std::rotate(expected.begin() + static_cast<long>(front), from, from + 1);
-            EXPECT_EQ(finds, PromoteLanguage(*locales, front, target, match));
-            EXPECT_EQ(expected, locales.array) << target << ", front " << front;
-        }
-    };
-    check("PT-BR", LanguageMatch::kExact, "115555---");
-    check("pt", LanguageMatch::kExact, "---------");
-    check("pt", LanguageMatch::kSameParent, "113355---");
-    check("az--AZ", LanguageMatch::kExact, "---------");
-    check("az-", LanguageMatch::kSameParent, "222------");
-    check("x", LanguageMatch::kExact, "44444----");
-    check("zh-Hant", LanguageMatch::kSameParent, "6666666--");
-    EXPECT_FALSE(PromoteLanguage(nullptr, 0, "de", LanguageMatch::kExact));
-}
-
 TEST_F(MuiLib, SortsByPreference) {
     const auto check = [](const char* preferred, const char* names, std::size_t placed,
                           const char* sorted) {

@@ -129,49 +129,4 @@ TEST_F(CheckTest, EachRuleIsListedAndExplained) {
     }
 }
 
-TEST_F(CheckTest, TellsOffsetsOfBinaryFiles) {
-    Write("a", "\"/A=bc\"\n\"/D=e\"");
-    ASSERT_EQ(Run("wordlex compile a -o b"), (Outcome{0, ""}));
-    const std::string image = Read("b");
-    EXPECT_EQ(Found("b"), "");
-    const std::size_t lengthEnd = 25 + 4;
-    const std::size_t localeEnd = lengthEnd + 5;
-    std::istringstream lines(Run("size=21; while [ $size -lt " + std::to_string(image.size()) +
-                                 " ]; do head -c $size b | wordlex check -; echo $?; "
-                                 "size=$((size + 1)); done")
-                                 .out);
-    std::string finding;
-    std::string exitCode;
-    std::size_t size = 21;
-    for (; std::getline(lines, finding) && std::getline(lines, exitCode); ++size) {
-        SCOPED_TRACE(size);
-        EXPECT_EQ(exitCode, "1");
-        EXPECT_TRUE(finding.starts_with("-:@0x")) << finding;
-        // The locale is passed over where nothing follows its length.
-        EXPECT_EQ(finding.find("none of its entries") != std::string::npos,
-                  size == lengthEnd || size >= localeEnd);
-    }
-    EXPECT_EQ(size, image.size());
-    EXPECT_EQ(Run("head -c 99 b > c; wordlex dump c").exitCode, 2);
-    EXPECT_EQ(Run("wordlex compile c -o d").exitCode, 1);
-    const struct {
-        int line;
-        std::size_t offset;
-        char byte;
-        std::string found;
-    } rows[] = {
-        {__LINE__, 21, 3, "@0x15 malformed-binary "},                      // version 3
-        {__LINE__, localeEnd + 25, 9, "@0x3B malformed-binary "},          // key offset
-        {__LINE__, image.size() - 4 - 8, 9, "@0x69 malformed-binary "},    // a listed id
-        {__LINE__, image.size() - 4 - 8, 1, " error unreachable-entry "},  // of another slot
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.line);
-        std::string changed = image;
-        changed[row.offset] = row.byte;
-        Write("c", changed);
-        EXPECT_EQ(Found("c"), row.found);
-    }
-}
-
 }  // namespace

@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <fstream>
 #include <memory>
+#include <regex>
 #include <sstream>
 
 #include "tests/wordlex/Images.h"
@@ -127,6 +129,26 @@ TEST(BinaryFormat, BothStoresWriteByteForByte) {
     EXPECT_TRUE(out.good());
     out.setstate(std::ios_base::failbit);
     EXPECT_EQ(0U, wbfwrite_wbfid(out, wbfid, EndianT::kHost)) << "a failed stream takes nothing";
+}
+
+// Rows are "    OFFSET  bytes   meaning", all in hexadecimal, parts two or more blanks apart.
+TEST(BinaryFormat, TheFileOfTheDocumentationIsWhatIsWritten) {
+    std::ifstream page(PROJECT_DIR "/docs/binary-format.md");
+    const std::regex row("    ([0-9a-f]{2})  ((?:[0-9a-f]{2}(?: {1,2}|$))+).*");
+    std::string documented;
+    std::smatch parts;
+    for (std::string line; std::getline(page, line);) {
+        if (!std::regex_match(line, parts, row)) continue;
+        EXPECT_EQ(documented.size(), std::stoul(parts[1], nullptr, 16)) << line;
+        documented += Hex(parts[2].str());
+    }
+    Dictionary dictionary(true);
+    dictionary.Locale("fr_FR");
+    Add(dictionary, "/Menu/Open", u"Ouvrir\u2026", u"O");
+    Add(dictionary, "/OK", u"OK");
+    std::ostringstream out;
+    dictionary.Serialize(out, SaveType::kBinary, nullptr, EndianT::kLittle, 0);
+    EXPECT_EQ(out.str(), documented);
 }
 
 TEST(BinaryFormat, VersionAndLocaleDecideWhatIsTaken) {

@@ -73,17 +73,5 @@ TEST(ByteRunKey, IsEqualToTheSameBytes) {
     }
 }
 
-TEST(ByteRunKey, OwnsItsBytesWhenCopied) {
-    std::string source = "key";
-    const ByteRunKey borrowing = Probe(source);
-    const ByteRunKey copied(borrowing);
-    EXPECT_EQ(Bytes(source), borrowing.GetData());
-    const HashItem& copying = ByteRunKey(Bytes(source), 3, true);
-    source = "xyz";
-    EXPECT_TRUE(copied == copying);
-    EXPECT_FALSE(borrowing == copying);
-    EXPECT_EQ(nullptr, ByteRunKey(Bytes(source), 0, true).GetData());
-}
-
 }  // namespace
 }  // namespace wordlex_tests

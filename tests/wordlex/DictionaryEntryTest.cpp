@@ -88,23 +88,5 @@ TEST(DictionaryEntryTables, NoNameHidesALaterOne) {
     EXPECT_EQ(Text(narrowed.get(), 3), u"a\uF600\0"s);
 }
 
-TEST(DictionaryEntryForms, TextBinaryAndSwapped) {
-    const DictionaryEntry entry(Bytes("K\xE9"), 2, true, RunOf(u"a\"\rb\n"));
-    EXPECT_EQ(Text(entry.GetValue()), u"a\"\rb\n") << "stored as it is";
-    std::ostringstream text;
-    EXPECT_EQ(entry.Serialize(text, false, nullptr), 16U);  // the value's bytes, escaped
-    const auto line = Units(u"\"K\u00E9=a\\\"\\rb\\n\"\n");
-    EXPECT_EQ(text.str(), std::string(reinterpret_cast<const char*>(line.data()), 2 * line.size()));
-
-    const DictionaryEntry ab(Bytes("K"), 1, true, RunOf(u"AB"));
-    const lexon::EncodingInfo utf8{1};
-    std::ostringstream binary;
-    EXPECT_EQ(ab.Serialize(binary, true, nullptr), 5U);
-    EXPECT_EQ(ab.SerializeKey(binary, true, nullptr), 1U);
-    EXPECT_EQ(ab.SerializeValue(binary, true, &utf8, lexon::EndianT::kBig), 4U);
-    EXPECT_EQ(ab.SerializeValue(binary, true, &utf8, lexon::EndianT::kLittle), 2U);
-    EXPECT_EQ(binary.str(), "KA\0B\0K\0A\0BAB"s);
-}
-
 }  // namespace
 }  // namespace wordlex_tests

@@ -97,33 +97,6 @@ TEST(DictionaryText, LinesBecomeEntriesInBothStores) {
     check(u"\"=$x\"", "", u"$x");
 }
 
-TEST(DictionaryText, SplitsKeysAndUnquotedLinesAlike) {
-    for (const std::string whole :
-         {"$$$/A|b=c", "|", "$$$|", "k|", "|v", "a$|$", "$", "$$", "$a=b"}) {
-        const std::size_t bar = whole.find('|');
-        const bool isKey = bar != std::string::npos;
-        const std::string expected = whole.substr(whole.starts_with("$$$") ? 3 : 0);
-        std::string text = whole;
-        if (isKey) text.replace(bar, 1, bar + 1 < whole.size() ? "=" : "");
-        const auto line = TerminatedUnits(std::u16string(text.begin(), text.end()));
-        const char* key = nullptr;
-        const char* value = nullptr;
-        const unsigned short* lineKey = nullptr;
-        const unsigned short* lineValue = nullptr;
-        unsigned long sizes[4];
-        EXPECT_EQ(isKey, Dictionary::ParseLiteral(text.c_str(), key, sizes[0], value, sizes[1]));
-        EXPECT_EQ(isKey,
-                  Dictionary::ParseEntry(line.data(), lineKey, sizes[2], lineValue, sizes[3]));
-        if (!isKey) continue;
-        EXPECT_EQ(expected, std::string(key, sizes[0]) + '|' + std::string(value, sizes[1]));
-        EXPECT_EQ(std::u16string(expected.begin(), expected.end()),
-                  Text(lineKey, sizes[2]) + u'|' + Text(lineValue, sizes[3]));
-    }
-    const auto marks = TerminatedUnits(uR"(\"a")");
-    EXPECT_EQ(marks.data() + 3, Dictionary::FindQuoteMark(marks.data()));
-    EXPECT_EQ(nullptr, Dictionary::FindQuoteMark(marks.data() + 4));
-}
-
 TEST(DictionaryText, BadPrefixMakesInvalidAndTheRestIsKept) {
     for (const std::u16string_view bad :
          {u"\"$/Bad=x\"", u"\"$$=x\"", u"\"$\"", u"$", u"\"$$x$=\""}) {
@@ -297,19 +270,6 @@ TEST(DictionaryCopy, SharesCompactStoresAndNothingElse) {
     Load(empty, Saved(compact, lexon::SaveType::kBinary));
     EXPECT_EQ(Lookup(empty, "/k"), u"v");
     EXPECT_EQ(Text(empty.Locale()), u"fr_FR");
-}
-
-TEST(DictionaryRegistry, NumbersDictionaries) {
-    DictionaryMap& map = DictionaryMap::Instance();
-    EXPECT_EQ(map[7], map[7]);
-    EXPECT_NE(map[7], map[8]);
-    std::istringstream text("\"$$$/k=v\"");
-    Dictionary::Read(&text, 7);
-    EXPECT_EQ(Text(Dictionary::Lookup("$$$/k=d", 7, nullptr)), u"v");
-    EXPECT_EQ(Text(Dictionary::Lookup("$$$/k=d", 8, nullptr)), u"d");
-    EXPECT_EQ(Dictionary::SetAsMain(7), map[7]);
-    EXPECT_EQ(Text(Dictionary::Lookup("$$$/k=d", 8, nullptr)), u"v");
-    Dictionary().SetAsMain();  // and gone again
 }
 
 TEST(DictionarySave, BinaryFileHidesTheTextBeforeIt) {

@@ -316,21 +316,6 @@ TEST(FastArrayLoad, FaultsAreFoundWhereTheyAre) {
     }
 }
 
-TEST(FastArrayStreams, ThatCannotTellTheirEndAreReadInSteps) {
-    const Store large;
-    for (int i = 0; i < 3000; ++i)
-        large.Add("/key/" + std::to_string(i), std::u16string(100, u'v'));
-    const std::string image = large.Image();
-    for (const std::size_t length : {image.size(), image.size() - 1, std::size_t{200'000}}) {
-        PipeBuffer buffer(image.substr(0, length), std::ios_base::in);
-        std::istream stream(&buffer);
-        const Store store;
-        EXPECT_EQ(0U, store->Read(stream, 0, EndianT::kLittle));
-        EXPECT_EQ(length == image.size(), stream.good());
-        EXPECT_EQ(length == image.size() ? image : Store().Image(), store.Image());
-    }
-}
-
 TEST(FastArrayStreams, ThatThrowAreReported) {
     struct Broken : std::stringbuf {
         std::streamsize xsputn(const char*, std::streamsize) override { throw 1; }

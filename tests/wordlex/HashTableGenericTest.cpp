@@ -91,6 +91,23 @@ TEST_F(HashTable, KeepsTheRestOfAChainWhenAnItemGoes) {
     }
 }
 
+// Holes that removed items leave in a bucket's block, filled and closed in every order.
+TEST_F(HashTable, KeepsChainsWholeHoweverItemsComeAndGo) {
+    std::string chain;  // newest first
+    for (unsigned step = 0; step < 3000; ++step) {
+        const char mark = static_cast<char>('A' + step * step % 29);
+        const std::size_t at = chain.find(mark);
+        delete table->Remove(Key(Chained(mark), ' '));
+        if (at != std::string::npos) chain.erase(at, 1);
+        if (step % 64 < 40) {
+            InsertChain({mark});
+            chain.insert(0, 1, mark);
+        }
+        ASSERT_EQ(chain, Pass());
+        ASSERT_EQ(step % 64 < 40 ? mark : '-', Find(Chained(mark)));
+    }
+}
+
 TEST_F(HashTable, LinksSeveralItemsAheadInTheirOrder) {
     InsertChain("a");
     HashItem* const items[] = {new Key(Chained('b'), 'b'), new Key(Chained('c'), 'c')};

@@ -137,18 +137,6 @@ TEST(UnicodeUtil, TakesProceduresAndItsDefaultsBack) {
     EXPECT_TRUE(UnicodeUtil::UsingDefaultConverters());
 }
 
-TEST(Buffer, GrowsByHalfFromAnyCapacity) {
-    const std::size_t rows[][3] = {{0, 0, 0}, {0, 1, 1}, {1, 2, 2}, {4, 5, 6}, {10, 23, 33}};
-    for (const auto& [initial, needed, capacity] : rows) {
-        Buffer<unsigned short> buffer(initial);
-        for (std::size_t i = 0; i < initial; ++i)
-            buffer.Append(7);
-        buffer.Reserve(needed);
-        EXPECT_EQ(capacity, buffer.GetCapacity());
-        EXPECT_EQ(std::u16string(initial, 7), Text(buffer.GetData(), buffer.GetLength()));
-    }
-}
-
 TEST(UnicodeConversion, ConvertsWhatIsTextAndFits) {
     EncodingInfo utf8{1};
     const unsigned char* const text = Bytes("\xC3\xA9x");
