@@ -91,6 +91,7 @@ CheckedFile CheckBinary(const std::string& name, const std::string& bytes, Findi
     CheckedFile file{name, {}};
     EntryCheck entries(file, findings);
     ImageReader image(bytes.data(), bytes.data() + bytes.size(), lexon::EndianT::kHost);
+    PassMagic(image);
     const BinaryHeader header = ReadBinaryHeader(image);
     const bool headerRead = image.Ok();
     if (headerRead && header.body == BinaryHeader::Body::kVersion2) {

@@ -19,6 +19,7 @@ using lexon_private::EntryView;
 BinaryHeader HeaderOf(const std::string& bytes) {
     lexon_private::ImageReader image(bytes.data(), bytes.data() + bytes.size(),
                                      lexon::EndianT::kHost);
+    PassMagic(image);
     return ReadBinaryHeader(image);
 }
 

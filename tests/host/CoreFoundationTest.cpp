@@ -125,28 +125,6 @@ TEST_F(CoreFoundation, BytesAreTakenStrictlyAndMarksHonouredWhenExternal) {
     check(kCFStringEncodingUTF16, true, marked, u"A");
 }
 
-TEST_F(CoreFoundation, LossAndRoomAreCountedInWholeCharacters) {
-    const auto check = [](CFStringEncoding number, UInt8 lossByte, CFIndex room,
-                          const char16_t* units, CFIndex converted, const char* bytes) {
-        EXPECT_EQ(Converted(converted, bytes), GetBytes(FromUnits(units), number, lossByte, room));
-    };
-    check(kCFStringEncodingISOLatin1, '?', 64, u"a\u4E2Db", 3, "a?b");
-    check(kCFStringEncodingWindowsLatin1, '?', 64, u"\U0001F600z", 3, "?z");
-    check(kCFStringEncodingEUC_KR, '?', 64, u"\u200Bz", 2, "?z");  // invisible
-    check(kCFStringEncodingUTF8, '?', 64, u"a\xD83Dz", 3, "a?z");
-    check(kCFStringEncodingGB_18030_2000, '?', 64, u"\xDE00\xD83D", 2, "??");
-    check(kCFStringEncodingASCII, 0, 64, u"ab\u00E9z", 2, "ab");
-    check(kCFStringEncodingUTF8, '?', 3, u"ab\u00E9", 2, "ab");
-    check(kCFStringEncodingUTF8, '?', 4, u"\U0001F600a", 2, "\xF0\x9F\x98\x80");
-    check(kCFStringEncodingUTF8, '?', 3, u"\U0001F600a", 0, "");
-    check(kCFStringEncodingShiftJIS, '?', 2, u"a\u65E5", 1, "a");
-    check(kCFStringEncodingShiftJIS, '?', 0, u"a", 0, "");
-    CFIndex needed = 0;
-    EXPECT_EQ(2, CFStringGetBytes(FromUnits(u"-\u65E5\u4E2D-").get(), CFRangeMake(1, 2),
-                                  kCFStringEncodingUTF8, '?', false, nullptr, 0, &needed));
-    EXPECT_EQ(6, needed);
-}
-
 TEST_F(CoreFoundation, TheLocaleNamesTheSystemEncoding) {
     const auto check = [](const char* environment, CFStringEncoding expected) {
         SetEnvironment(environment);

@@ -19,9 +19,15 @@ bool HasBinaryMagic(const char* bytes, std::size_t count) noexcept {
     return std::string_view(bytes, count).starts_with(kBinaryMagic);
 }
 
+bool PassMagic(ImageReader& reader) {
+    char bytes[kBinaryMagic.size()] = {};
+    for (char& byte : bytes)
+        byte = static_cast<char>(reader.Get<std::uint8_t>());
+    return HasBinaryMagic(bytes, sizeof bytes);
+}
+
 BinaryHeader ReadBinaryHeader(ImageReader& reader) {
     BinaryHeader header;
-    reader.GetBytes(kBinaryMagic.size());
     const std::uint64_t versionAt = reader.Offset();
     header.major = static_cast<std::int8_t>(reader.Get<std::uint8_t>());
     header.minor = static_cast<std::int8_t>(reader.Get<std::uint8_t>());

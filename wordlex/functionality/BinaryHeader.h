@@ -24,9 +24,11 @@ struct BinaryHeader {
 // Whether the bytes begin like a binary dictionary.
 bool HasBinaryMagic(const char* bytes, std::size_t count) noexcept;
 
-// Reads header and locale block, after which the reader stands at the body and in its byte order.
-// The 21 bytes of the magic are passed over, not compared. When the reader is not Ok() afterwards,
-// the file is none of ours: unknown version, or an end inside the header or the locale block.
+// Passes over the 21 bytes of the magic; whether it is them.
+bool PassMagic(ImageReader& reader);
+// Reads what stands between the magic and the body, after which the reader stands at the body and
+// in its byte order. When it is not Ok() afterwards, the file is none of ours: unknown version, or
+// an end inside the header or the locale block.
 BinaryHeader ReadBinaryHeader(ImageReader& reader);
 
 // Writes header and locale block; a null `locale` is the default one. `encoded` tells that the

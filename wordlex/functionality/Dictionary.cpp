@@ -337,6 +337,16 @@ void Dictionary::Read(std::istream* stream) {
         valid = false;
         return;
     }
+    // Most files are binary ones from their start: these are read without moving back.
+    if (stream->tellg() == std::streampos(0)) {
+        ImageReader image(*stream, lexon::EndianT::kHost);
+        if (PassMagic(image)) {
+            ReadBinary(image, true);
+            return;
+        }
+        stream->clear();
+        stream->seekg(0);
+    }
     const auto reader = DictionaryReader::Make(stream);
     char head[kBinaryMagic.size()];
     long count = sizeof head;
@@ -352,6 +362,7 @@ void Dictionary::Read(std::istream* stream) {
 
 void Dictionary::Read(std::istream& stream) {
     ImageReader image(stream, lexon::EndianT::kHost);
+    PassMagic(image);
     ReadBinary(image, true);
 }
 
@@ -360,6 +371,7 @@ void Dictionary::Read(const char* data, int size, bool copyKeys) {
         valid = false;
     } else if (HasBinaryMagic(data, static_cast<std::size_t>(size))) {
         ImageReader image(data, data + size, lexon::EndianT::kHost);
+        PassMagic(image);
         ReadBinary(image, copyKeys);
     } else if (const auto reader = DictionaryReader::Make(data, data + size)) {
         ReadText(*reader, false);
