@@ -10,12 +10,12 @@
 #include "host/vexacore/Utility.h"
 #include "tests/TemporaryFolder.h"
 
-// Stand in front of the C library's own for all that this program links to, and note their calls.
-static std::vector<std::string> opened;
+// Stand in front of the C library's own for all that this program links to, and count their calls.
+static int opened = 0;
 
 template <class... Arguments>
 static auto Forward(const char* function, Arguments... arguments) {
-    opened.emplace_back(function);
+    ++opened;
     using Result = std::conditional_t<(sizeof...(Arguments) == 2), FILE*, int>;
     return reinterpret_cast<Result (*)(Arguments...)>(dlsym(RTLD_NEXT, function))(arguments...);
 }
@@ -174,11 +174,11 @@ TEST(Parser, ServesOneParseAfterAnother) {
 TEST(Entities, ExternalOnesAreRefused) {
     const TemporaryFolder folder;
     const std::string file = folder.Write("secret", "SECRET").native();
-    opened.clear();
+    opened = 0;
     xmlFreeParserInputBuffer(
         xmlParserInputBufferCreateFilename(file.c_str(), XML_CHAR_ENCODING_NONE));
-    EXPECT_NE(std::vector<std::string>(), opened) << "the trap works";
-    opened.clear();
+    EXPECT_NE(0, opened) << "the trap works";
+    opened = 0;
     for (const std::string& document :
          {"[<!ENTITY e SYSTEM '" + file + "'>]><a>&e;</a>",
           "[<!ENTITY e SYSTEM 'file://" + file + "'>]><a>&e;</a>",
@@ -196,7 +196,7 @@ TEST(Entities, ExternalOnesAreRefused) {
         const std::string log = ObserveText("<!DOCTYPE a " + document).second;
         EXPECT_NE("", log);
         EXPECT_EQ(std::string::npos, log.find("SECRET"));
-        EXPECT_EQ(std::vector<std::string>(), opened);
+        EXPECT_EQ(0, opened);
     }
 }
 
