@@ -9,7 +9,6 @@
 #include <type_traits>
 
 #include "host/CoreFoundation/LiveObjects.h"
-#include "tests/Environment.h"
 
 namespace {
 
@@ -123,23 +122,6 @@ TEST_F(CoreFoundation, BytesAreTakenStrictlyAndMarksHonouredWhenExternal) {
     check(kCFStringEncodingUTF8, false, "\xEF\xBB\xBF\x41"sv, u"\uFEFFA");
     const auto marked = GetBytes(FromUnits(u"A"), kCFStringEncodingUTF16, 0, 64, true).second;
     check(kCFStringEncodingUTF16, true, marked, u"A");
-}
-
-TEST_F(CoreFoundation, TheLocaleNamesTheSystemEncoding) {
-    const auto check = [](const char* environment, CFStringEncoding expected) {
-        SetEnvironment(environment);
-        EXPECT_EQ(expected, CFStringGetSystemEncoding()) << environment;
-    };
-    for (const char* utf8 : {"", "LANG=C", "LANG=de_DE", "LANG=de_DE.unheard-of"})
-        check(utf8, kCFStringEncodingUTF8);
-    check("LANG=de_DE.ISO-8859-15@euro", kCFStringEncodingISOLatin9);
-    check("LANG=ja_JP.eucJP", kCFStringEncodingEUC_JP);
-    check("LANG=ja_JP.SJIS", kCFStringEncodingShiftJIS);
-    check("LC_CTYPE=ru_RU.KOI8-R LANG=C.UTF-8", kCFStringEncodingKOI8_R);
-    check("LC_ALL=C.utf8 LC_CTYPE=ru_RU.CP1251", kCFStringEncodingUTF8);
-    check("LC_ALL= LC_CTYPE=ru_RU.CP1251", kCFStringEncodingWindowsCyrillic);
-    SetEnvironment("LANG=pl_PL.ISO-8859-2");
-    EXPECT_EQ(u"\u0105", Units(FromBytes("\xB1", 0xDEAD))) << "an unknown number";
 }
 
 }  // namespace

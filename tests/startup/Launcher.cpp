@@ -1,5 +1,5 @@
-// Calls Run with the arguments of the command line and prints the host events and the outcome, one
-// a line.
+// Calls Run with the first three numbers of the command line, while the allocation of the fourth
+// number fails, and prints the host events and the outcome, one a line.
 
 #include <cstdlib>
 #include <exception>
@@ -8,11 +8,13 @@
 #include "host/vexacore/Config.h"
 #include "host/vexacore/Debug.h"
 #include "startup/MacStartup.h"
+#include "tests/hardening/Memory.h"
 
 int main(int, char** arguments) {
     std::string outcome;
     try {
         const auto argument = [&](int i) { return std::strtoll(arguments[i], nullptr, 0); };
+        const hardening::FailingAllocation failing(argument(4));
         outcome =
             "result " + std::to_string(Run(argument(1), static_cast<std::int32_t>(argument(2)),
                                            static_cast<std::int32_t>(argument(3))));

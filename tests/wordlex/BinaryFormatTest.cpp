@@ -10,6 +10,7 @@
 #include "tests/wordlex/Text.h"
 #include "wordlex/functionality/BinUtil.h"
 #include "wordlex/functionality/Dictionary.h"
+#include "wordlex/functionality/HashTable.h"
 
 namespace wordlex_tests {
 namespace {
@@ -196,6 +197,20 @@ TEST(BinaryFormat, Version1EntriesStandAheadOfTheirBucketUpToAFault) {
             EXPECT_EQ(digits, found) << length;
         }
     }
+}
+
+TEST(BinaryFormat, Version1BodiesAreReadFromEitherSource) {
+    const std::size_t head = Hex(kMagic).size() + 3;
+    const std::string bodies[] = {kVersion10File.substr(head), kVersion15File.substr(head)};
+    std::istringstream streams[] = {std::istringstream(bodies[0]), std::istringstream(bodies[1])};
+    HashTable<ByteRunKey, DictionaryEntry> table;
+    EXPECT_EQ(0, table.read_ver10(streams[0], 0));
+    EXPECT_EQ(0U, table.read_ver15(streams[1], 0));
+    EXPECT_EQ(0, table.read_ver10(bodies[0].data(), bodies[0].data() + bodies[0].size(), true, 0));
+    EXPECT_EQ(0U,
+              table.read_ver15(bodies[1].data(), bodies[1].data() + bodies[1].size(), false, 0));
+    EXPECT_EQ(8, table.NumItems());
+    EXPECT_EQ(-1, table.read_ver10(streams[0], 0)) << "the stream is at its end";
 }
 
 TEST(BinaryFormat, Version15ValuesKeepTheirUnits) {

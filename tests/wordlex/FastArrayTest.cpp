@@ -307,6 +307,7 @@ TEST(FastArrayLoad, FaultsAreFoundWhereTheyAre) {
             const ImageResult result = store->Load(*reader);
             EXPECT_EQ(row.fault, reader->Fault()) << Describe(reader->Fault());
             EXPECT_EQ(row.faultOffset, reader->FaultOffset());
+            EXPECT_EQ(row.fault == ImageFault::kNone, Describe(reader->Fault()) == "no fault"s);
             const bool rejected =
                 row.fault == ImageFault::kCutShort || row.fault == ImageFault::kIdBaseConflict;
             EXPECT_EQ(rejected, result == ImageResult::kRejected);
@@ -314,6 +315,17 @@ TEST(FastArrayLoad, FaultsAreFoundWhereTheyAre) {
             EXPECT_EQ(row.fault != ImageFault::kNone, store.Image() == before);
         }
     }
+}
+
+TEST(FastArrayLoad, ReadTakesEitherSource) {
+    std::istringstream stream(kBody);
+    const Store streamed;
+    EXPECT_EQ(0U, streamed->Read(stream, 0, EndianT::kLittle));
+    const Store loaded;
+    EXPECT_EQ(0U,
+              loaded->Read(kBody.data(), kBody.data() + kBody.size(), true, 0, EndianT::kLittle));
+    EXPECT_EQ(kBody, streamed.Image());
+    EXPECT_EQ(kBody, loaded.Image());
 }
 
 TEST(FastArrayStreams, ThatThrowAreReported) {

@@ -84,6 +84,12 @@ TEST(WordlexFacade, LooksKeysAndIdsUpInTheRegistry) {
     EXPECT_EQ(u"default", TextOf(Wordlex("$$$/K=default", 42, nullptr))) << "another dictionary";
     EXPECT_EQ(u"V", TextOf(Wordlex(id, 41, nullptr)));
     EXPECT_EQ(u"", TextOf(Wordlex(id, 42, nullptr)));
+    std::istringstream more("/L=l");
+    lexon_private::Dictionary::Read(&more, 41);
+    EXPECT_EQ(&registered, lexon_private::Dictionary::SetAsMain(41));
+    EXPECT_EQ(u"l", TextOf(Wordlex("/L=default", 42, nullptr)));
+    registered = lexon_private::Dictionary(true);
+    lexon_private::Dictionary().SetAsMain();  // and gone again
 }
 
 TEST(WordlexFacade, CopiesOut) {

@@ -4,7 +4,6 @@
 #include <cstring>
 #include <iostream>
 #include <istream>
-#include <map>
 #include <ostream>
 
 #include "wordlex/functionality/ByteRunKey.h"
@@ -16,10 +15,6 @@ namespace {
 
 // A key of this length and more is not recognised when an image is merged.
 constexpr unsigned long kMergedKeyLimit = 1024;
-
-// From this length on a slot is searched through an index when an image is merged: one by one,
-// lists made to be slow would take time by the square of their length.
-constexpr std::uint32_t kLongSlot = 256;
 
 bool IsDead(const cFarray& array, std::uint32_t entry) {
     return array.keyed && array.keys.Length(entry) == 0;
@@ -273,38 +268,15 @@ ImageResult FastArray::Load(ImageReader& reader) {
     return ImageResult::kLoaded;
 }
 
-FastArray::KeyIndex FastArray::IndexKeys(const IdList& slot) const {
-    KeyIndex index;
-    for (std::uint32_t i = 0; i < slot.Count(); ++i) {
-        const Place place = PlaceOf(slot.Ids()[i]);
-        const PackedRuns<unsigned char>& keys = arrays[place.array].keys;
-        const std::uint16_t length = keys.Length(place.entry);
-        const bool removed = length == 0 && slot.TagAt(i) != IdList::kEmptyKey;
-        if (removed || length >= kMergedKeyLimit) continue;
-        const auto* const key = reinterpret_cast<const char*>(keys.Data(place.entry));
-        index.try_emplace({key, length}, slot.Ids()[i]);
-    }
-    return index;
-}
-
 std::vector<FastArray::Update> FastArray::updateStrValsIfKeyExists(ArrayImage& image) {
     std::vector<Update> updates;
     std::vector<std::uint32_t> updateOf(totalCount, kNoId);  // index of each held entry's update
-    std::map<std::uint16_t, KeyIndex> longSlots;
-    const auto findHeld = [&](std::uint16_t slot, std::uint16_t tag, const unsigned char* key,
-                              std::uint16_t keyLength) {
-        if (slots[slot].Count() < kLongSlot) return FindListed(slots[slot], tag, key, keyLength);
-        const auto [place, isNew] = longSlots.try_emplace(slot);
-        if (isNew) place->second = IndexKeys(slots[slot]);
-        const auto found = place->second.find({reinterpret_cast<const char*>(key), keyLength});
-        return found == place->second.end() ? kNoId : found->second;
-    };
     cFarray& array = image.array;
     image.FilterListed([&](std::uint16_t slot, std::uint32_t entry) {
         const std::uint16_t tag = image.tags[entry];
         const std::uint16_t keyLength = array.keys.Length(entry);
         if (tag == IdList::kNoKey || keyLength >= kMergedKeyLimit) return true;
-        const std::uint32_t held = findHeld(slot, tag, array.keys.Data(entry), keyLength);
+        const std::uint32_t held = FindListed(slots[slot], tag, array.keys.Data(entry), keyLength);
         if (held == kNoId) return true;
         if (updateOf[held] == kNoId) {
             updateOf[held] = static_cast<std::uint32_t>(updates.size());

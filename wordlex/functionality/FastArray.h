@@ -5,8 +5,6 @@
 #include <iosfwd>
 #include <memory>
 #include <memory_resource>
-#include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "wordlex/functionality/ArrayImage.h"
@@ -141,9 +139,6 @@ private:
     void Change(std::uint32_t id, const unsigned char* value, unsigned long valueLength,
                 const unsigned char* accelerator, unsigned long acceleratorLength);
 
-    // The first id of each key of a slot, removed entries and keys too long to merge left out.
-    using KeyIndex = std::unordered_map<std::string_view, std::uint32_t>;
-    KeyIndex IndexKeys(const IdList& slot) const;
     // Kills the entries of the image whose keys are held here, takes them off its lists, and
     // prepares the new values of the held entries.
     std::vector<Update> updateStrValsIfKeyExists(ArrayImage& image);
