@@ -13,7 +13,9 @@ namespace {
 TEST(Progress, IsToldOnATerminalAfterASecond) {
     int terminal = -1;
     int side = -1;
-    ASSERT_EQ(openpty(&terminal, &side, nullptr, nullptr, nullptr), 0);
+    if (openpty(&terminal, &side, nullptr, nullptr, nullptr) != 0) {
+        GTEST_SKIP() << "this machine gives no pseudo-terminals";
+    }
     const int standardError = dup(STDERR_FILENO);
     dup2(side, STDERR_FILENO);
     { const tool::Progress quick("reading", "folder/quick"); }
