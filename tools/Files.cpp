@@ -4,7 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <filesystem>
 #include <utility>
@@ -39,6 +41,16 @@ public:
 private:
     int number;
 };
+
+// The name of a file that is not whole yet, for signal handlers; null when there is none.
+std::atomic<const char*> unfinished{nullptr};
+static_assert(std::atomic<const char*>::is_always_lock_free);
+
+// Then ends the command as the signal does: SA_RESETHAND has put that back.
+extern "C" void RemoveUnfinished(int signal) {
+    if (const char* const name = unfinished) unlink(name);
+    raise(signal);
+}
 
 std::string ReadAll(int descriptor, const std::string& name) {
     std::string bytes;
@@ -84,16 +96,37 @@ void Replace(const fs::path& target, std::string_view bytes) {
     std::string beside;
     Descriptor file(OpenBeside(target, beside));
     if (file.Get() < 0) Fail(target, "cannot be written", errno);
-    if (WriteAll(file.Get(), bytes) && file.Close() &&
-        std::rename(beside.c_str(), target.c_str()) == 0) {
-        return;
-    }
+    unfinished = beside.c_str();
+    const bool done = WriteAll(file.Get(), bytes) && file.Close() &&
+                      std::rename(beside.c_str(), target.c_str()) == 0;
     const int error = errno;
+    unfinished = nullptr;
+    if (done) return;
     unlink(beside.c_str());
     Fail(target, "cannot be written", error);
 }
 
+// Where a link leads that names a file which does not exist yet.
+fs::path EndOfLinks(fs::path path) {
+    while (fs::is_symlink(path))
+        path = path.parent_path() / fs::read_symlink(path);
+    return path;
+}
+
 }  // namespace
+
+void HandleSignals() {
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
+    struct sigaction ending {};
+    ending.sa_handler = RemoveUnfinished;
+    ending.sa_flags = static_cast<int>(SA_RESETHAND);
+    for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+        struct sigaction before {};
+        sigaction(signal, nullptr, &before);
+        if (before.sa_handler != SIG_IGN) sigaction(signal, &ending, nullptr);  // as under nohup
+    }
+}
 
 std::string ReadInput(const std::string& path) {
     if (path == "-") {
@@ -109,7 +142,9 @@ std::string ReadInput(const std::string& path) {
 void WriteOutput(const std::string& path, std::string_view bytes) {
     if (path == "-") return WriteStandardOutput(bytes);
     struct stat status {};
-    if (stat(path.c_str(), &status) != 0) return Replace(path, bytes);
+    if (stat(path.c_str(), &status) != 0) {
+        return Replace(errno == ENOENT ? EndOfLinks(path) : fs::path(path), bytes);
+    }
     if (S_ISDIR(status.st_mode)) Fail(path, "cannot be written", EISDIR);
     if (!S_ISREG(status.st_mode)) return WriteInPlace(path, bytes);
     Replace(fs::canonical(path), bytes);  // a link stays a link

@@ -11,6 +11,10 @@ class Failure : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// A reader that went away and a file that may not grow are writes that failed; a signal that ends
+// the command leaves no half file.
+void HandleSignals();
+
 std::string ReadInput(const std::string& path);
 // Writes a file beside its target and renames it, so that the target is the old one or the whole
 // new one. A target that is no plain file (a device, a pipe) is written to.

@@ -1,9 +1,7 @@
-#include <csignal>
-
 #include "tools/CommandLine.h"
+#include "tools/Files.h"
 
 int main(int argc, char** argv) {
-    // A reader that went away is a write that failed.
-    std::signal(SIGPIPE, SIG_IGN);
+    tool::HandleSignals();
     return tool::RunCommand(argc, argv);
 }
