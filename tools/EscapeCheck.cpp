@@ -57,7 +57,7 @@ public:
 
 private:
     std::string Quoted(std::size_t position, std::size_t length) const {
-        return '"' + Utf8(written.subspan(position, length)) + '"';
+        return ShowRaw(written.subspan(position, length));
     }
 
     Units written;

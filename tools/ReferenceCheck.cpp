@@ -29,7 +29,7 @@ std::set<std::string> Parameters(const Text& text) {
         if (closing == units.end()) break;
         const std::string name = Utf8(Units(opening + 1, closing));
         Text copy = text;
-        if (tried.insert(name).second && copy.BackDoorParamSubstitute(name.c_str(), {}, 1)) {
+        if (tried.insert(name).second && SubstituteParameter(copy, name, {})) {
             names.insert(name);
         }
         opening = closing;
@@ -58,7 +58,8 @@ void ComparePlaceholders(const std::string& key, const Text& text, const Text& r
         const auto here = kind.names(text);
         const auto there = kind.names(reference);
         const auto tell = [&](Rule rule, const std::string& name, const char* how) {
-            add(rule, "the text of " + ShowKey(key) + how + kind.what + '"' + name + '"');
+            add(rule,
+                "the text of " + ShowKey(key) + how + kind.what + ShowRaw(UnitsOf(FromUtf8(name))));
         };
         for (const std::string& name : there) {
             if (!here.contains(name)) tell(kind.missing, name, " lacks the reference's ");
@@ -95,7 +96,7 @@ void CheckAccelerators(const CheckedFile& file, Findings& findings) {
         const auto [first, isNew] = marked.try_emplace({key.substr(0, slash), accelerator}, &key);
         if (isNew) continue;
         findings.Add(Rule::kSameAccelerator, entry.place,
-                     "the accelerator \"" + Utf8(Units(&accelerator, 1)) + "\" of " + ShowKey(key) +
+                     "the accelerator " + ShowRaw(Units(&accelerator, 1)) + " of " + ShowKey(key) +
                          " is that of " + ShowKey(*first->second) + " too");
     }
 }

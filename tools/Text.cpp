@@ -61,6 +61,16 @@ Text FromUtf8(std::string_view text) {
     return Text::BackDoorMakeFromCString(text.data(), text.size(), &utf8);
 }
 
+bool SubstituteParameter(Text& text, const std::string& name, const Text& value) {
+    struct Utf8Names {
+        Utf8Names() { lexon_private::UnicodeUtil::SetDefaultEncoding(&utf8); }
+        ~Utf8Names() { lexon_private::UnicodeUtil::SetDefaultEncoding(nullptr); }
+        lexon_private::EncodingInfo utf8{lexon_private::kUtf8Selector};
+    };
+    const Utf8Names meanwhile;
+    return text.BackDoorParamSubstitute(name.c_str(), value, 1);
+}
+
 bool IsUnpairedSurrogate(Units units, std::size_t i) {
     if (IsHighSurrogate(units[i])) return i + 1 == units.size() || !IsLowSurrogate(units[i + 1]);
     return IsLowSurrogate(units[i]) && (i == 0 || !IsHighSurrogate(units[i - 1]));
@@ -79,9 +89,9 @@ bool IsSecondHalf(Units units, std::size_t i) {
 
 std::string CodePoint(unsigned short unit) { return Hex("U+%04X", unit); }
 
-std::string ShowKey(std::string_view key) {
+std::string ShowRaw(Units units) {
     std::vector<unsigned short> shown{u'"'};
-    for (const unsigned short unit : Widen(key)) {
+    for (const unsigned short unit : units) {
         const bool isControl = unit < 0x20 || (unit >= 0x7F && unit < 0xA0);
         if (isControl) {
             const std::string escape = Hex("\\x%02X", unit);
@@ -93,6 +103,8 @@ std::string ShowKey(std::string_view key) {
     shown.push_back(u'"');
     return Utf8(shown);
 }
+
+std::string ShowKey(std::string_view key) { return ShowRaw(Widen(key)); }
 
 std::string Show(Units units) {
     std::vector<unsigned short> written;

@@ -22,6 +22,9 @@ inline Units UnitsOf(const lexon_private::UnicodeRun& text) {
 std::string Utf8(Units units);
 Text FromUtf8(std::string_view text);
 
+// The string class's parameter substitution, for a tag name in UTF-8 whatever the default encoding.
+bool SubstituteParameter(Text& text, const std::string& name, const Text& value);
+
 // Whether the surrogate at `i`, if it is one, lacks its other half.
 bool IsUnpairedSurrogate(Units units, std::size_t i);
 // The first unpaired surrogate, or the length.
@@ -31,7 +34,9 @@ bool IsSecondHalf(Units units, std::size_t i);
 
 // "U+00E9"
 std::string CodePoint(unsigned short unit);
-// The bytes of a key as text: each is the character of the same number; control characters escaped.
+// A text as it stands, in quotation marks; control characters escaped.
+std::string ShowRaw(Units units);
+// The bytes of a key in the same way: each is the character of the same number.
 std::string ShowKey(std::string_view key);
 // A text in one line: the way its author would write it, in quotation marks.
 std::string Show(Units units);
