@@ -31,6 +31,32 @@ CLI::Option* AddChoice(CLI::App& verb, const std::string& name, T& value, const 
         ->transform(CLI::IsMember(names, CLI::ignore_case));
 }
 
+// The parser takes an operand in brackets for a list, and knows none behind "--". So what is no
+// option goes through it behind a mark, which each option takes off again.
+constexpr char kMark = '\x1F';
+
+// All arguments, those behind the verb marked.
+std::vector<std::string> Marked(int argc, char** argv) {
+    std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+    bool onlyOperands = false;
+    for (std::size_t i = 1; i < arguments.size(); ++i) {
+        std::string& argument = arguments[i];
+        const bool isOption = !onlyOperands && argument.size() > 1 && argument[0] == '-';
+        if (isOption && argument == "--") {
+            onlyOperands = true;
+            arguments.erase(arguments.begin() + static_cast<std::ptrdiff_t>(i--));
+        } else if (!isOption) {
+            argument.insert(0, 1, kMark);
+        }
+    }
+    return arguments;
+}
+
+std::string Unmarked(std::string text) {
+    std::erase(text, kMark);
+    return text;
+}
+
 class CommandLine {
 public:
     CommandLine() {
@@ -47,6 +73,12 @@ public:
         AddCompare();
         AddLookup();
         AddStats();
+        for (CLI::App* const verb : app.get_subcommands([](const CLI::App*) { return true; })) {
+            for (CLI::Option* const option : verb->get_options())
+                option->transform([](const std::string& given) {
+                    return given.starts_with(kMark) ? given.substr(1) : given;
+                });
+        }
     }
 
     int Run(int argc, char** argv) {
@@ -54,14 +86,16 @@ public:
             throw Failure("there is no verb \"" + std::string(argv[1]) + "\" (try --help)");
         }
         try {
-            app.parse(argc, argv);
+            std::vector<std::string> arguments = Marked(argc, argv);
+            std::ranges::reverse(arguments);
+            app.parse(std::move(arguments));
         } catch (const CLI::Success& help) {
             std::ostringstream text;
             app.exit(help, text, text);
             WriteStandardOutput(text.view());
             return kSuccess;
         } catch (const CLI::ParseError& error) {
-            throw Failure(std::string(error.what()) + " (try --help)");
+            throw Failure(Unmarked(error.what()) + " (try --help)");
         }
         UseEncoding(encoding);
         return run();
@@ -76,7 +110,8 @@ private:
     CLI::App& Verb(const std::string& name, const std::string& help,
                    const std::function<int()>& work) {
         CLI::App* const verb = app.add_subcommand(name, help);
-        verb->add_option("--encoding", encoding, "Encoding of 8-bit text dictionaries")
+        verb->add_option("--encoding", encoding,
+                         "Encoding of 8-bit dictionaries that do not tell theirs")
             ->transform(CLI::IsMember(EncodingNames(), CLI::ignore_case))
             ->capture_default_str();
         verb->callback([this, work] { run = work; });
