@@ -45,7 +45,7 @@ int Check(const CheckOptions& options) {
     for (const std::string& name : options.files) {
         Findings findings(options.disabled);
         const CheckedFile file = CheckFile(name, ReadInput(name), findings);
-        if (IsTranslation(name, options.reference)) {
+        if (file.usable && IsTranslation(name, options.reference)) {
             CheckAgainst(file, reference, ofReference, findings);
         }
         const std::vector<Finding> found = findings.Take();

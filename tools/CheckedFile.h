@@ -8,6 +8,8 @@
 
 namespace tool {
 
+// What a version 2 file has room for, of a key and of a value.
+inline constexpr std::size_t kMostBytes = 65535;
 // A merge of version 2 files does not find longer keys.
 inline constexpr std::size_t kMergeableKeyBytes = 1023;
 
@@ -20,7 +22,8 @@ struct Definition {
 // A file that `check` has gone through.
 struct CheckedFile {
     std::string name;
-    std::map<std::string, Definition> entries;
+    std::map<std::string, Definition> entries;  // those that a look-up of their key finds
+    bool usable = true;  // false where the entries are not what the author wrote, or are none
 };
 
 // What the loader would trip over or silently change in a file of either kind.

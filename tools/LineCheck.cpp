@@ -4,7 +4,6 @@
 
 #include "tools/EscapeCheck.h"
 #include "wordlex/functionality/Dictionary.h"
-#include "wordlex/functionality/UnicodeUtil.h"
 
 namespace tool {
 
@@ -12,7 +11,6 @@ namespace {
 
 using lexon_private::Dictionary;
 
-constexpr std::size_t kMostBytes = 65535;  // of a key or value in binary files
 constexpr std::string_view kIgnore = "wordlex: ignore ";
 
 bool IsBlank(unsigned short unit) { return unit == ' ' || unit == '\t' || unit == 0x00A0; }
@@ -32,24 +30,6 @@ std::string Counted(std::size_t count, const char* thing) {
 
 bool IsNamePart(char c) { return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-'; }
 
-// Characters of the encoding at the head of bytes that are no text as a whole.
-std::uint64_t ValidCharacters(std::string_view bytes) {
-    constexpr std::size_t kLongestCharacter = 4;
-    lexon_private::Buffer<unsigned short> units(kLongestCharacter);
-    const auto isCharacter = [&](std::string_view piece) {
-        lexon_private::UnicodeUtil::StringToUnicode(
-            reinterpret_cast<const unsigned char*>(piece.data()), piece.size(), units, nullptr);
-        return units.GetLength() != 0;
-    };
-    for (std::uint64_t count = 0;; ++count) {
-        std::size_t length = 1;
-        while (length <= kLongestCharacter && !isCharacter(bytes.substr(0, length)))
-            ++length;
-        if (length > kLongestCharacter || length > bytes.size()) return count;
-        bytes.remove_prefix(length);
-    }
-}
-
 }  // namespace
 
 void LineCheck::Add(Rule rule, const unsigned short* position, std::string text) {
@@ -59,8 +39,7 @@ void LineCheck::Add(Rule rule, const unsigned short* position, std::string text)
 
 void LineCheck::Check() {
     if (scanner.IsLost()) {
-        findings.Add(Rule::kInvalidText,
-                     {file.name, scanner.LineNumber(), 1 + ValidCharacters(scanner.Bytes())},
+        findings.Add(Rule::kInvalidText, {file.name, scanner.LineNumber(), scanner.LostColumn()},
                      "these bytes are no text of the encoding; the loader skips the whole line");
         return;
     }

@@ -9,11 +9,17 @@ namespace {
 
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 
-// Whether 8-bit text is UTF-16 that lacks its mark: of the text's first half kilobyte every other
-// byte is mostly zero, and hardly one of the bytes between them.
+// Whether 8-bit text is UTF-16 that lacks its mark: its first pair of bytes is an ASCII character,
+// or of its first half kilobyte every other byte is mostly zero, and hardly one of the bytes
+// between them.
 bool LooksLikeUtf16(std::string_view bytes) {
     constexpr std::size_t kLookedAt = 512;
     bytes = bytes.substr(0, std::min(kLookedAt, bytes.size() / 2 * 2));
+    if (bytes.empty()) return false;
+    const auto isAscii = [](unsigned char c) { return c != 0 && c < 0x80; };
+    const auto first = static_cast<unsigned char>(bytes[0]);
+    const auto second = static_cast<unsigned char>(bytes[1]);
+    if ((first == 0 && isAscii(second)) || (isAscii(first) && second == 0)) return true;
     std::size_t zeros[2] = {};
     for (std::size_t i = 0; i < bytes.size(); ++i)
         if (bytes[i] == '\0') ++zeros[i % 2];
@@ -44,6 +50,7 @@ CheckedFile CheckText(const std::string& name, const std::string& bytes, Finding
         findings.Add(Rule::kUtf16WithoutMark, {name, 1, 1},
                      "UTF-16 without its byte-order mark: the loader reads it as 8-bit text and "
                      "stops at its first zero byte");
+        file.usable = false;
         return file;
     }
     if (bytes.starts_with(kUtf8Mark)) {

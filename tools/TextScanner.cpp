@@ -1,6 +1,7 @@
 #include "tools/TextScanner.h"
 
 #include "wordlex/functionality/ByteSwapUnicodeReader.h"
+#include "wordlex/functionality/UnicodeUtil.h"
 
 namespace tool {
 
@@ -10,6 +11,24 @@ constexpr unsigned short kMark = 0xFEFF;
 
 bool IsLineEnd(unsigned unit, bool utf16) {
     return unit == '\n' || unit == '\r' || (utf16 && (unit == 0x2028 || unit == 0x2029));
+}
+
+// Characters of the encoding at the head of bytes that are no text as a whole.
+std::uint64_t ValidCharacters(std::string_view bytes) {
+    constexpr std::size_t kLongestCharacter = 4;
+    lexon_private::Buffer<unsigned short> units(kLongestCharacter);
+    const auto isCharacter = [&](std::string_view piece) {
+        lexon_private::UnicodeUtil::StringToUnicode(
+            reinterpret_cast<const unsigned char*>(piece.data()), piece.size(), units, nullptr);
+        return units.GetLength() != 0;
+    };
+    for (std::uint64_t count = 0;; ++count) {
+        std::size_t length = 1;
+        while (length <= kLongestCharacter && !isCharacter(bytes.substr(0, length)))
+            ++length;
+        if (length > kLongestCharacter || length > bytes.size()) return count;
+        bytes.remove_prefix(length);
+    }
 }
 
 }  // namespace
@@ -31,7 +50,7 @@ bool TextScanner::Next() {
         counted = {};
         Count(from);
         const Units units = Line();
-        lastColumn = Column(line + units.size());
+        lastColumn = IsLost() ? 1 + ValidCharacters(lineBytes) : Column(line + units.size());
         const bool markAlone = units.size() == 1 && units[0] == kMark;
         if (!units.empty() ? !markAlone : !lineBytes.empty()) return true;
     }

@@ -26,10 +26,9 @@ public:
     // The line's units, terminated by 0, its own mark included; empty when the line was lost.
     Units Line() const { return {line, reader->GetLineLength()}; }
     unsigned short* LineData() const { return line; }
-    // The bytes of the line, without what ended it.
-    std::string_view Bytes() const { return lineBytes; }
     // An 8-bit line of bytes that are no text, which the loader takes for an empty one.
     bool IsLost() const { return Line().empty(); }
+    std::uint64_t LostColumn() const { return lastColumn; }  // where they begin
     std::uint64_t LineNumber() const { return number; }
     std::uint64_t Column(const unsigned short* position) const;
     std::uint64_t Offset() const { return reader->GetOffset(); }
@@ -57,9 +56,9 @@ private:
     std::size_t unitSize = 1;
     bool bigEndian = false;
     unsigned short* line = nullptr;
-    std::string_view lineBytes;
+    std::string_view lineBytes;  // without what ended the line
     std::uint64_t number = 0;
-    std::uint64_t lastColumn = 1;  // behind the line
+    std::uint64_t lastColumn = 1;  // behind the line, or behind the text of a lost one
     // How far the line was counted for the last column: most that are asked for ascend.
     struct Counted {
         std::size_t units = 0;
