@@ -1,113 +1,87 @@
-#include <algorithm>
-#include <set>
-
+#include "tools/BinaryFile.h"
 #include "tools/CheckedFile.h"
-#include "wordlex/functionality/BinaryHeader.h"
-#include "wordlex/functionality/FastArray.h"
-#include "wordlex/functionality/HashTable.h"
 
 namespace tool {
 
 namespace {
 
-using lexon_private::BinaryHeader;
-using lexon_private::EntryView;
-using lexon_private::FastArray;
 using lexon_private::ImageFault;
-using lexon_private::ImageReader;
 
-struct DropReference {
-    void operator()(FastArray* store) const { store->RemoveReference(); }
-};
-using Store = std::unique_ptr<FastArray, DropReference>;
-
-Store NewStore() {
-    Store store(new FastArray);
-    store->AddReference();
-    return store;
-}
-
-std::string Bytes(std::span<const unsigned char> key) { return {key.begin(), key.end()}; }
-
-// Entries of an image and what is wrong with them for look-ups.
+// What is wrong with the entries of a binary file for look-ups.
 class EntryCheck {
 public:
     EntryCheck(CheckedFile& checkedFile, Findings& findingsOfFile)
         : file(checkedFile), findings(findingsOfFile) {}
 
-    // `found`: whether a look-up of the key finds this entry.
-    void Check(const EntryView& entry, bool found) {
-        if (!entry.keyed) return;
-        const std::string key = Bytes(entry.key);
-        if (key.size() > kMergeableKeyBytes) {
-            findings.Add(Rule::kLongKey, {file.name},
-                         "the key " + ShowKey(key) + " has " + std::to_string(key.size()) +
-                             " bytes: a merge of binary files does not find it");
+    void Check(const BinaryEntry& entry) {
+        if (!entry.view.keyed) return;
+        const std::string key(entry.view.key.begin(), entry.view.key.end());
+        Text value(entry.view.value.data(), entry.view.value.size());
+        CheckLengths(key, 2 * value.GetLength());
+        if (!entry.decoded) {
+            Add(Rule::kInvalidText, "the value of the key " + ShowKey(key) +
+                                        " is no text of the encoding and becomes empty");
         }
-        if (!found) {
-            findings.Add(Rule::kUnreachableEntry, {file.name},
-                         "an entry with the key " + ShowKey(key) +
-                             " that a look-up of the key does not find");
-            return;
+        if (!entry.found && !key.empty()) {
+            Add(Rule::kUnreachableEntry, "an entry with the key " + ShowKey(key) +
+                                             " that a look-up of the key does not find");
         }
-        Text value(entry.value.data(), entry.value.size());
-        file.entries.try_emplace(key, Definition{{file.name}, std::move(value)});
+        if (entry.found) file.entries.try_emplace(key, Definition{{file.name}, std::move(value)});
     }
 
 private:
+    // Files of version 1 have room for more than those that are written.
+    void CheckLengths(const std::string& key, std::size_t valueBytes) {
+        if (key.size() <= kMergeableKeyBytes && valueBytes <= kMostBytes) return;
+        constexpr std::size_t kShown = 60;
+        const std::string name =
+            "the key " + ShowKey(key.substr(0, kShown)) + (key.size() > kShown ? "..." : "");
+        if (key.size() > kMostBytes) {
+            Add(Rule::kKeyLength, name + " has " + std::to_string(key.size()) +
+                                      " bytes: version 2 files have room for 65,535");
+        } else if (key.size() > kMergeableKeyBytes) {
+            Add(Rule::kLongKey, name + " has " + std::to_string(key.size()) +
+                                    " bytes: a merge of binary files does not find it");
+        }
+        if (valueBytes > kMostBytes) {
+            Add(Rule::kValueLength, "the value of " + name + " has " + std::to_string(valueBytes) +
+                                        " bytes: version 2 files have room for 65,535");
+        }
+    }
+
+    void Add(Rule rule, std::string text) { findings.Add(rule, {file.name}, std::move(text)); }
+
     CheckedFile& file;
     Findings& findings;
 };
 
-void CheckVersion2(ImageReader& image, EntryCheck& entries) {
-    const Store store = NewStore();
-    store->Load(image);
-    store->ForEachEntry([&](const EntryView& entry) {
-        // The empty key is listed by its length alone.
-        entries.Check(entry, entry.key.empty() ||
-                                 store->FindId(entry.key.data(), entry.key.size()) == entry.id);
-    });
-}
-
-void CheckVersion1(ImageReader& image, const BinaryHeader& header, EntryCheck& entries) {
-    lexon_private::HashTable<lexon_private::ByteRunKey, lexon_private::DictionaryEntry> table;
-    if (header.body == BinaryHeader::Body::kVersion15) {
-        table.read_ver15(image, true, header.encoding);
+void CheckFault(const BinaryFile& binary, CheckedFile& file, Findings& findings) {
+    const char* const quiet = "; none of its entries is loaded";
+    if (binary.Fault() != ImageFault::kNone) {
+        const bool isQuiet =
+            binary.HeaderRead() && binary.IsVersion2() && binary.Fault() == ImageFault::kCutShort;
+        findings.Add(Rule::kMalformedBinary, {file.name, 0, 0, binary.FaultOffset()},
+                     std::string("refused: ") + Describe(binary.Fault()) +
+                         (isQuiet ? quiet
+                                  : "; the dictionary becomes invalid and the application shows "
+                                    "all of its keys raw"));
+    } else if (binary.NoneAliveAt().has_value()) {
+        findings.Add(Rule::kMalformedBinary, {file.name, 0, 0, binary.NoneAliveAt()},
+                     std::string("the number of living entries is 0") + quiet);
     } else {
-        table.read_ver10(image, true, header.encoding);
+        return;
     }
-    table.ForEach([&](const lexon_private::HashItem& item) {
-        const auto& entry = static_cast<const lexon_private::DictionaryEntry&>(item);
-        EntryView view;
-        view.key = {entry.GetData(), entry.GetLength()};
-        view.value = UnitsOf(entry.GetValue());
-        entries.Check(view, table.Find(entry) == &item);
-    });
+    file.usable = false;
 }
 
 }  // namespace
 
 CheckedFile CheckBinary(const std::string& name, const std::string& bytes, Findings& findings) {
     CheckedFile file{name, {}};
+    const BinaryFile binary(bytes);
     EntryCheck entries(file, findings);
-    ImageReader image(bytes.data(), bytes.data() + bytes.size(), lexon::EndianT::kHost);
-    PassMagic(image);
-    const BinaryHeader header = ReadBinaryHeader(image);
-    const bool headerRead = image.Ok();
-    if (headerRead && header.body == BinaryHeader::Body::kVersion2) {
-        CheckVersion2(image, entries);
-    } else if (headerRead) {
-        CheckVersion1(image, header, entries);
-    }
-    if (!image.Ok()) {
-        const bool quiet = headerRead && header.body == BinaryHeader::Body::kVersion2 &&
-                           image.Fault() == ImageFault::kCutShort;
-        findings.Add(Rule::kMalformedBinary, {name, 0, 0, image.FaultOffset()},
-                     std::string("refused: ") + Describe(image.Fault()) +
-                         (quiet ? "; none of its entries is loaded"
-                                : "; the dictionary becomes invalid and the application shows all "
-                                  "of its keys raw"));
-    }
+    binary.ForEachEntry([&](const BinaryEntry& entry) { entries.Check(entry); });
+    CheckFault(binary, file, findings);
     return file;
 }
 

@@ -201,7 +201,8 @@ private:
         verb.add_option("FILE", dump.file, "Dictionary, text or binary")->required();
         verb.add_option("-o,--output", dump.output, "The text [-]")->type_name("OUT");
         AddFormat(verb, dump.json, "A text dictionary, or one JSON object a line");
-        verb.add_flag("--header", dump.header, "Begin with version, locale and number of entries");
+        verb.add_flag("--header", dump.header,
+                      "Begin with version, locale, id base and number of entries");
         verb.add_flag("--sort", dump.sort, "Order the entries by key");
     }
 

@@ -1,9 +1,10 @@
 #include "tools/Content.h"
 
 #include <algorithm>
-#include <set>
+#include <span>
 #include <sstream>
 
+#include "tools/BinaryFile.h"
 #include "tools/Files.h"
 #include "tools/TextScanner.h"
 #include "wordlex/functionality/BinaryHeader.h"
@@ -37,6 +38,22 @@ std::string FormOf(const std::string& bytes) {
     return form;
 }
 
+// "PLACE: TEXT" of the first finding of these rules, or "".
+std::string FirstOf(const std::vector<Finding>& findings, std::span<const Rule> rules) {
+    for (const Finding& finding : findings) {
+        if (std::ranges::find(rules, finding.rule) == rules.end()) continue;
+        return Show(finding.place) + ": " + finding.text;
+    }
+    return {};
+}
+
+void AddEntry(Content& content, const EntryView& entry) {
+    content.entries.push_back({entry.id, entry.keyed,
+                               std::string(entry.key.begin(), entry.key.end()),
+                               Text(entry.value.data(), entry.value.size()),
+                               Text(entry.accelerator.data(), entry.accelerator.size())});
+}
+
 }  // namespace
 
 Kind KindOf(const std::string& bytes) {
@@ -51,36 +68,38 @@ void Read(Dictionary& dictionary, const std::string& name, const std::string& by
     dictionary.Read(&stream);
 }
 
-CheckedFile CheckUsable(const std::string& name, const std::string& bytes, Findings& findings) {
-    constexpr Rule kFatal[] = {Rule::kMalformedBinary, Rule::kUtf16WithoutMark, Rule::kDollarKey,
-                               Rule::kKeyLength, Rule::kValueLength};
+CheckedFile CheckUsable(const std::string& name, const std::string& bytes, Findings& findings,
+                        std::string* tooLong) {
+    constexpr Rule kFatal[] = {Rule::kMalformedBinary, Rule::kUtf16WithoutMark, Rule::kDollarKey};
+    constexpr Rule kCut[] = {Rule::kKeyLength, Rule::kValueLength};
     CheckedFile file = CheckFile(name, bytes, findings);
-    for (const Finding& finding : findings.Take()) {
-        if (std::ranges::find(kFatal, finding.rule) == std::end(kFatal)) continue;
-        throw Failure(Show(finding.place) + ": " + finding.text);
-    }
+    const std::vector<Finding> found = findings.Take();
+    const std::string fault = FirstOf(found, kFatal);
+    if (!fault.empty()) throw Failure(fault);
+    if (tooLong != nullptr) *tooLong = FirstOf(found, kCut);
     return file;
 }
 
 Content Load(const std::string& name) { return Load(name, ReadInput(name)); }
 
 Content Load(const std::string& name, const std::string& bytes) {
+    Content content{name, KindOf(bytes), FormOf(bytes), {}, bytes.size(), 0, {}, {}};
     Findings unused;
-    CheckUsable(name, bytes, unused);
-    const Kind kind = KindOf(bytes);
-    // A compact store keeps the order of the lines.
-    Dictionary dictionary(kind == Kind::kText);
-    Read(dictionary, name, bytes);
-
-    Content content{name,         kind, FormOf(bytes), Utf8(UnitsOf(dictionary.Locale())),
-                    bytes.size(), {}};
-    std::set<std::string> keys;
-    dictionary.ForEachEntry([&](const EntryView& entry) {
-        std::string key(entry.key.begin(), entry.key.end());
-        if (entry.keyed && !keys.insert(key).second) return;
-        content.entries.push_back({entry.id, entry.keyed, std::move(key),
-                                   Text(entry.value.data(), entry.value.size()),
-                                   Text(entry.accelerator.data(), entry.accelerator.size())});
+    CheckUsable(name, bytes, unused, &content.tooLong);
+    const Progress progress("loading", name);
+    if (content.kind == Kind::kText) {
+        // A compact store keeps the order of the lines, but would cut.
+        Dictionary dictionary(content.tooLong.empty());
+        std::istringstream stream(bytes);
+        dictionary.Read(&stream);
+        dictionary.ForEachEntry([&](const EntryView& entry) { AddEntry(content, entry); });
+        return content;
+    }
+    const BinaryFile file(bytes);
+    content.locale = Utf8(UnitsOf(FromUtf8(file.Header().locale.value_or("").c_str())));
+    content.idBase = file.IdBase();
+    file.ForEachEntry([&](const BinaryEntry& entry) {
+        if (entry.found) AddEntry(content, entry.view);
     });
     return content;
 }

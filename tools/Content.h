@@ -22,19 +22,22 @@ struct Entry {
     Text accelerator;
 };
 
-// What the application has of one file: every key once.
+// What the application has of one file: every key once, as look-ups find it.
 struct Content {
     std::string name;
     Kind kind = Kind::kText;
     std::string form;    // "text, UTF-16, little-endian"
     std::string locale;  // empty when there is none
     std::uint64_t fileSize = 0;
+    std::uint32_t idBase = 0;    // of a version 2 file
+    std::string tooLong;         // as CheckUsable gives it
     std::vector<Entry> entries;  // as they are written
 };
 
-// Checks a file that is to be used. Throws a Failure for one that the application would refuse, and
-// for entries that are too long for a binary file.
-CheckedFile CheckUsable(const std::string& name, const std::string& bytes, Findings& findings);
+// Checks a file that is to be used. Throws a Failure for one that the application would refuse.
+// `tooLong` gets the first entry that a binary file would cut, with its place, or "".
+CheckedFile CheckUsable(const std::string& name, const std::string& bytes, Findings& findings,
+                        std::string* tooLong = nullptr);
 
 // Throws what CheckUsable does.
 Content Load(const std::string& name);

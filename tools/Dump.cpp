@@ -13,6 +13,7 @@ namespace {
 std::string HeaderText(const Content& content) {
     std::string text = content.form;
     if (!content.locale.empty()) text += ", locale " + content.locale;
+    if (content.idBase != 0) text += ", id base " + std::to_string(content.idBase);
     // What would open the entry's text early.
     std::ranges::replace_if(
         text, [](unsigned char c) { return c < 0x20 || c == '"' || c == '\\'; }, '?');
@@ -21,9 +22,11 @@ std::string HeaderText(const Content& content) {
 
 std::string HeaderJson(const Content& content) {
     return R"({"form":)" + JsonString(content.form) + R"(,"locale":)" + JsonString(content.locale) +
-           R"(,"entries":)" + std::to_string(content.entries.size()) + "}\n";
+           R"(,"idBase":)" + std::to_string(content.idBase) + R"(,"entries":)" +
+           std::to_string(content.entries.size()) + "}\n";
 }
 
+// What dump writes compiles back to the same dictionary.
 void RefuseWhatTextCannotHold(const Content& content) {
     const auto unkeyed = std::ranges::count(content.entries, false, &Entry::keyed);
     const auto marked = std::ranges::count_if(
@@ -50,25 +53,30 @@ std::string JsonLine(const Entry& entry) {
     return line + "}\n";
 }
 
-}  // namespace
-
-int Dump(const DumpOptions& options) {
-    Content content = Load(options.file);
-    if (!options.json) RefuseWhatTextCannotHold(content);
-    if (options.sort) std::ranges::stable_sort(content.entries, {}, &Entry::key);
-    std::string output;
-    if (options.header && options.json) output = HeaderJson(content);
+std::string Lines(const Content& content, const DumpOptions& options) {
+    std::string lines;
+    if (options.header && options.json) lines = HeaderJson(content);
     // A line of its own would be an entry; what stands ahead of the quotation mark is a comment.
     if (options.header && !options.json && !content.entries.empty()) {
-        output = HeaderText(content) + ": ";
+        lines = HeaderText(content) + ": ";
     }
     Progress progress("dumping", options.file, content.entries.size());
     std::uint64_t done = 0;
     for (const Entry& entry : content.entries) {
-        output += options.json ? JsonLine(entry) : TextLine(entry);
+        lines += options.json ? JsonLine(entry) : TextLine(entry);
         progress.Reach(++done);
     }
-    WriteOutput(options.output, output);
+    return lines;
+}
+
+}  // namespace
+
+int Dump(const DumpOptions& options) {
+    Content content = Load(options.file);
+    if (!content.tooLong.empty()) throw Failure(content.tooLong);
+    if (!options.json) RefuseWhatTextCannotHold(content);
+    if (options.sort) std::ranges::stable_sort(content.entries, {}, &Entry::key);
+    WriteOutput(options.output, Lines(content, options));
     return kSuccess;
 }
 

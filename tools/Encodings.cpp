@@ -1,6 +1,7 @@
 #include "tools/Encodings.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <iterator>
 
 #include "wordlex/staticlib/Wordlexlib.h"
@@ -38,6 +39,8 @@ constexpr Encoding kEncodings[] = {
 void UseEncoding(const std::string& name) {
     const auto row = std::ranges::find(kEncodings, name, &Encoding::name);
     lexon::Wordlex::SetDefaultApplicationEncoding(row->number);
+    // Old binary files may ask for the system's encoding, which the platform takes from here.
+    setenv("LC_ALL", ("C." + name).c_str(), 1);
 }
 
 std::vector<std::string> EncodingNames() {

@@ -4,7 +4,8 @@
 
 namespace tool {
 
-// Makes the encoding the library's default for 8-bit text. Takes a name from EncodingNames().
+// Makes the encoding the one of all 8-bit text that does not name its own, whatever the environment
+// says: the same input gives the same output on every machine. Takes a name from EncodingNames().
 void UseEncoding(const std::string& name);
 std::vector<std::string> EncodingNames();
 

@@ -77,6 +77,7 @@ std::string Describe(const Content& content) {
     }
     return content.name + "\n  version     " + content.form + "\n  locale      " +
            (content.locale.empty() ? "none" : content.locale) + '\n' +
+           (content.idBase == 0 ? "" : Formatted("  id base     %u\n", content.idBase)) +
            Formatted("  entries     %zu\n  bytes       %llu, of keys %zu, of values %zu\n",
                      content.entries.size(), static_cast<unsigned long long>(content.fileSize),
                      keyBytes, valueBytes) +
