@@ -55,15 +55,13 @@ std::string Line(const Entry* before, const Entry* after, bool json) {
     return line + "}\n";
 }
 
-}  // namespace
+using Differences = std::map<Identity, std::pair<const Entry*, const Entry*>>;
 
-int Compare(const CompareOptions& options) {
-    const Content before = Load(options.before);
-    const Content after = Load(options.after);
-    const Progress progress("comparing", options.after);
+Differences Differ(const Content& before, const Content& after) {
+    const Progress progress("comparing", after.name);
     const Index old = IndexOf(before);
     const Index now = IndexOf(after);
-    std::map<Identity, std::pair<const Entry*, const Entry*>> differences;
+    Differences differences;
     for (const auto& [name, entry] : old) {
         const auto other = now.find(name);
         const Entry* const counterpart = other == now.end() ? nullptr : other->second;
@@ -74,6 +72,15 @@ int Compare(const CompareOptions& options) {
     for (const auto& [name, entry] : now) {
         if (!old.contains(name)) differences[name] = {nullptr, entry};
     }
+    return differences;
+}
+
+}  // namespace
+
+int Compare(const CompareOptions& options) {
+    const Content before = Load(options.before);
+    const Content after = Load(options.after);
+    const Differences differences = Differ(before, after);
     std::string output;
     for (const auto& [name, entries] : differences)
         output += Line(entries.first, entries.second, options.json);
