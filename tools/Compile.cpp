@@ -1,8 +1,9 @@
 #include <unistd.h>
 
+#include <algorithm>
 #include <iostream>
-#include <map>
 #include <sstream>
+#include <string_view>
 
 #include "tools/Content.h"
 #include "tools/EntryLine.h"
@@ -37,14 +38,29 @@ public:
     void Add(const std::string& name, const std::string& bytes) {
         const Kind kind = KindOf(bytes);
         RefuseHidden(name, kind);
-        if (kind == Kind::kVersion1) {
+        if (kind == Kind::kText) {
+            Read(merged, name, bytes);
+        } else if (kind == Kind::kVersion1) {
             AddLines(Load(name, bytes));
         } else {
-            Read(merged, name, bytes);
+            AddImage(Load(name, bytes), bytes);
         }
-        if (kind == Kind::kVersion2) RefuseUnmerged(Load(name, bytes));
         compactSeen |= kind == Kind::kVersion2;
         lastName = name;
+    }
+
+    // A file has keys for all of its entries or for none.
+    void RefuseMixed() const {
+        std::size_t count = 0;
+        std::size_t keyed = 0;
+        merged.ForEachEntry([&](const EntryView& entry) {
+            ++count;
+            if (entry.keyed) ++keyed;
+        });
+        if (keyed == 0 || keyed == count) return;
+        throw Failure(std::to_string(count - keyed) +
+                      " entries without keys do not fit into a dictionary of entries with keys; "
+                      "use --no-keys");
     }
 
     Dictionary& Result() { return merged; }
@@ -73,23 +89,37 @@ private:
         }
     }
 
-    // An image whose id base does not follow the entries before it is passed over in silence. One
-    // that was loaded has its texts in the dictionary now, long keys apart, which are not merged.
-    void RefuseUnmerged(const Content& content) const {
-        std::map<std::string, Text> now;
-        merged.ForEachEntry([&now](const EntryView& entry) {
-            now.emplace(std::string(entry.key.begin(), entry.key.end()),
-                        Text(entry.value.data(), entry.value.size()));
-        });
-        for (const Entry& entry : content.entries) {
-            const auto found = now.find(entry.key);
-            const bool loaded = found != now.end() && (found->second == entry.value ||
-                                                       entry.key.size() > kMergeableKeyBytes);
-            if (loaded || !entry.keyed) continue;
-            throw Failure(content.name +
-                          ": its id base does not follow the entries of the files "
-                          "before it; the application would load nothing of it");
+    // An image whose id base does not follow the entries before it is passed over in silence.
+    void AddImage(const Content& content, const std::string& bytes) {
+        const unsigned long count = merged.NumKeys();
+        Read(merged, content.name, bytes);
+        if (merged.NumKeys() == count && content.idBase != 0 && !content.entries.empty()) {
+            throw Failure(content.name + ": its id base " + std::to_string(content.idBase) +
+                          " does not follow the entries of the files before it; the application "
+                          "would load nothing of it");
         }
+        RefuseUnmerged(content);
+    }
+
+    // One whose id base does follow is appended: where an earlier file has a key of it, both
+    // entries are there and the first one answers. Long keys, which are not merged, are a warning.
+    void RefuseUnmerged(const Content& content) {
+        for (const Entry& entry : content.entries) {
+            if (!CanBeAsked(entry) || entry.key.size() > kMergeableKeyBytes) continue;
+            const unsigned short* units = nullptr;
+            unsigned long length = 0;
+            merged.LookupReturnUTF16Ptr(("$$$" + entry.key).c_str(), units, length, nullptr);
+            if (std::ranges::equal(Units(units, length), UnitsOf(entry.value))) continue;
+            throw Failure(content.name + ": its id base " + std::to_string(content.idBase) +
+                          " has it appended, not merged: for the key " + ShowKey(entry.key) +
+                          " the application would keep the text of an earlier file");
+        }
+    }
+
+    // Look-ups take a key up to its first "=" or NUL.
+    static bool CanBeAsked(const Entry& entry) {
+        return entry.keyed && !entry.key.empty() &&
+               entry.key.find_first_of(std::string_view("=\0", 2)) == std::string::npos;
     }
 
     Dictionary merged{true};
@@ -112,12 +142,15 @@ int Compile(const CompileOptions& options) {
     }
     if (!good) return kDifference;
 
+    if (!options.noKeys) merge.RefuseMixed();
     if (!options.locale.empty()) merge.Result().Locale(options.locale.c_str());
     std::ostringstream image;
-    const Progress progress("writing", options.output);
-    merge.Result().Serialize(
-        image, options.noKeys ? lexon::SaveType::kBinaryNoKeys : lexon::SaveType::kBinary, nullptr,
-        options.order, options.idBase);
+    {
+        const Progress progress("writing", options.output);
+        merge.Result().Serialize(
+            image, options.noKeys ? lexon::SaveType::kBinaryNoKeys : lexon::SaveType::kBinary,
+            nullptr, options.order, options.idBase);
+    }
     WriteOutput(options.output, image.view());
     return kSuccess;
 }
