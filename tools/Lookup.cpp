@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "tools/BinaryFile.h"
 #include "tools/Content.h"
 #include "tools/Files.h"
 #include "tools/Verbs.h"
@@ -10,18 +11,113 @@ namespace {
 
 using lexon_private::Dictionary;
 
-// One file of the dictionary.
-struct Source {
-    Kind kind;
-    CheckedFile file;
+// What the dictionary does with the entries of a file.
+enum class Effect : std::uint8_t {
+    kReplaces,  // its texts replace those of earlier files
+    kMerged,    // the same, but for long keys
+    kAppended,  // the texts of earlier files stay in force
+    kRefused,
 };
 
-Source Add(Dictionary& dictionary, const std::string& name) {
+// A dictionary, and what became of the files that were loaded into it.
+class Loaded {
+public:
+    // `asked` is the id that is looked up, if one is.
+    void Add(const std::string& name, std::optional<std::uint32_t> asked);
+
+    Dictionary& Get() { return dictionary; }
+
+    // A line for each file that has the key. `remark` stands behind its text, `unasked` tells that
+    // another dictionary has answered.
+    std::string ExplainKey(const std::string& key, const char* remark, bool unasked) const;
+    // The same for the id that was asked for, which is in this dictionary.
+    std::string ExplainId(std::uint32_t id, const char* remark);
+
+private:
+    struct Source {
+        Kind kind;
+        Effect effect;
+        CheckedFile file;
+    };
+
+    bool IsVisible(std::size_t i) const;
+    std::optional<std::size_t> Answering(const std::string& key) const;
+
+    Dictionary dictionary;
+    std::vector<Source> sources;
+    std::string broughtId;  // the file that brought the entry of the id
+};
+
+void Loaded::Add(const std::string& name, std::optional<std::uint32_t> asked) {
     const std::string bytes = ReadInput(name);
     Findings unused;
-    Source source{KindOf(bytes), CheckUsable(name, bytes, unused)};
+    Source source{KindOf(bytes), Effect::kReplaces, CheckUsable(name, bytes, unused)};
+    const unsigned long count = dictionary.NumKeys();
+    const bool hadId = asked.has_value() && dictionary.ValidId(*asked);
     Read(dictionary, name, bytes);
-    return source;
+    if (!hadId && asked.has_value() && dictionary.ValidId(*asked)) broughtId = name;
+    if (source.kind == Kind::kVersion2) {
+        // The first one meets an empty store, which takes any id base.
+        const bool isFirst =
+            std::ranges::find(sources, Kind::kVersion2, &Source::kind) == sources.end();
+        source.effect = isFirst || BinaryFile(bytes).IdBase() == 0 ? Effect::kMerged
+                        : dictionary.NumKeys() == count            ? Effect::kRefused
+                                                                   : Effect::kAppended;
+    }
+    sources.push_back(std::move(source));
+}
+
+// Whether the dictionary still sees the entries of a file: the first version 2 file hides those of
+// other files before it, and old binary files altogether.
+bool Loaded::IsVisible(std::size_t i) const {
+    const auto first = std::ranges::find(sources, Kind::kVersion2, &Source::kind);
+    if (first == sources.end() || sources[i].kind == Kind::kVersion2) return true;
+    return sources[i].kind == Kind::kText && i > static_cast<std::size_t>(first - sources.begin());
+}
+
+// The file whose text of the key is in force.
+std::optional<std::size_t> Loaded::Answering(const std::string& key) const {
+    std::optional<std::size_t> answering;
+    for (std::size_t i = 0; i < sources.size(); ++i) {
+        const Effect effect = sources[i].effect;
+        if (!sources[i].file.entries.contains(key) || !IsVisible(i) || effect == Effect::kRefused) {
+            continue;
+        }
+        const bool isAppended = effect == Effect::kAppended ||
+                                (effect == Effect::kMerged && key.size() > kMergeableKeyBytes);
+        if (!answering.has_value() || !isAppended) answering = i;
+    }
+    return answering;
+}
+
+std::string Loaded::ExplainKey(const std::string& key, const char* remark, bool unasked) const {
+    const std::optional<std::size_t> answering = Answering(key);
+    std::string lines;
+    for (std::size_t i = 0; i < sources.size(); ++i) {
+        const auto found = sources[i].file.entries.find(key);
+        if (found == sources[i].file.entries.end()) continue;
+        const char* const fate = !IsVisible(i) ? "hidden by a version 2 file"
+                                 : sources[i].effect == Effect::kRefused ? "refused for its id base"
+                                 : unasked                               ? "not asked"
+                                 : i == answering                        ? "the answer"
+                                 : i < answering                         ? "replaced"
+                                                 : "appended behind the answer";
+        lines += "  " + Show(found->second.place) + ": " + Show(UnitsOf(found->second.value)) +
+                 remark + ", " + fate + '\n';
+    }
+    return lines;
+}
+
+std::string Loaded::ExplainId(std::uint32_t id, const char* remark) {
+    const std::unique_ptr<char[]> text(dictionary.GetStringId(id));
+    const std::string key = text == nullptr ? "" : text.get();
+    const std::string head =
+        text == nullptr ? "an entry without a key\n" : "the key " + ShowKey(key) + '\n';
+    const bool answersKey = text != nullptr && dictionary.GetNumericId(("$$$" + key).c_str()) == id;
+    if (answersKey) return head + ExplainKey(key, remark, false);
+    // No later file replaces an entry that no key finds.
+    return head + "  " + broughtId + ": " + Show(UnitsOf(dictionary.Lookup(id, nullptr))) + remark +
+           ", the answer\n";
 }
 
 // The key as the localizer hands it on: without the parentheses that it may stand in.
@@ -52,99 +148,61 @@ void Replace(Text& text, const Replacement& replacement) {
         return;
     }
     int count = 0;
-    for (Text copy = text; copy.BackDoorParamSubstitute(name.c_str(), {}, 1);)
+    for (Text copy = text; SubstituteParameter(copy, name, {});)
         ++count;
     while (count-- > 0)
-        text.BackDoorParamSubstitute(name.c_str(), value, 1);
-}
-
-// Whether the dictionary still sees the entries of a file: the first version 2 file hides those of
-// other files before it, and old binary files altogether.
-bool IsVisible(const std::vector<Source>& sources, std::size_t i) {
-    const auto isCompact = [](const Source& source) { return source.kind == Kind::kVersion2; };
-    const auto first = std::ranges::find_if(sources, isCompact);
-    if (first == sources.end() || isCompact(sources[i])) return true;
-    return sources[i].kind == Kind::kText && i > static_cast<std::size_t>(first - sources.begin());
-}
-
-// A line for each file that has the key. The last one that is visible gave the answer, and the main
-// dictionary is asked only where there was none.
-std::string ExplainKey(const std::vector<Source>& sources, const std::string& key, bool isMain,
-                       bool& answered) {
-    std::string lines;
-    for (std::size_t i = sources.size(); i-- != 0;) {
-        const auto found = sources[i].file.entries.find(key);
-        if (found == sources[i].file.entries.end()) continue;
-        const char* const fate = !IsVisible(sources, i) ? "hidden by a version 2 file"
-                                 : answered             ? (isMain ? "not asked" : "replaced")
-                                                        : "the answer";
-        answered |= IsVisible(sources, i);
-        std::string line = "  " + Show(found->second.place) + ": ";
-        line += Show(UnitsOf(found->second.value)) + (isMain ? " in the main dictionary, " : ", ");
-        line += std::string(fate) + '\n';
-        lines.insert(0, line);
-    }
-    return lines;
+        SubstituteParameter(text, name, value);
 }
 
 class Query {
 public:
     explicit Query(const LookupOptions& lookup) : options(lookup) {
         for (const std::string& name : options.files)
-            sources.push_back(Add(dictionary, name));
+            files.Add(name, options.id);
         if (options.main.empty()) return;
-        mainSources.push_back(Add(main, options.main));
-        main.SetAsMain();
+        main.Add(options.main, options.id);
+        main.Get().SetAsMain();
     }
 
     int Run() {
-        Text answer;
-        if (options.id.has_value()) {
-            found = dictionary.ValidId(*options.id) || main.ValidId(*options.id);
-            answer = dictionary.Lookup(*options.id, nullptr);
-        } else {
-            const std::string asked = Unwrapped(options.key);
-            key = KeyPart(asked);
-            found =
-                dictionary.HasKey(asked.c_str(), nullptr) || main.HasKey(asked.c_str(), nullptr);
-            answer = dictionary.Lookup(asked.c_str(), nullptr);
-        }
+        Text answer = options.id.has_value() ? AnswerId(*options.id) : AnswerKey(options.key);
         for (const Replacement& replacement : options.replacements)
             Replace(answer, replacement);
         std::string output;
         if (found || !answer.IsEmpty()) output = Utf8(UnitsOf(answer)) + '\n';
-        if (options.explain) output += Explanation();
+        if (options.explain) output += explanation;
         WriteStandardOutput(output);
         return found ? kSuccess : kDifference;
     }
 
 private:
-    std::string Explanation() {
-        std::string lines;
-        if (options.id.has_value()) {
-            const Dictionary& holder = dictionary.ValidId(*options.id) ? dictionary : main;
-            const std::unique_ptr<char[]> text(holder.GetStringId(*options.id));
-            lines = "id " + std::to_string(*options.id) + ": ";
-            if (!found) return lines + "no entry has it\n";
-            if (text == nullptr) return lines + "an entry without a key\n";
-            key = text.get();
-            lines += "the key " + ShowKey(key) + '\n';
-        } else {
-            lines = "key " + ShowKey(key) + '\n';
-        }
-        bool answered = false;
-        lines += ExplainKey(sources, key, false, answered);
-        lines += ExplainKey(mainSources, key, true, answered);
-        if (!answered) lines += "  in none of the files: the answer is the key's default text\n";
-        return lines;
+    Text AnswerKey(const std::string& written) {
+        const std::string asked = Unwrapped(written);
+        const std::string key = KeyPart(asked);
+        const bool here = files.Get().HasKey(asked.c_str(), nullptr);
+        found = here || main.Get().HasKey(asked.c_str(), nullptr);
+        explanation = "key " + ShowKey(key) + '\n' + files.ExplainKey(key, "", false) +
+                      main.ExplainKey(key, kInMain, here);
+        if (!found) explanation += "  in none of the files: the answer is the key's default text\n";
+        return files.Get().Lookup(asked.c_str(), nullptr);
     }
 
+    Text AnswerId(std::uint32_t id) {
+        const bool here = files.Get().ValidId(id);
+        found = here || main.Get().ValidId(id);
+        explanation = "id " + std::to_string(id) + ": ";
+        explanation += here    ? files.ExplainId(id, "")
+                       : found ? main.ExplainId(id, kInMain)
+                               : "no entry has it\n";
+        return files.Get().Lookup(id, nullptr);
+    }
+
+    static constexpr char kInMain[] = " in the main dictionary";
+
     const LookupOptions& options;
-    Dictionary dictionary;
-    Dictionary main;
-    std::vector<Source> sources;
-    std::vector<Source> mainSources;
-    std::string key;
+    Loaded files;
+    Loaded main;
+    std::string explanation;
     bool found = false;
 };
 
