@@ -13,8 +13,9 @@ namespace FE {
 // Owns:     the dictionary that all loaded files go into. A text that comes later takes the place
 //           of an earlier one with the same key.
 // Failure:  a look-up without a dictionary or a key gives the default text behind "="; once a file
-//           with malformed content was read, the key text itself. Exhausted memory throws, and the
-//           lock is free afterwards.
+//           with malformed content was read, the key text itself, of one in parentheses what is
+//           inside. Exhausted memory throws, as does a text that no string can hold; the lock is
+//           free afterwards.
 // Threads:  look-ups and loads from any thread, one after the other: all access to the dictionary
 //           and to what comes out of it is under one recursive lock of the process.
 class Localizer : public vexacore::config::Localizer {

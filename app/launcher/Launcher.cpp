@@ -55,8 +55,8 @@ decltype(Run)* FindRun(const fs::path& appFolder) {
 }
 
 bool IsReadable(const fs::path& document) {
-    std::error_code unknown;  // then opening it tells
-    return !fs::is_directory(document, unknown) && std::ifstream(document).is_open();
+    std::error_code unknown;
+    return fs::is_regular_file(document, unknown) && std::ifstream(document).is_open();
 }
 
 // Settles the UI language; what keeps the application from starting in one, if anything does.
@@ -85,8 +85,12 @@ public:
     }
     ~Trace() {
         if (!wanted) return;
-        trace::PrintHost("after the run");
-        trace::PrintHistory();
+        try {
+            trace::PrintHost("after the run");
+            trace::PrintHistory();
+        } catch (const std::bad_alloc&) {  // the run's own outcome matters more
+            std::cerr << "framewright: no memory for the trace\n";
+        }
     }
     Trace(const Trace&) = delete;
     Trace& operator=(const Trace&) = delete;
@@ -102,6 +106,7 @@ std::int32_t RunApplication(decltype(Run)* run, const fs::path& document, bool t
 }
 
 // Why `Run` failed, as far as the host can tell; nothing when it was the front end that failed.
+// This launcher passes the right cookie, but the start-up library may be of another version.
 std::optional<std::string> StartupFailure() {
     if (auto failure = Ovis::Module::LastFailure(); !failure.empty()) return failure;
     if (!vexacore::debug::GlobalTimeMeasurement::Marks().empty()) return {};
@@ -137,7 +142,8 @@ int main(int argc, char** argv) {
         if (const auto* options = std::get_if<Options>(&commandLine)) return Start(*options);
         const auto& ending = std::get<Ending>(commandLine);
         if (ending.exitCode != 0) return Fail(ending);
-        std::cout << ending.text;
+        if (!(std::cout << ending.text << std::flush))
+            return Fail({"cannot write", kStartupFailed});
         return 0;
     } catch (const std::exception& error) {
         return Fail({error.what(), kStartupFailed});

@@ -75,7 +75,7 @@ std::int64_t UnicodeConversion::ConvertFromUnicode(const unsigned short* units,
                                                    unsigned long& bytesWritten,
                                                    EncodingInfo* encoding) {
     bytesWritten = 0;
-    // Asked for no room, the platform would count instead of writing.
+    // Given no destination, the platform would count instead of writing.
     if (units == nullptr || byteCapacity == 0) return 0;
     bytesWritten = BytesOf(units, unitCount, bytes, byteCapacity, encoding);
     return 0;

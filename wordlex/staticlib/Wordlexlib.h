@@ -13,8 +13,8 @@
 //           lexon::ASErrException is thrown for conversion errors, and for short destinations where
 //           the caller asked for it. Exhausted memory throws std::bad_alloc.
 // Threads:  nothing locks. Even const members of a dictionary write scratch state, and shared text
-//           is counted in plain integers: guard a dictionary, the main dictionary, and every string
-//           that came from them with one lock.
+//           is counted in plain integers, the empty text of all strings among it: one lock guards
+//           the whole library.
 
 #include <cstdint>
 #include <exception>
@@ -98,7 +98,7 @@ public:
 
     // Copy the text out. Sizes and capacities count units for UTF-16 and bytes for 8-bit text. The
     // UTF-16 forms copy what fits; with `throwIfTooSmall` a short destination then raises 'BUFF'.
-    // The 8-bit forms cut silently and raise 'BUFF' only for a null destination.
+    // The 8-bit forms cut silently. A null destination raises it in either form, when asked for.
     unsigned long GetUnicodeSize() const;  // length + 1, never 0
     void GetUnicode(unsigned short* destination, unsigned long capacity,
                     bool throwIfTooSmall) const;
@@ -211,7 +211,8 @@ public:
 
     // Write the dictionary; the result is a count of written bytes, not the size of the file. The
     // stream's state tells of failed writes. The short form writes version 2 in host order when
-    // `binary`, else text; `idBase` is the id that a written image gives its first entry.
+    // `binary`, else text; `idBase`, of which 32 bits count, is the id that a written image gives
+    // its first entry.
     unsigned int Serialize(std::ostream& out, bool binary, const EncodingInfo* encoding) const;
     unsigned int Serialize(std::ostream& out, SaveType type, const EncodingInfo* encoding,
                            EndianT order, unsigned long idBase) const;
