@@ -291,6 +291,9 @@ TEST(DictionarySave, TypesAndStores) {
     EXPECT_EQ(Saved(*hash, lexon::SaveType::kNothing), text);
     EXPECT_EQ(Saved(*compact, lexon::SaveType::kNothing), "\xFF\xFE");
     EXPECT_EQ(Saved(*hash, lexon::SaveType::kBinary), Saved(*compact, lexon::SaveType::kBinary));
+    const std::string emptyKey = "\xFF\xFE\"\0=\0v\0\"\0\n\0"s;
+    const auto reread = FromText(u"\"=v\"");
+    EXPECT_EQ(Saved(*reread, lexon::SaveType::kText), emptyKey);
 }
 
 // Long random sequences against a simple map, in both the store and what it is saved to and loaded

@@ -39,6 +39,23 @@ std::unique_ptr<char[]> CopyText(const char* text, std::size_t length) {
     return copy;
 }
 
+// The low byte of each unit. `bytes` may be where the units are: every byte lies ahead of the units
+// still to be read.
+void Narrow(const unsigned short* units, unsigned long count, unsigned char* bytes) {
+    constexpr unsigned long kLanes = 8;  // at a time, which GCC would not do over one memory
+    typedef unsigned short Wide __attribute__((vector_size(kLanes * sizeof(unsigned short))));
+    typedef unsigned char Bytes __attribute__((vector_size(kLanes)));
+    unsigned long i = 0;
+    for (; count - i >= kLanes; i += kLanes) {
+        Wide wide;
+        std::memcpy(&wide, units + i, sizeof wide);
+        const Bytes narrow = __builtin_convertvector(wide, Bytes);
+        std::memcpy(bytes + i, &narrow, sizeof narrow);
+    }
+    for (; i < count; ++i)
+        bytes[i] = static_cast<unsigned char>(units[i]);
+}
+
 }  // namespace
 
 Dictionary::Dictionary(bool compact) : compactStore(new FastArray) {
@@ -461,7 +478,8 @@ bool Dictionary::ParseEntry(const unsigned short* begin, const unsigned short* e
     }
     if (begin != end && *begin == u'$') {
         constexpr std::u16string_view kPrefix = u"$$$";
-        if (!std::equal(kPrefix.begin(), kPrefix.end(), begin, std::min(begin + 3, end))) {
+        const auto length = static_cast<std::size_t>(end - begin);
+        if (length < kPrefix.size() || !std::equal(kPrefix.begin(), kPrefix.end(), begin)) {
             return false;
         }
         begin += kPrefix.size();
@@ -489,9 +507,7 @@ void Dictionary::AddEntry(unsigned short* line, const unsigned short* end) {
     }
     // The bytes of the key take the first half of its units, well ahead of the value.
     auto* const keyBytes = reinterpret_cast<unsigned char*>(line + (key - line));
-    for (unsigned long i = 0; i < keyLength; ++i) {
-        keyBytes[i] = static_cast<unsigned char>(key[i]);
-    }
+    Narrow(key, keyLength, keyBytes);
 
     if (IsCompact()) {
         const UnicodeRun converted = DictionaryEntry::ConvertEscapeSequences(value, valueLength);
@@ -501,10 +517,8 @@ void Dictionary::AddEntry(unsigned short* line, const unsigned short* end) {
         return;
     }
     const ByteRunKey probe(keyBytes, keyLength, false);
-    auto entry = std::make_unique<DictionaryEntry>(probe, value, valueLength);
-    // Where an old entry leaves, there is room for the new one: only a plain insertion can throw.
-    delete entries.Remove(probe);
-    entries.Insert(entry.get());
+    auto entry = DictionaryEntry::Make(probe, value, valueLength);
+    entries.Replace(entry.get());
     static_cast<void>(entry.release());
 }
 

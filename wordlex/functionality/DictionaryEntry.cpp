@@ -326,6 +326,12 @@ std::vector<unsigned short> ResolveUnitEscapes(Units text, const EscapeTableEntr
     }
 }
 
+const unsigned char* CopyKey(const ByteRunKey& key, void* place) {
+    auto* const bytes = static_cast<unsigned char*>(place);
+    std::copy_n(key.GetData(), key.GetLength(), bytes);
+    return bytes;
+}
+
 }  // namespace
 
 unsigned short* MakeChar16(const wchar_t* text) {
@@ -342,9 +348,26 @@ const CharEntityReferencePair* charEntityReferenceCharByCodePoint() {
     return Tables().byCodePoint.data();
 }
 
+std::unique_ptr<DictionaryEntry> DictionaryEntry::Make(const ByteRunKey& key,
+                                                       const unsigned short* text,
+                                                       unsigned long unitCount) {
+    const KeyRoom room{key.GetLength()};
+    return std::unique_ptr<DictionaryEntry>(new (room) DictionaryEntry(room, key, text, unitCount));
+}
+
+DictionaryEntry::DictionaryEntry(KeyRoom behind, const ByteRunKey& key, const unsigned short* text,
+                                 unsigned long unitCount)
+    : ByteRunKey(CopyKey(key, this + 1), behind.bytes, false),
+      value(ConvertEscapeSequences(text, unitCount)) {}
+
 std::uint32_t DictionaryEntry::Serialize(std::ostream& out, bool binary,
                                          const lexon::EncodingInfo* encoding) const {
     const std::uint32_t keyBytes = ByteRunKey::Serialize(out, binary, encoding);
+    if (!binary && GetLength() == 0) {
+        // An empty key writes nothing; the line needs its opening mark all the same.
+        static constexpr std::array<char16_t, 2> kEmptyKey{u'"', u'='};
+        out.write(reinterpret_cast<const char*>(kEmptyKey.data()), sizeof kEmptyKey);
+    }
     return keyBytes + value.Serialize(out, binary, encoding);
 }
 

@@ -93,9 +93,8 @@ void DictionaryReader::ReadDataBuffer(char* buffer, long* count) {
 }
 
 unsigned short* DictionaryReader::EndLine() {
-    const std::size_t length = line.GetLength();
+    lineLength = line.GetLength();
     line.Append(0);
-    line.SetLength(length);
     return line.GetData();
 }
 

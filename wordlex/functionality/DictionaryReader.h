@@ -29,10 +29,11 @@ public:
     virtual ~DictionaryReader() = default;
 
     // The units of the next line and a 0 behind them, without the line's end; null when the input
-    // is used up. Valid until the next call. A unit or byte 0 ends the input for good.
+    // is used up. The caller's to change, and valid until the next call. A unit or byte 0 ends the
+    // input for good.
     virtual unsigned short* ReadALine() = 0;
     // Units of the line that ReadALine gave, without the 0.
-    std::size_t GetLineLength() const noexcept { return line.GetLength(); }
+    std::size_t GetLineLength() const noexcept { return lineLength; }
     // Bytes taken from the source so far, from where reading began: through what ended the latest
     // line, or through the 0 that ended the input.
     std::uint64_t GetOffset() const noexcept { return offset; }
@@ -44,6 +45,7 @@ protected:
     unsigned short* EndLine();
 
     Buffer<unsigned short> line;
+    std::size_t lineLength = 0;
     bool ended = false;  // a 0 was met
     std::uint64_t offset = 0;
 

@@ -20,14 +20,23 @@ class NowhereBuffer : public std::streambuf {
     int_type overflow(int_type unit) override { return traits_type::not_eof(unit); }
 };
 
+// Behind an item mostly lies what was allocated with it, key and value: they come from memory
+// together with it rather than one after the other, which saves a tenth of a hit in a large table.
+void PrefetchBehind(const HashItem* item) noexcept {
+    constexpr std::ptrdiff_t kCacheLine = 64;
+    for (std::ptrdiff_t line = 1; line <= 3; ++line)
+        __builtin_prefetch(reinterpret_cast<const char*>(item) + line * kCacheLine);
+}
+
 }  // namespace
 
-std::optional<std::size_t> HashTableGeneric::Bucket::Position(const HashItem& probe) const {
-    const std::uint16_t tag = probe.Tag();
+std::optional<std::size_t> HashTableGeneric::Bucket::Position(const HashItem& probe,
+                                                              std::uint16_t tag) const {
     const std::uint16_t* const tags = Tags();
     std::size_t behind = BehindLastTag(tags, end, tag);
     for (; behind != 0; behind = BehindLastTag(tags, behind - 1, tag)) {
         const HashItem* const item = Items()[behind - 1];
+        PrefetchBehind(item);
         if (item != nullptr && *item == probe) return behind - 1;
     }
     return std::nullopt;
@@ -53,9 +62,10 @@ void HashTableGeneric::Bucket::CloseHoles() noexcept {
 void HashTableGeneric::Bucket::Reserve(std::size_t more) {
     if (capacity - end >= more) return;
     CloseHoles();
-    if (capacity - end >= more) return;
+    constexpr std::size_t kFirst = 4;
     Bucket larger;
-    larger.capacity = static_cast<std::uint32_t>(std::max(count + more, 2 * std::size_t{count}));
+    larger.capacity =
+        static_cast<std::uint32_t>(std::max({count + more, 2 * std::size_t{count}, kFirst}));
     larger.block.reset(
         new std::byte[larger.capacity * (sizeof(HashItem*) + sizeof(std::uint16_t))]);
     std::copy_n(Items(), count, larger.Items());
@@ -64,19 +74,24 @@ void HashTableGeneric::Bucket::Reserve(std::size_t more) {
     *this = std::move(larger);
 }
 
-void HashTableGeneric::Bucket::Append(HashItem* item) {
+void HashTableGeneric::Bucket::Append(HashItem* item, std::uint16_t tag) noexcept {
+    item->next = Head();
     Items()[end] = item;
-    Tags()[end] = item->Tag();
+    Tags()[end] = tag;
     ++end;
     ++count;
 }
 
-void HashTableGeneric::Bucket::Erase(std::size_t position) noexcept {
+HashItem* HashTableGeneric::Bucket::Unlink(std::size_t position) noexcept {
+    HashItem* const item = Items()[position];
+    if (HashItem* const newer = NewerThan(position)) newer->next = item->next;
+    item->next = nullptr;
     Items()[position] = nullptr;
     --count;
     while (end != 0 && Items()[end - 1] == nullptr)
         --end;
-    if (end > 2 * count) CloseHoles();
+    if (end - count > count / kHoleShare + kHoleShare) CloseHoles();
+    return item;
 }
 
 HashTableGeneric::~HashTableGeneric() {
@@ -93,27 +108,30 @@ void HashTableGeneric::Insert(HashItem* item) {
 void HashTableGeneric::InsertAhead(unsigned long bucketIndex, std::span<HashItem* const> items) {
     Bucket& bucket = buckets[bucketIndex];
     bucket.Reserve(items.size());
-    for (std::size_t i = items.size(); i-- > 0;) {
-        items[i]->next = bucket.Head();
-        bucket.Append(items[i]);
-    }
+    for (std::size_t i = items.size(); i-- > 0;)
+        bucket.Append(items[i], items[i]->Tag());
 }
 
 HashItem* HashTableGeneric::Find(const HashItem& probe) const {
     const Bucket& bucket = buckets[probe.Hash(kHashBucketCount)];
-    const std::optional<std::size_t> position = bucket.Position(probe);
+    const std::optional<std::size_t> position = bucket.Position(probe, probe.Tag());
     return position.has_value() ? bucket.At(*position) : nullptr;
 }
 
 HashItem* HashTableGeneric::Remove(const HashItem& probe) {
     Bucket& bucket = buckets[probe.Hash(kHashBucketCount)];
-    const std::optional<std::size_t> position = bucket.Position(probe);
-    if (!position.has_value()) return nullptr;
-    HashItem* const found = bucket.At(*position);
-    if (HashItem* const newer = bucket.NewerThan(*position)) newer->next = found->next;
-    found->next = nullptr;
-    bucket.Erase(*position);
-    return found;
+    const std::optional<std::size_t> position = bucket.Position(probe, probe.Tag());
+    return position.has_value() ? bucket.Unlink(*position) : nullptr;
+}
+
+void HashTableGeneric::Replace(HashItem* item) {
+    Bucket& bucket = buckets[item->Hash(kHashBucketCount)];
+    const std::uint16_t tag = item->Tag();
+    bucket.Reserve(1);
+    // From here on nothing fails.
+    const std::optional<std::size_t> position = bucket.Position(*item, tag);
+    if (position.has_value()) delete bucket.Unlink(*position);
+    bucket.Append(item, tag);
 }
 
 std::int32_t HashTableGeneric::NumItems() const {

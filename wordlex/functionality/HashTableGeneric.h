@@ -31,6 +31,8 @@ public:
     // for: Remove the old one first to replace it. When memory runs out, the table and the caller's
     // ownership are as before.
     void Insert(HashItem* item);
+    // The same in place of the newest equal item, which is deleted if there is one.
+    void Replace(HashItem* item);
     // Links the items, in the given order, in front of one bucket's chain; as Insert otherwise.
     void InsertAhead(unsigned long bucket, std::span<HashItem* const> items);
     // Makes room in a bucket, so that inserting that many items cannot fail.
@@ -70,20 +72,19 @@ public:
 
 private:
     // The items of one chain, oldest first, and behind them in the same block their tags. An item
-    // that leaves the middle leaves a hole, which closes when the block is full or half empty: to
-    // move the rest each time would take time by the square of a long chain.
+    // that leaves the middle leaves a hole; holes are closed when one item in sixteen is one: to
+    // move the rest each time, or to search many holes, would take time by the square of a long
+    // chain.
     class Bucket {
     public:
         std::size_t Count() const noexcept { return count; }
         HashItem* Head() const noexcept { return end == 0 ? nullptr : Items()[end - 1]; }
         // Where the newest item equal to `probe` lies in the block; none when there is none.
-        std::optional<std::size_t> Position(const HashItem& probe) const;
+        std::optional<std::size_t> Position(const HashItem& probe, std::uint16_t tag) const;
         HashItem* At(std::size_t position) const noexcept { return Items()[position]; }
-        // The next newer item of the chain than the one there; null when that is the newest.
-        HashItem* NewerThan(std::size_t position) const noexcept;
         void Reserve(std::size_t more);
-        void Append(HashItem* item);  // room is reserved
-        void Erase(std::size_t position) noexcept;
+        void Append(HashItem* item, std::uint16_t tag) noexcept;  // room is reserved
+        HashItem* Unlink(std::size_t position) noexcept;          // the item is the caller's then
 
     private:
         HashItem** Items() const noexcept { return reinterpret_cast<HashItem**>(block.get()); }
@@ -91,6 +92,10 @@ private:
             return reinterpret_cast<std::uint16_t*>(block.get() + capacity * sizeof(HashItem*));
         }
 
+        static constexpr std::uint32_t kHoleShare = 16;
+
+        // The next newer item of the chain than the one there; null when that is the newest.
+        HashItem* NewerThan(std::size_t position) const noexcept;
         void CloseHoles() noexcept;
 
         std::unique_ptr<std::byte[]> block;

@@ -4,9 +4,8 @@
 
 namespace lexon_private {
 
-// Searches among tags that lie together, several at a time: a tag that is not there costs a few
-// vector instructions every sixteen tags, so that even a slot that holds every key of a hostile
-// file is searched in bearable time.
+// Searches among tags that lie together, eight at a time, so that even a slot that holds every key
+// of a hostile file is searched in bearable time.
 
 // The first position from `from` on that has the tag, or `count`.
 std::size_t FirstTag(const std::uint16_t* tags, std::size_t from, std::size_t count,

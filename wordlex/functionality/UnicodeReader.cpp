@@ -12,15 +12,21 @@ unsigned short* UnicodeReader::ReadALine() {
             blockLength = ReadCharacters(block.data(), block.size());
             if (blockLength == 0) break;
         }
-        const unsigned short* const begin = block.data() + blockCursor;
+        unsigned short* const begin = block.data() + blockCursor;
         const unsigned short* const end = block.data() + blockLength;
-        const unsigned short* const stop = FindUnit(begin, end, 0, 0x000A, 0x000D, 0x2028, 0x2029);
-        line.Append(begin, static_cast<std::size_t>(stop - begin));
-        blockCursor = static_cast<std::size_t>(stop - block.data());
-        offset += static_cast<std::size_t>(stop - begin) * sizeof *stop;
-        if (stop == end) continue;
-        ++blockCursor;
-        offset += sizeof *stop;
+        const std::ptrdiff_t length =
+            FindUnit<unsigned short>(begin, end, 0, 0x000A, 0x000D, 0x2028, 0x2029) - begin;
+        unsigned short* const stop = begin + length;
+        const bool atEnd = stop == end;
+        blockCursor += static_cast<std::size_t>(length + (atEnd ? 0 : 1));
+        offset += static_cast<std::size_t>(length + (atEnd ? 0 : 1)) * sizeof *stop;
+        if (!atEnd && *stop != 0 && line.GetLength() == 0) {  // all of it lies in the block
+            *stop = 0;
+            lineLength = static_cast<std::size_t>(length);
+            return begin;
+        }
+        line.Append(begin, static_cast<std::size_t>(length));
+        if (atEnd) continue;
         if (*stop != 0) return EndLine();
         ended = true;
     }
