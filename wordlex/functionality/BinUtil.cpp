@@ -30,7 +30,17 @@ std::uint64_t LoadWord(const unsigned char* bytes) noexcept {
     return word;
 }
 
-// Writes as the stream's own operations do: what its buffer throws becomes the stream's state.
+constexpr std::uint64_t kGolden = 0x9E3779B97F4A7C15;  // 2^64 over the golden ratio
+
+// Both halves of the product in one word: each bit of the factors reaches most of it, and unlike
+// the low half alone it lets no flipped top bit be foreseen.
+std::uint64_t FoldedProduct(std::uint64_t a, std::uint64_t b) noexcept {
+    __extension__ using Wide = unsigned __int128;
+    const Wide product = static_cast<Wide>(a) * b;
+    return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
+}
+
+// Writes as the stream's own operations do: an exception of its buffer becomes the stream's state.
 std::uint32_t Put(std::ostream& out, std::string_view bytes) {
     const std::ostream::sentry ready(out);
     if (!ready) return 0;
@@ -59,29 +69,23 @@ unsigned long HashFunc(const unsigned char* bytes, unsigned long length) noexcep
 }
 
 std::uint16_t KeyTag(const unsigned char* bytes, unsigned long length) noexcept {
-    constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15;  // 2^64 over the golden ratio
-    // Where the loader has put this library differs from process to process: nobody can make keys
-    // ahead whose tags are all equal.
+    // Where the loader has put this library differs from process to process, so that nobody can
+    // make keys ahead that all have one tag.
     static const char kHere = 0;
-    std::uint64_t mix = (length ^ reinterpret_cast<std::uintptr_t>(&kHere)) * kMultiplier;
-    const auto take = [&mix](std::uint64_t word) {
-        mix = (mix ^ word) * kMultiplier;
-        mix ^= mix >> 32;
-    };
+    const std::uint64_t secret = (reinterpret_cast<std::uintptr_t>(&kHere) | 1) * kGolden;
+    std::uint64_t mix = length ^ secret;
     if (length < sizeof(std::uint64_t)) {
         std::uint64_t word = 0;
         for (unsigned long i = 0; i < length; ++i)
             word = word << 8 | bytes[i];
-        take(word);
+        mix = FoldedProduct(mix ^ word, secret);
     } else {
-        constexpr unsigned long kHead = 512;  // keys of one image may share their bytes
-        const unsigned long head = std::min(length, kHead);
-        for (unsigned long i = 0; i + sizeof(std::uint64_t) <= head; i += sizeof(std::uint64_t)) {
-            take(LoadWord(bytes + i));
-        }
-        take(LoadWord(bytes + length - sizeof(std::uint64_t)));
+        const unsigned long last = length - sizeof(std::uint64_t);
+        for (unsigned long i = 0; i < last; i += sizeof(std::uint64_t))
+            mix = FoldedProduct(mix ^ LoadWord(bytes + i), secret);
+        mix = FoldedProduct(mix ^ LoadWord(bytes + last), secret);
     }
-    return static_cast<std::uint16_t>(mix >> 48);  // every bit of the last word reaches these
+    return static_cast<std::uint16_t>(mix ^ mix >> 32);
 }
 
 bool setEndian(lexon::EndianT order) noexcept {

@@ -17,9 +17,8 @@ unsigned long HashBytes(const unsigned char* bytes, unsigned long length,
                         unsigned long bucketCount) noexcept;
 unsigned long HashFunc(const unsigned char* bytes, unsigned long length) noexcept;
 
-// A digest of a key, in memory only: tells apart most keys that share a bucket. Of a key longer
-// than any honest one it takes in the head, the last bytes and the length. Another process gives
-// another digest.
+// A digest of a key, in memory only: tells apart most keys that share a bucket. Where the system
+// loads libraries at random addresses another process gives another digest.
 std::uint16_t KeyTag(const unsigned char* bytes, unsigned long length) noexcept;
 
 // Whether multi-byte fields in the given byte order differ from this machine's.
