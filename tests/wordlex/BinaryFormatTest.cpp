@@ -265,18 +265,18 @@ TEST(BinaryFormatDamage, EveryPrefixAndEveryBit) {
     for (const auto& [line, file, compact, flips] :
          std::initializer_list<std::tuple<int, std::string, bool, std::string>>{
              {__LINE__, kLittleFile, true,
-              "x?v? ?xxx vvvvv vvvv v ?vvv vvvv vvvv ?vvv ?vvv"  // header to area sizes
-              "?xxx ?xxx ?x ?x ?xxx ?xxx ?x ?x vvvv vvvvvv"      // entries
+              "x?v? ?xxx vvvvv vvvv v vvvv vvvv vvvv ?vvv ?vvv"  // header to area sizes
+              "vvvv vvvv vv vv vvvv vvvv vv vv vvvv vvvvvv"      // entries
               "v? v? ?vvv ?vvv ?xxx ?xxx"                        // hash index
-              "?vvv ?vvv ?xxx xxxx ?x vv"},                      // accelerators
+              "?vvv vvvv ?xxx vvvv vv vv"},                      // accelerators
              {__LINE__, kBigFile, true,
-              "x?v? xxx? vvvvv vvvv v vvv? vvvv vvvv vvv? vvv?"
-              "xxx? xxx? x? x? xxx? xxx? x? x? vvvv vvvvvv"
+              "x?v? xxx? vvvvv vvvv v vvvv vvvv vvvv vvv? vvv?"
+              "vvvv vvvv vv vv vvvv vvvv vv vv vvvv vvvvvv"
               "?v ?v vvv? vvv? xxx? xxx?"
-              "vvv? vvv? xxx? xxxx x? vv"},
+              "vvv? vvvv xxx? vvvv vv vv"},
              {__LINE__, kFileWithoutKeys, true,
-              "x?v? ?xxx vvvvv vvvv x ?vvv vvvv vvvv ?vvv"
-              "?xxx ?xxx ?x ?x vvvvvv ?vvv ?vvv ?xxx xxxx ?x vv"},
+              "x?v? ?xxx vvvvv vvvv v vvvv vvvv vvvv ?vvv"
+              "vvvv vvvv vv vv vvvvvv ?vvv vvvv ?xxx vvvv vv vv"},
              {__LINE__, kVersion15File, false,
               "xxv xxx? xxx? xxxx xxx? xxx? xxx? xxx? ?v ?v vvvvvv vvvv"},
              {__LINE__, kVersion15Utf8File, false,

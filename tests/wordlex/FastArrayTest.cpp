@@ -291,7 +291,6 @@ TEST(FastArrayLoad, FaultsAreFoundWhereTheyAre) {
                            Row{__LINE__, 63, "FFFFFFFF FFFFFFFF", ImageFault::kCutShort, 71},
                            Row{__LINE__, 75, "02000000", ImageFault::kIdOutside, 75},
                            Row{__LINE__, 79, "FFFFFFFF", ImageFault::kCutShort, 87},
-                           Row{__LINE__, 79, "02000000", ImageFault::kAcceleratorOrder, 91},
                            Row{__LINE__, 87, "02000000", ImageFault::kIdOutside, 87},
                            Row{__LINE__, 91, "01000000", ImageFault::kAcceleratorOutside, 91},
                            Row{__LINE__, 83, "FFFFFFFF", ImageFault::kCutShort, 97}}) {
@@ -308,9 +307,9 @@ TEST(FastArrayLoad, FaultsAreFoundWhereTheyAre) {
             EXPECT_EQ(row.fault, reader->Fault()) << Describe(reader->Fault());
             EXPECT_EQ(row.faultOffset, reader->FaultOffset());
             EXPECT_EQ(row.fault == ImageFault::kNone, Describe(reader->Fault()) == "no fault"s);
-            const bool rejected =
-                row.fault == ImageFault::kCutShort || row.fault == ImageFault::kIdBaseConflict;
-            EXPECT_EQ(rejected, result == ImageResult::kRejected);
+            const bool malformed =
+                row.fault == ImageFault::kSlotOutside || row.fault == ImageFault::kIdOutside;
+            EXPECT_EQ(malformed, result == ImageResult::kMalformed);
             EXPECT_EQ(row.fault == ImageFault::kNone, result == ImageResult::kLoaded);
             EXPECT_EQ(row.fault != ImageFault::kNone, store.Image() == before);
         }

@@ -1,7 +1,6 @@
 #include "wordlex/functionality/ArrayImage.h"
 
 #include <algorithm>
-#include <functional>
 #include <limits>
 
 #include "wordlex/functionality/BinUtil.h"
@@ -81,12 +80,16 @@ void ArrayImage::ReadHashIndex(ImageReader& reader, std::uint32_t slotCount) {
 
     const std::uint64_t idsAt = reader.Offset();
     ids = reader.GetTable<std::uint32_t>(idCount);
-    const auto badId = std::find_if(ids.begin(), ids.end(),
-                                    [this](std::uint32_t id) { return id >= array.entryCount; });
-    if (badId != ids.end()) {
-        const auto position = static_cast<std::uint64_t>(badId - ids.begin());
-        reader.Reject(ImageFault::kIdOutside, idsAt + position * sizeof *badId);
-    }
+    CheckIds(reader, ids, idsAt);
+}
+
+void ArrayImage::CheckIds(ImageReader& reader, const Table<std::uint32_t>& entries,
+                          std::uint64_t tableAt) const {
+    const auto bad = std::find_if(entries.begin(), entries.end(),
+                                  [this](std::uint32_t id) { return id >= array.entryCount; });
+    if (bad == entries.end()) return;
+    const auto position = static_cast<std::uint64_t>(bad - entries.begin());
+    reader.Reject(ImageFault::kIdOutside, tableAt + position * sizeof *bad);
 }
 
 void ArrayImage::ReadAccelerators(ImageReader& reader) {
@@ -95,17 +98,7 @@ void ArrayImage::ReadAccelerators(ImageReader& reader) {
     const auto areaSize = reader.Get<std::uint32_t>();
     const std::uint64_t entriesAt = reader.Offset();
     array.acceleratorEntries = reader.GetTable<std::uint32_t>(array.acceleratorCount);
-    const Table<std::uint32_t>& entries = array.acceleratorEntries;
-    // Ascending, so that the last one is the greatest.
-    const auto unordered =
-        std::adjacent_find(entries.begin(), entries.end(), std::greater_equal<>());
-    if (unordered != entries.end()) {
-        const auto position = static_cast<std::uint64_t>(unordered + 1 - entries.begin());
-        reader.Reject(ImageFault::kAcceleratorOrder, entriesAt + position * sizeof *unordered);
-    } else if (!entries.empty() && *(entries.end() - 1) >= array.entryCount) {
-        reader.Reject(ImageFault::kIdOutside,
-                      entriesAt + (entries.size() - 1) * sizeof(std::uint32_t));
-    }
+    CheckIds(reader, array.acceleratorEntries, entriesAt);
     array.accelerators.ReadTables(reader, array.acceleratorCount, areaSize,
                                   ImageFault::kAcceleratorOutside);
     array.accelerators.ReadArea(reader, areaSize);

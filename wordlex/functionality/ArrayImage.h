@@ -16,7 +16,9 @@ struct cFarray {
     PackedRuns<unsigned short> values;
     // The accelerator strings of some entries, in the order of these.
     std::uint32_t acceleratorCount = 0;
-    Table<std::uint32_t> acceleratorEntries;  // index of each one's entry, ascending
+    // Index of each one's entry, ascending. Of an image where they do not ascend, some accelerators
+    // are not found.
+    Table<std::uint32_t> acceleratorEntries;
     PackedRuns<unsigned short> accelerators;
 
     // Index of the accelerator string of an entry, or acceleratorCount.
@@ -75,6 +77,9 @@ struct ArrayImage {
 private:
     void ReadHashIndex(ImageReader& reader, std::uint32_t slotCount);
     void ReadAccelerators(ImageReader& reader);
+    // Rejects a table that names an entry behind the last one.
+    void CheckIds(ImageReader& reader, const Table<std::uint32_t>& entries,
+                  std::uint64_t tableAt) const;
     void MakeTags();
     std::uint32_t BelievableLiveCount(std::uint32_t declared) const noexcept;
 };

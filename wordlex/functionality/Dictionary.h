@@ -32,15 +32,16 @@ struct BinaryHeader;
 //   what was met                                    valid   what the dictionary holds then
 //   null stream, null image or size not above 0     no      as before
 //   text: "$" without "$$$" at an entry's head      no      all other lines of the file
-//   text: stream that fails                         as is   the lines ahead of the fault
+//   text: stream that fails                         as is   what was delivered, the last line cut
 //   text: image of fewer than two bytes             no      as before
 //   text: conversion error or memory exhausted      as is   the lines ahead of the fault; throws
 //   binary image shorter than its header            no      as before
 //   binary: unknown version                         no      as before
 //   version 2: end inside the locale block          no      as before
-//   version 2: slot above 1020, entry id, offset    no      as before
-//     or length outside its table or area
-//   version 2: body cut short, id base in conflict  as is   as before; compact, with the new locale
+//   version 2: slot above 1020, id of an entry      no      as before
+//     that there is not
+//   version 2: body cut short, id base in conflict, as is   as before; compact, with the new locale
+//     a string outside its area, too many entries
 //   version 1: body cut short, tables that          no      the entries linked ahead of the fault
 //     decrease, slot above 1020
 //   binary: memory exhausted, conversion error      as is   as before; throws
@@ -131,7 +132,8 @@ public:
     // default text.
     static bool ParseLiteral(const char* text, const char*& key, unsigned long& keyLength,
                              const char*& value, unsigned long& valueLength);
-    // Stores one line of a text dictionary, converted; clears the valid flag when it has no key.
+    // Stores one line of a text dictionary, converted; clears the valid flag when its text begins
+    // with "$" but not with "$$$".
     // The line is used up: its key is narrowed in place.
     void AddEntry(unsigned short* line);
 

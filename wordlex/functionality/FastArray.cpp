@@ -31,6 +31,14 @@ void ReserveOneMore(std::vector<T>& items) {
     if (items.size() == items.capacity()) items.reserve(std::max(kFirst, 2 * items.size()));
 }
 
+// Makes the stream bad, also one that was told to throw then.
+void Spoil(std::ostream& out) noexcept {
+    try {
+        out.setstate(std::ios_base::badbit);
+    } catch (...) {  // the state is set all the same
+    }
+}
+
 }  // namespace
 
 // Look-ups
@@ -145,13 +153,17 @@ bool FastArray::HasMoreItem() const {
 
 // Changes
 
+void FastArray::readSetup() {
+    ReserveOneMore(arrays);
+    ReserveOneMore(idBases);
+}
+
 cFarray& FastArray::WritableArray() {
     if (writable) return arrays.back();
     cFarray fresh;
     fresh.keys.MakeEmpty(kWritableEntries);
     fresh.values.MakeEmpty(kWritableEntries);
-    ReserveOneMore(arrays);
-    ReserveOneMore(idBases);
+    readSetup();
     idBases.push_back(totalCount);
     arrays.push_back(std::move(fresh));
     writable = true;
@@ -168,7 +180,7 @@ std::uint32_t FastArray::Add(const unsigned char* key, unsigned long keyLength,
     IdList& slot = slots[HashFunc(key, keyLength)];
     const std::uint32_t held = FindListed(slot, tag, key, keyLength);
     if (held != kNoId) {
-        Change(held, value, valueLength, accelerator, acceleratorLength);
+        updateVals(held, value, valueLength, accelerator, acceleratorLength);
         return held;
     }
 
@@ -194,8 +206,8 @@ std::uint32_t FastArray::Add(const unsigned char* key, unsigned long keyLength,
     return totalCount++;
 }
 
-void FastArray::Change(std::uint32_t id, const unsigned char* value, unsigned long valueLength,
-                       const unsigned char* accelerator, unsigned long acceleratorLength) {
+void FastArray::updateVals(std::uint32_t id, const unsigned char* value, unsigned long valueLength,
+                           const unsigned char* accelerator, unsigned long acceleratorLength) {
     using Texts = PackedRuns<unsigned short>;
     const Place place = PlaceOf(id);
     cFarray& array = arrays[place.array];
@@ -240,9 +252,9 @@ std::uint32_t FastArray::Remove(std::uint32_t id) {
 ImageResult FastArray::Load(ImageReader& reader) {
     ArrayImage image(reader, totalCount);
     if (!reader.Ok()) {
-        const bool rejected = reader.Fault() == ImageFault::kCutShort ||
-                              reader.Fault() == ImageFault::kIdBaseConflict;
-        return rejected ? ImageResult::kRejected : ImageResult::kMalformed;
+        const bool malformed =
+            reader.Fault() == ImageFault::kSlotOutside || reader.Fault() == ImageFault::kIdOutside;
+        return malformed ? ImageResult::kMalformed : ImageResult::kRejected;
     }
     if (image.liveCount == 0) return ImageResult::kLoaded;
 
@@ -254,8 +266,7 @@ ImageResult FastArray::Load(ImageReader& reader) {
     if (bringsEntries) {
         image.ForEachListed([&](std::uint16_t slot, std::uint32_t) { ++added[slot]; });
         lists = ReserveLists(added);
-        ReserveOneMore(arrays);
-        ReserveOneMore(idBases);
+        readSetup();
     }
     // From here on nothing fails.
     for (Update& update : updates) {
@@ -364,6 +375,7 @@ std::uint32_t FastArray::Serialize2(std::ostream& out, lexon::SaveType type,
 } catch (...) {
     std::cerr << "Serialize2"
               << ": Caught exception\n";
+    Spoil(out);
     return 0;
 }
 

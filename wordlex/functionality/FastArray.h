@@ -23,8 +23,8 @@ class ImageWriter;
 // What became of an image.
 enum class ImageResult {
     kLoaded,     // merged; also when it brings nothing
-    kRejected,   // it ends early, or its id base conflicts with the store
-    kMalformed,  // it says something that cannot be
+    kRejected,   // it ends early, its id base conflicts with the store, a string leaves its area
+    kMalformed,  // it names a slot above 1020 or an entry that there is not
 };
 
 // The compact store: entries in packed tables, numbered by ids that are never reused, found by key
@@ -135,9 +135,11 @@ private:
     std::uint32_t FindListed(const IdList& slot, std::uint16_t tag, const unsigned char* key,
                              unsigned long keyLength) const;
 
+    void readSetup();  // makes room for one more array
     cFarray& WritableArray();
-    void Change(std::uint32_t id, const unsigned char* value, unsigned long valueLength,
-                const unsigned char* accelerator, unsigned long acceleratorLength);
+    // Changes value and accelerator of an entry.
+    void updateVals(std::uint32_t id, const unsigned char* value, unsigned long valueLength,
+                    const unsigned char* accelerator, unsigned long acceleratorLength);
 
     // Kills the entries of the image whose keys are held here, takes them off its lists, and
     // prepares the new values of the held entries.

@@ -26,8 +26,6 @@ const char* Describe(ImageFault fault) noexcept {
             return "a hash slot above 1020";
         case ImageFault::kIdOutside:
             return "an entry id behind the last entry";
-        case ImageFault::kAcceleratorOrder:
-            return "the entry ids of the accelerators do not ascend";
         case ImageFault::kTableDecreases:
             return "a cumulative table decreases or splits an entry";
     }

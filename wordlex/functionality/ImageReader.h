@@ -25,7 +25,6 @@ enum class ImageFault : std::uint8_t {
     kAcceleratorOutside,  // the same of the accelerator area
     kSlotOutside,         // a hash slot above 1020
     kIdOutside,           // an entry id behind the entry tables
-    kAcceleratorOrder,    // the entry ids of accelerators do not ascend
     kTableDecreases,      // a cumulative table of version 1 goes down, or splits an entry
 };
 // In English, to stand behind "refused: ".
