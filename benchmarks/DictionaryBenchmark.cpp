@@ -113,6 +113,14 @@ void AddAll(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
+// Of a hundred arrays for each 10,000 entries.
+void LookupAdded(benchmark::State& state) {
+    lexon::Dictionary dictionary(true);
+    CorpusOf(state).AddTo(dictionary);
+    ForRequests(state, CorpusOf(state).Requests(),
+                [&](const std::string& request) { CopyOut(dictionary, request); });
+}
+
 template <Store kStore, lexon::SaveType kType>
 void Save(benchmark::State& state) {
     const auto dictionary = Load(CorpusOf(state), kStore);
@@ -136,7 +144,9 @@ BENCHMARK(LoadFile<Store::kHash, true>) SIZES;
 BENCHMARK(LoadFile<Store::kHash, false>) SIZES;
 BENCHMARK(LoadFile<Store::kCompact, true>) SIZES;
 BENCHMARK(LoadFile<Store::kCompact, false>) SIZES;
-BENCHMARK(AddAll) SIZES->Arg(200'000);
+#define ADDED_SIZES ->Arg(10'000)->Arg(50'000)->Arg(100'000)->Arg(200'000)
+BENCHMARK(AddAll) ADDED_SIZES;
+BENCHMARK(LookupAdded) ADDED_SIZES;
 BENCHMARK(Save<Store::kHash, lexon::SaveType::kBinary>)->Arg(10'000);
 BENCHMARK(Save<Store::kCompact, lexon::SaveType::kBinary>)->Arg(10'000);
 BENCHMARK(Save<Store::kHash, lexon::SaveType::kText>)->Arg(10'000);
