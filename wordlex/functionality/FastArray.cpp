@@ -45,9 +45,14 @@ void Spoil(std::ostream& out) noexcept {
 
 int FastArray::getArrayNum(std::uint32_t id) const {
     if (id >= totalCount) return -1;
-    if (arrays.size() == 1) return 0;
-    const auto behind = std::upper_bound(idBases.begin(), idBases.end(), id);
-    return static_cast<int>(behind - idBases.begin()) - 1;
+    // A binary search without branches to be guessed: the last base that is not above the id.
+    const std::uint32_t* base = idBases.data();
+    for (std::size_t left = idBases.size(); left > 1;) {
+        const std::size_t half = left / 2;
+        base += base[half] <= id ? half : 0;
+        left -= half;
+    }
+    return static_cast<int>(base - idBases.data());
 }
 
 FastArray::Place FastArray::PlaceOf(std::uint32_t id) const {
