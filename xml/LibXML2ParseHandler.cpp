@@ -3,6 +3,7 @@
 #include <libxml/SAX2.h>
 #include <libxml/parser.h>
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <memory>
@@ -19,11 +20,17 @@ namespace {
 
 constexpr std::size_t kLongestDocument = std::numeric_limits<int>::max();  // libxml2 counts in int
 constexpr std::size_t kAllowedExpansion = 1'000'000;                       // bytes
-constexpr std::size_t kAllowedFactor =
-    12;  // UTF-8 of a document in an 8-bit encoding, names of empty elements twice
-// Honest documents repeat their namespace on every element: up to this length, in bytes, it is
-// free.
-constexpr std::size_t kFreeUriLength = 1024;
+// Enough for what a document says itself: the name of an empty element is handed on four times,
+// qualified and local, at start and end, and a byte of ISO 8859 or of a Windows code page takes up
+// to three in UTF-8.
+constexpr std::size_t kAllowedFactor = 12;
+// An element, an attribute and a reference each cost what the document is allowed for the least
+// that writes one, names aside: "</>", " =''" and "&e;".
+constexpr std::size_t kElementCost = 3 * kAllowedFactor;
+constexpr std::size_t kAttributeCost = 4 * kAllowedFactor;
+constexpr std::size_t kReferenceCost = 3 * kAllowedFactor;
+// Honest documents repeat their namespace on every element: this many bytes of it are free.
+constexpr std::size_t kFreeUriLength = 128;
 
 struct FreeContext {
     // The context does not own its document, which a malformed DTD leaves behind.
@@ -114,17 +121,21 @@ void LibXML2ParseHandler::Report(void* parser, Action action) noexcept {
     }
 }
 
-// Converts text for the handler and counts it: entities and default attributes make a short
-// document yield a long one.
+// Entities and default attributes make a short document yield a long one.
+void LibXML2ParseHandler::Spend(std::size_t cost) {
+    if (cost > budget) throw std::length_error("XML document yields too much text");
+    budget -= cost;
+}
+
 UTF16String LibXML2ParseHandler::HandOn(std::string_view text) {
-    if (text.size() > budget) throw std::length_error("XML document yields too much text");
-    budget -= text.size();
+    Spend(text.size());
     return utility::UTF8to16(text);
 }
 
 UTF16String LibXML2ParseHandler::HandOnUri(const xmlChar* uri) {
     const std::string_view text = View(uri);
-    return text.size() > kFreeUriLength ? HandOn(text) : utility::UTF8to16(text);
+    Spend(text.size() - std::min(text.size(), kFreeUriLength));
+    return utility::UTF8to16(text);
 }
 
 UTF16String LibXML2ParseHandler::HandOnQualifiedName(const xmlChar* prefix,
@@ -144,12 +155,16 @@ void LibXML2ParseHandler::internalSubset(void* parser, const xmlChar* name,
 }
 
 xmlEntity* LibXML2ParseHandler::getEntity(void* parser, const xmlChar* name) {
-    auto& self = *static_cast<LibXML2ParseHandler*>(parser);
-    if (self.failed) return nullptr;  // a stopped parser may still be inside an entity
-    xmlEntity* const entity = xmlSAX2GetEntity(self.context, name);
-    // Given an external one, libxml2 would read the file or web address that it names.
-    const bool isExternal = entity && entity->etype == XML_EXTERNAL_GENERAL_PARSED_ENTITY;
-    return isExternal ? nullptr : entity;
+    xmlEntity* given = nullptr;  // stays so in a stopped parser, which may still be in an entity
+    Report(parser, [&](auto& self) {
+        xmlEntity* const entity = xmlSAX2GetEntity(self.context, name);
+        // Given an external one, libxml2 would read the file or web address that it names.
+        if (!entity || entity->etype == XML_EXTERNAL_GENERAL_PARSED_ENTITY) return;
+        // Each reference is parsed anew, and an attribute value is put together before any event.
+        self.Spend(kReferenceCost + static_cast<std::size_t>(entity->length));
+        given = entity;
+    });
+    return given;
 }
 
 void LibXML2ParseHandler::startDocument(void* parser) {
@@ -184,11 +199,13 @@ void LibXML2ParseHandler::startElementWithNamespace(void* parser, const xmlChar*
                                                     int attributeCount, int,
                                                     const xmlChar** attributes) {
     Report(parser, [&](auto& self) {
+        self.Spend(kElementCost);
         Attributes list;
         const auto given = Pointers(attributes, attributeCount, 5);
         for (std::size_t i = 0; i < given.size(); i += 5) {
             const std::string_view value(
                 View(given[i + 3], static_cast<std::size_t>(given[i + 4] - given[i + 3])));
+            self.Spend(kAttributeCost);
             list.push_back({self.HandOnQualifiedName(given[i + 1], given[i]),
                             self.HandOnUri(given[i + 2]), self.HandOn(View(given[i])),
                             self.HandOn(value)});
@@ -197,8 +214,9 @@ void LibXML2ParseHandler::startElementWithNamespace(void* parser, const xmlChar*
         Scope scope;
         const auto declared = Pointers(namespaces, namespaceCount, 2);
         for (std::size_t i = 0; i < declared.size(); i += 2) {
+            self.Spend(kAttributeCost);
             const UTF16String declaredPrefix = self.HandOn(View(declared[i]));
-            const UTF16String declaredUri = self.HandOnUri(declared[i + 1]);
+            const UTF16String declaredUri = self.HandOn(View(declared[i + 1]));
             scope[declaredPrefix] = declaredUri;
             self.handler->StartPrefixMapping(declaredPrefix, declaredUri);
         }

@@ -20,10 +20,14 @@ namespace vexacore::xml {
 // Entities: internal ones are replaced by their text. References to external ones are refused:
 //           nothing but the given document is ever opened, and nothing process-wide is changed
 //           for it.
-// Limits:   a document of more than 2 GiB is refused. A document that yields more than 1 MB plus
-//           twelve times its size (through entities, default attributes or namespace URIs of over
-//           1 KB that many names repeat) is given up, and so is one that nests deeper than libxml2
-//           allows (256 elements).
+// Limits:   a document of more than 2 GiB is refused. A document has a budget of 1 MB plus twelve
+//           times its size, in bytes of UTF-8: what is handed on spends it (of a namespace URI
+//           that names repeat only what exceeds 128 bytes), and so does the text of an entity at
+//           each reference. Without entities, default attributes and longer URIs it suffices for
+//           any document. libxml2's own limits are 257 open elements in the document and again in
+//           each entity, entities in entities 20 deep, names of 50,000 bytes, and 10 MB for an
+//           attribute value, a comment, a CDATA section, a processing instruction or an entity.
+//           Text has none.
 // Failure:  kParseFailed for a document that cannot be read as XML and for an exception of the
 //           handler, which is discarded; the events up to there have been delivered, none follows.
 //           Errors of the file layer leave ParseDocument as exceptions.
@@ -64,6 +68,9 @@ private:
 
     template <class Action>
     static void Report(void* parser, Action action) noexcept;
+    // These convert for the handler and count against the budget; Spend only counts. They throw
+    // when the budget is spent.
+    void Spend(std::size_t cost);
     UTF16String HandOn(std::string_view text);
     UTF16String HandOnUri(const unsigned char* uri);
     UTF16String HandOnQualifiedName(const unsigned char* prefix, const unsigned char* localName);
@@ -71,7 +78,7 @@ private:
     _xmlParserCtxt* context = nullptr;  // null outside ParseBuffer
     std::deque<Scope> scopes;
     bool failed = false;     // a callback of this parse has thrown
-    std::size_t budget = 0;  // bytes that this parse may still hand on
+    std::size_t budget = 0;  // what this parse may still spend, in bytes
 };
 
 // Makes LibXML2ParseHandlers.

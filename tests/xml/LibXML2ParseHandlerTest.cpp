@@ -208,19 +208,53 @@ TEST(Entities, ExternalOnesAreRefused) {
     check(kParseSucceeded, "SYSTEM '" + file + "' [<!ENTITY e SYSTEM '" + file + "'>]><a>&e;</a>");
 }
 
+// The piece as often as said, each '#' in it being the number of the piece.
+std::string Repeat(int count, const std::string& piece) {
+    std::string all;
+    for (int i = 0; i < count; ++i)
+        for (const char c : piece)
+            all += c == '#' ? std::to_string(i) : std::string(1, c);
+    return all;
+}
+
+void CheckCode(xml::ResultCode expected, const std::string& head, int count,
+               const std::string& piece, const char* tail) {
+    EXPECT_EQ(expected, ObserveText(head + Repeat(count, piece) + tail).first)
+        << head.substr(0, 40) << " ... " << count << " x " << piece;
+}
+
 TEST(Budget, EndsDocumentsThatYieldTooMuch) {
-    const std::string big(100'000, 'x'), uri(2'000, 'u');
-    const auto check = [](xml::ResultCode expected, std::string text, int count,
-                          const char* piece) {
-        for (int i = 0; i < count; ++i)
-            text += piece;
-        EXPECT_EQ(expected, ObserveText(text + "</a>").first) << count << piece;
-    };
-    check(kParseSucceeded, "<!DOCTYPE a [<!ENTITY e '" + big + "'>]><a>", 22, "&e;");
-    check(kParseFailed, "<!DOCTYPE a [<!ENTITY e '" + big + "'>]><a>", 23, "&e;");
-    check(kParseFailed, "<!DOCTYPE a [<!ATTLIST b d CDATA '" + big + "'>]><a>", 23, "<b/>");
-    check(kParseFailed, "<a xmlns='" + uri + "'>", 1000, "<b/>");
-    check(kParseSucceeded, "<a xmlns='" + uri.substr(0, 1000) + "'>", 3000, "<b/>");
+    const std::string big(100'000, 'x'), uri(228, 'u'), thai(40, '\xA1');
+    const std::string entity = "<!DOCTYPE a [<!ENTITY e '" + big + "'>";
+    CheckCode(kParseSucceeded, entity + "]><a>", 10, "&e;", "</a>");
+    CheckCode(kParseFailed, entity + "]><a>", 12, "&e;", "</a>");
+    CheckCode(kParseSucceeded, entity + "]><a", 10, " a#='&e;'", "/>");
+    CheckCode(kParseFailed, entity + "]><a", 12, " a#='&e;'", "/>");
+    CheckCode(kParseFailed, entity + "<!ATTLIST b", 23, " a# CDATA '&e;'", ">]><a/>");
+    CheckCode(kParseFailed, "<!DOCTYPE a [<!ATTLIST b d CDATA '" + big + "'>]><a>", 23, "<b/>",
+              "</a>");
+    const std::string defaults =
+        "<!DOCTYPE a [<!ATTLIST b" + Repeat(1'000, " a# CDATA ''") + ">]><a>";
+    CheckCode(kParseFailed, defaults, 30, "<b/>", "</a>");
+    const std::string silent =
+        "<!DOCTYPE a [<!ENTITY e '<?p " + big + "?>'><!ENTITY f '&e;&e;'>]><a>";
+    CheckCode(kParseSucceeded, silent, 20, "&e;", "</a>");
+    CheckCode(kParseFailed, silent, 23, "&e;", "</a>");
+    CheckCode(kParseFailed, silent, 12, "&f;", "</a>");
+    const std::string tags = "<!DOCTYPE a [<!ENTITY e '" + Repeat(1'000, "<b/>") + "'>]><a>";
+    CheckCode(kParseFailed, tags, 30, "&e;", "</a>");
+    const std::string empty = "<!ENTITY f ''><!ENTITY e '" + Repeat(10'000, "&f;") + "'>]><a>";
+    CheckCode(kParseSucceeded, "<!DOCTYPE a [" + empty, 1, "&e;", "</a>");
+    CheckCode(kParseFailed, "<!DOCTYPE a [" + empty, 5, "&e;", "</a>");
+    CheckCode(kParseSucceeded, "<a xmlns='" + uri.substr(0, 128) + "'>", 9'000, "<b/>", "</a>");
+    CheckCode(kParseFailed, "<a xmlns='" + uri + "'>", 9'000, "<b/>", "</a>");
+    CheckCode(kParseSucceeded, "<?xml version='1.0' encoding='TIS-620'?><a>", 9'000,
+              "<" + thai + "/>", "</a>");
+}
+
+TEST(Limits, EndDocumentsThatNestTooMuch) {
+    CheckCode(kParseSucceeded, Repeat(257, "<a>"), 257, "</a>", "");
+    CheckCode(kParseFailed, Repeat(258, "<a>"), 258, "</a>", "");
 }
 
 TEST(Documents, AreReadFromTheFile) {
