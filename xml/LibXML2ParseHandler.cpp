@@ -31,6 +31,9 @@ constexpr std::size_t kAttributeCost = 4 * kAllowedFactor;
 constexpr std::size_t kReferenceCost = 3 * kAllowedFactor;
 // Honest documents repeat their namespace on every element: this many bytes of it are free.
 constexpr std::size_t kFreeUriLength = 128;
+// Attributes of one start tag, namespaces in scope, or values that attribute-list declarations
+// list.
+constexpr int kLongestList = 10'000;
 
 struct FreeContext {
     // The context does not own its document, which a malformed DTD leaves behind.
@@ -50,6 +53,36 @@ std::string_view View(const xmlChar* begin, std::size_t length) {
 
 std::span<const xmlChar* const> Pointers(const xmlChar** first, int groups, std::size_t groupSize) {
     return {first, static_cast<std::size_t>(groups) * groupSize};
+}
+
+// Whether the markup holds a list that is too long. libxml2 compares each entry with all before it,
+// and no callback comes between. An unquoted '<' begins each tag, a quoted one is an error in it.
+bool NeedsSquareTime(std::string_view text) {
+    int declared = 0;  // in all attribute-list declarations
+    for (std::size_t at = text.find('<'), next; at != text.npos; at = next) {
+        next = text.find('<', at + 1);
+        const std::string_view tag = text.substr(at, next - at);
+        const bool isDeclaration = tag.starts_with("<!ATTLIST");
+        if (!isDeclaration && tag.find_first_of("!?/ \t\r\n", 1) == 1) continue;
+        int attributes = 0;
+        char quote = '\0', previous = '\0';
+        for (const char c : tag) {
+            if (quote != '\0') {
+                if (c == quote) quote = '\0';
+                continue;
+            }
+            if (c == '>') break;
+            const bool isQuote = c == '"' || c == '\'';
+            if (isQuote) quote = c;
+            if (isDeclaration)
+                declared += isQuote || c == '|';
+            else
+                attributes += isQuote && previous == '=';
+            if (!std::strchr(" \t\r\n", c)) previous = c;
+        }
+        if (std::max(attributes, declared) > kLongestList) return true;
+    }
+    return false;
 }
 
 }  // namespace
@@ -74,7 +107,8 @@ ResultCode LibXML2ParseHandler::ParseDocument(const UTF16String& path) {
 
 ResultCode LibXML2ParseHandler::ParseBuffer(const ByteString& document) {
     const std::size_t length = std::strlen(document.c_str());
-    if (length > kLongestDocument) return kParseFailed;
+    if (length > kLongestDocument || NeedsSquareTime({document.data(), length}))
+        return kParseFailed;
 
     // Before the context is made, which copies the setting; libxml2 keeps one for each thread.
     xmlSubstituteEntitiesDefault(1);
@@ -162,6 +196,7 @@ xmlEntity* LibXML2ParseHandler::getEntity(void* parser, const xmlChar* name) {
         if (!entity || entity->etype == XML_EXTERNAL_GENERAL_PARSED_ENTITY) return;
         // Each reference is parsed anew, and an attribute value is put together before any event.
         self.Spend(kReferenceCost + static_cast<std::size_t>(entity->length));
+        if (NeedsSquareTime(View(entity->content))) throw std::length_error("XML tag is too long");
         given = entity;
     });
     return given;
@@ -220,6 +255,7 @@ void LibXML2ParseHandler::startElementWithNamespace(void* parser, const xmlChar*
             scope[declaredPrefix] = declaredUri;
             self.handler->StartPrefixMapping(declaredPrefix, declaredUri);
         }
+        if (self.context->nsNr > 2 * kLongestList) throw std::length_error("too many namespaces");
         self.scopes.push_back(std::move(scope));
         self.handler->StartElement(self.HandOnQualifiedName(prefix, localName), self.HandOnUri(uri),
                                    self.HandOn(View(localName)), list);

@@ -24,10 +24,11 @@ namespace vexacore::xml {
 //           times its size, in bytes of UTF-8: what is handed on spends it (of a namespace URI
 //           that names repeat only what exceeds 128 bytes), and so does the text of an entity at
 //           each reference. Without entities, default attributes and longer URIs it suffices for
-//           any document. libxml2's own limits are 257 open elements in the document and again in
-//           each entity, entities in entities 20 deep, names of 50,000 bytes, and 10 MB for an
-//           attribute value, a comment, a CDATA section, a processing instruction or an entity.
-//           Text has none.
+//           any document. Refused as well: more than 10,000 attributes in a tag, namespaces in
+//           scope, or tokens and defaults in all attribute lists. libxml2's own limits are 257
+//           open elements in the document and again in each entity, entities in entities 20
+//           deep, names of 50,000 bytes, and 10 MB for an attribute value, a comment, a CDATA
+//           section, a processing instruction or an entity. Text has none.
 // Failure:  kParseFailed for a document that cannot be read as XML and for an exception of the
 //           handler, which is discarded; the events up to there have been delivered, none follows.
 //           Errors of the file layer leave ParseDocument as exceptions.

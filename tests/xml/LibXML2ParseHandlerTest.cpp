@@ -252,9 +252,22 @@ TEST(Budget, EndsDocumentsThatYieldTooMuch) {
               "<" + thai + "/>", "</a>");
 }
 
-TEST(Limits, EndDocumentsThatNestTooMuch) {
+TEST(Limits, EndDocumentsThatNestOrListTooMuch) {
     CheckCode(kParseSucceeded, Repeat(257, "<a>"), 257, "</a>", "");
     CheckCode(kParseFailed, Repeat(258, "<a>"), 258, "</a>", "");
+    for (const int extra : {0, 1}) {
+        const xml::ResultCode expected = extra == 0 ? kParseSucceeded : kParseFailed;
+        CheckCode(expected, "<a", 10'000 + extra, " a# =\n'\">='", "/>");
+        CheckCode(expected, "<a" + Repeat(9'000, " xmlns:a#='u'") + "><b", 1'000 + extra,
+                  " xmlns:b#='u'", "/></a>");
+        CheckCode(expected, "<!DOCTYPE a [<!ENTITY e '&#60;a", 10'000 + extra, " a#=\"\"",
+                  "/>'>]><a>&e;</a>");
+        CheckCode(expected, "<!DOCTYPE a [<!ATTLIST a a CDATA ''><!ATTLIST a b (a", 9'999 + extra,
+                  "|a#", ") #IMPLIED>]><a/>");
+    }
+    CheckCode(kParseSucceeded, "<a>text is no tag", 20'000, " a=''|", "</a>");
+    CheckCode(kParseSucceeded, "<a><![CDATA[1 < 2", 20'000, " a=''|", "]]></a>");
+    CheckCode(kParseSucceeded, "<a><![CDATA[x<y", 20'000, " 'a',", "]]></a>");
 }
 
 TEST(Documents, AreReadFromTheFile) {
