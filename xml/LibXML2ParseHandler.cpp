@@ -31,8 +31,7 @@ constexpr std::size_t kAttributeCost = 4 * kAllowedFactor;
 constexpr std::size_t kReferenceCost = 3 * kAllowedFactor;
 // Honest documents repeat their namespace on every element: this many bytes of it are free.
 constexpr std::size_t kFreeUriLength = 128;
-// Attributes of one start tag, namespaces in scope, or values that attribute-list declarations
-// list.
+// Attributes of one start tag, namespaces in scope, or entries of all attribute-list declarations.
 constexpr int kLongestList = 10'000;
 
 struct FreeContext {
