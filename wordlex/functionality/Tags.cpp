@@ -14,9 +14,9 @@ constexpr std::ptrdiff_t kNear = 16 * Block::kUnits;
 
 bool StrideHas(const std::uint16_t* tags, std::uint16_t tag) noexcept {
     const auto has = [=](std::ptrdiff_t block) {
-        return Block(tags + block * Block::kUnits, tag).HasAny();
+        return static_cast<int>(Block(tags + block * Block::kUnits, tag).HasAny());
     };
-    return has(0) | has(1) | has(2) | has(3);
+    return (has(0) | has(1) | has(2) | has(3)) != 0;  // one branch for all
 }
 
 }  // namespace
