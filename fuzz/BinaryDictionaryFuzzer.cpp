@@ -49,15 +49,17 @@ void Check(const std::string& image, bool filled, bool compact) {
         Fill(fromMemory);
         Fill(fromStream);
     }
-    const unsigned long before = fromMemory.NumKeys();
     fromMemory.Read(image.data(), static_cast<int>(image.size()), false);
     std::istringstream stream(image);
     fromStream.Read(&stream);
-    const unsigned long after = fromMemory.NumKeys();
-    REQUIRE(fromMemory.IsValid() == fromStream.IsValid() && after == fromStream.NumKeys());
-    // All entries with their ids, or of a hash table all entries in order.
+    REQUIRE(fromMemory.IsValid() == fromStream.IsValid());
+    REQUIRE(fromMemory.NumKeys() == fromStream.NumKeys());
+    // All entries with their ids, or of a hash table all entries in order. Entries that share bytes
+    // are written apart: the square of a large image would be too much.
+    constexpr std::size_t kLargest = 8192;
     for (const lexon::SaveType type : {lexon::SaveType::kText, lexon::SaveType::kBinary})
-        if (after != before) REQUIRE(Written(fromMemory, type) == Written(fromStream, type));
+        if (image.size() <= kLargest)
+            REQUIRE(Written(fromMemory, type) == Written(fromStream, type));
 
     const bool stillThere = filled && fromMemory.HasKey("kept", nullptr);
     if (stillThere && image.find("kept") == std::string::npos) CheckKept(fromMemory);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "fuzz/Require.h"
@@ -23,9 +24,12 @@ std::vector<unsigned short> UnitsOf(const std::uint8_t* begin, const std::uint8_
     return units;
 }
 
+std::span<const unsigned short> Units(const UnicodeRun& run) {
+    return {run.GetData(), run.GetLength()};
+}
+
 bool Same(const UnicodeRun& a, const UnicodeRun& b) {
-    return std::equal(a.GetData(), a.GetData() + a.GetLength(), b.GetData(),
-                      b.GetData() + b.GetLength());
+    return std::ranges::equal(Units(a), Units(b));
 }
 
 void CheckEscapes(const std::vector<unsigned short>& text) {
@@ -33,8 +37,7 @@ void CheckEscapes(const std::vector<unsigned short>& text) {
     const UnicodeRun second = DictionaryEntry::ConvertEscapeSequencesISO(text.data(), text.size());
     REQUIRE(whole.GetLength() <= text.size() && second.GetLength() <= text.size());
     if (std::ranges::none_of(text, [](auto u) { return u == u'\\' || u == u'^' || u == u'#'; }))
-        REQUIRE(std::ranges::equal(
-            text, std::vector(whole.GetData(), whole.GetData() + whole.GetLength())));
+        REQUIRE(std::ranges::equal(text, Units(whole)));
 }
 
 void CheckMarkers(const Wordlex& text, const Wordlex& value) {
@@ -76,15 +79,17 @@ void CheckTrimming(const Wordlex& text) {
     REQUIRE(ellipsis.GetLength() + 3 >= text.GetLength());
     const Wordlex plain = changed([](Wordlex& w) { w.RemoveAccelerators(); });
     REQUIRE(plain.GetLength() <= text.GetLength());
-    REQUIRE(std::ranges::count(plain.GetData(), plain.GetData() + plain.GetLength(), u'&') <=
-            std::ranges::count(text.GetData(), text.GetData() + text.GetLength(), u'&'));
+    const unsigned short mark[] = {u'&', text.GetAccelerator()};
+    const auto units = Units(text);
+    REQUIRE(mark[1] == 0 || std::search(units.begin(), units.end(), std::begin(mark),
+                                        std::end(mark)) != units.end());
+    REQUIRE(std::ranges::count(Units(plain), u'&') <= std::ranges::count(Units(text), u'&'));
     const Wordlex name = changed([](Wordlex& w) {
         w.RemoveExtension();
         w.RemoveBadFilenameCharacters();
         w.ChangeNewLineCharacter();
     });
-    REQUIRE(std::none_of(name.GetData(), name.GetData() + name.GetLength(),
-                         [](auto u) { return u == u':' || u == u'\n'; }));
+    REQUIRE(std::ranges::none_of(Units(name), [](auto u) { return u == u':' || u == u'\n'; }));
     long number = 0;
     const bool isNumber = text.ToInteger(number);
     REQUIRE(!isNumber || !text.IsEmpty());
