@@ -31,14 +31,8 @@ using namespace wordlex_tests;
 const lexon::EncodingInfo kUtf8{1};
 constexpr unsigned short kLong[300] = {u'x'};
 
-void Load(Dictionary& dictionary, const std::string& file) {
-    dictionary.Read(file.data(), static_cast<int>(file.size()), true);
-}
-
 void LoadStream(Dictionary& dictionary, const std::string& file) {
-    static std::string content;
-    content = file;
-    FaultySource source(content, content.size(), Fault::kEnds, false);
+    FaultySource source(file, file.size(), Fault::kEnds, Seeks::kNotToTheEnd);
     std::istream stream(&source);
     dictionary.Read(&stream);
 }

@@ -2,43 +2,48 @@
 #include <stdexcept>
 #include <streambuf>
 #include <string>
+#include <string_view>
 
 namespace hardening {
 
 enum class Fault { kEnds, kThrows };
+enum class Seeks { kAnywhere, kNotToTheEnd, kNowhere };  // the last cannot tell where it is, too
 
 // Delivers bytes one at a time up to a fault, over and over when it is sought back. Needs no
 // memory.
 class FaultySource : public std::streambuf {
 public:
-    // `content` is borrowed. The end that a seek tells is that of the whole content, or unknown.
-    FaultySource(std::string& content, std::size_t newFaultAt, Fault newFault, bool newTellsEnd)
-        : bytes(content), faultAt(newFaultAt), fault(newFault), tellsEnd(newTellsEnd) {}
+    // `content` is borrowed. The end that a seek tells is that of the whole content.
+    FaultySource(std::string_view content, std::size_t newFaultAt, Fault newFault, Seeks newSeeks)
+        : bytes(content), faultAt(newFaultAt), fault(newFault), seeks(newSeeks) {}
 
 protected:
     int_type underflow() override {
         const std::size_t at = Position();
         if (at == bytes.size()) return traits_type::eof();
         if (at == faultAt) return Fail();
-        char* const next = bytes.data() + at;
-        setg(next, next, next + 1);
-        return traits_type::to_int_type(*next);
+        SetPosition(at, 1);
+        return traits_type::to_int_type(bytes[at]);
     }
     pos_type seekoff(off_type offset, std::ios_base::seekdir from,
                      std::ios_base::openmode) override {
-        if (from == std::ios_base::end && !tellsEnd) return pos_type(off_type(-1));
+        if (seeks == Seeks::kNowhere || (from == std::ios_base::end && seeks != Seeks::kAnywhere))
+            return pos_type(off_type(-1));
         const std::size_t base = from == std::ios_base::beg   ? 0
                                  : from == std::ios_base::cur ? Position()
                                                               : bytes.size();
-        char* const there = bytes.data() + base + offset;
-        setg(there, there, there);
-        return pos_type(there - bytes.data());
+        SetPosition(base + static_cast<std::size_t>(offset), 0);
+        return pos_type(static_cast<off_type>(Position()));
     }
     pos_type seekpos(pos_type position, std::ios_base::openmode mode) override {
         return seekoff(position, std::ios_base::beg, mode);
     }
 
 private:
+    void SetPosition(std::size_t at, std::size_t ready) {
+        char* const next = const_cast<char*>(bytes.data()) + at;  // is read only
+        setg(next, next, next + ready);
+    }
     std::size_t Position() const {
         return gptr() ? static_cast<std::size_t>(gptr() - bytes.data()) : 0;
     }
@@ -47,10 +52,10 @@ private:
         return traits_type::eof();
     }
 
-    std::string& bytes;
+    std::string_view bytes;
     std::size_t faultAt;
     Fault fault;
-    bool tellsEnd;
+    Seeks seeks;
 };
 
 // Takes bytes up to a fault. Needs no memory of its own once `taken` has room.

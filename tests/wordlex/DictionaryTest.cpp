@@ -349,24 +349,5 @@ TEST(DictionaryModel, RandomSequencesAgreeWithAMap) {
     }
 }
 
-TEST(DictionarySize, MoreThanSixteenBitsOfEntriesThroughBothWriters) {
-    constexpr unsigned kEntries = 66'000;
-    std::string text;
-    for (unsigned i = 0; i < kEntries; ++i)
-        text += "\"$$$/Many/" + std::to_string(i) + "=v" + std::to_string(i) + "\"\n";
-    for (const bool compact : {false, true}) {
-        Dictionary dictionary(compact);
-        Load(dictionary, text);
-        Dictionary reloaded;
-        Load(reloaded, Saved(dictionary, lexon::SaveType::kBinary));
-        ASSERT_EQ(reloaded.NumKeys(), kEntries);
-        for (unsigned i = 0; i < kEntries; i += 1009) {
-            const std::string number = std::to_string(i);
-            EXPECT_EQ(Lookup(reloaded, ("/Many/" + number).c_str()),
-                      u"v" + std::u16string(number.begin(), number.end()));
-        }
-    }
-}
-
 }  // namespace
 }  // namespace wordlex_tests

@@ -75,22 +75,6 @@ TEST_F(HashTable, FindsTheNewestOfEqualKeys) {
     }
 }
 
-TEST_F(HashTable, KeepsTheRestOfAChainWhenAnItemGoes) {
-    for (const char gone : {'d', 'b', 'a'}) {  // the head, one within, the last
-        table = std::make_unique<HashTableGeneric>();
-        InsertChain("abcd");
-        HashItem* const item = table->Remove(Key(Chained(gone), ' '));
-        ASSERT_EQ(gone, MarkOf(item));
-        std::string left = "dcba";
-        left.erase(left.find(gone), 1);
-        EXPECT_EQ(left, Pass());
-        for (const char mark : "abcd"s)
-            EXPECT_EQ(mark == gone ? '-' : mark, Find(Chained(mark)));
-        table->Insert(item);
-        EXPECT_EQ(gone + left, Pass());
-    }
-}
-
 // Holes that removed items leave in a bucket's block, filled and closed in every order.
 TEST_F(HashTable, KeepsChainsWholeHoweverItemsComeAndGo) {
     std::string chain;  // newest first

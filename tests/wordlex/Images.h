@@ -29,6 +29,7 @@ inline std::string Hex(std::string_view text) {
 // hold the locale "fr_FR", those with keys the accelerator "B" of "/B".
 inline constexpr std::string_view kMagic = "'Wordlex Binary Format'";
 inline constexpr std::string_view kLittleLocale = "05000000 'fr_FR'";
+inline constexpr std::string_view kBigLocale = "00000005 'fr_FR'";
 inline constexpr std::string_view kLittleBody =
     "00000000 'Y' 02000000 02000000 02000000 04000000 06000000"  // base, flag, n, live, s, K, V
     "00000000 02000000 0200 0200  00000000 04000000 0400 0200"   // keys, values: offsets, lengths
@@ -45,6 +46,10 @@ inline constexpr std::string_view kBodyWithoutKeys =
     "00000000 'N' 02000000 02000000 02000000 06000000"
     "00000000 04000000 0400 0200  4800 6900 AC20"
     "01000000 02000000 01000000 00000000 0200 4200";
+inline constexpr std::string_view kBigBodyWithoutKeys =
+    "00000000 'N' 00000002 00000002 00000002 00000006"
+    "00000000 00000004 0004 0002  0048 0069 20AC"
+    "00000001 00000002 00000001 00000000 0002 0042";
 
 // A whole file from what stands behind the magic.
 inline std::string File(std::string_view head, std::string_view locale, std::string_view body) {
@@ -52,8 +57,9 @@ inline std::string File(std::string_view head, std::string_view locale, std::str
 }
 
 inline const std::string kLittleFile = File("02 07 00 00", kLittleLocale, kLittleBody);
-inline const std::string kBigFile = File("02 07 00 01", "00000005 'fr_FR'", kBigBody);
+inline const std::string kBigFile = File("02 07 00 01", kBigLocale, kBigBody);
 inline const std::string kFileWithoutKeys = File("02 07 00 00", kLittleLocale, kBodyWithoutKeys);
+inline const std::string kBigFileWithoutKeys = File("02 07 00 01", kBigLocale, kBigBodyWithoutKeys);
 inline const std::string kVersion20File = File("02 00 00", kLittleLocale, kLittleBody);
 inline const std::string kVersion15File =
     File("01 05 00", "",

@@ -1,0 +1,248 @@
+// Binary files cut, with bits flipped and with fields at their extremes, and texts and files that
+// are made to cost much: what becomes of a dictionary is stated, and what it takes is bounded.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <ctime>
+#include <set>
+
+#include "tests/hardening/Memory.h"
+#include "tests/hardening/Snapshot.h"
+#include "tests/hardening/Streams.h"
+#include "tests/wordlex/Images.h"
+#include "tests/wordlex/Text.h"
+#include "wordlex/functionality/Dictionary.h"
+
+namespace hardening {
+namespace {
+
+using lexon_private::Dictionary;
+using namespace std::string_literals;
+using namespace wordlex_tests;
+
+enum class Form { kMemory, kMemoryBorrowed, kStream, kBlindStream };  // the last: of unknown end
+
+void LoadAs(Form form, Dictionary& dictionary, std::string_view image) {
+    if (form == Form::kMemory || form == Form::kMemoryBorrowed)
+        return Load(dictionary, image, form == Form::kMemory);
+    FaultySource source(image, image.size(), Fault::kEnds,
+                        form == Form::kStream ? Seeks::kAnywhere : Seeks::kNotToTheEnd);
+    std::istream stream(&source);
+    dictionary.Read(&stream);
+}
+
+// One more entry is found, and found again in what is saved.
+void CheckUsable(Dictionary& dictionary) {
+    const unsigned long count = dictionary.NumKeys();
+    const unsigned short value[] = {u'v'};
+    const unsigned long id = dictionary.Add("/new", value, 1, nullptr, nullptr, 0);
+    EXPECT_EQ(id, dictionary.GetNumericId("/new"));
+    const bool compact = dictionary.ReSetKeyEnumeration();
+    EXPECT_EQ(compact, id != ~0UL);
+    if (!compact) Load(dictionary, "/new=v");
+    EXPECT_EQ(count + 1, dictionary.NumKeys());
+    EXPECT_EQ(u"v", Text(dictionary.Lookup("/new", nullptr)));
+    Dictionary reloaded;
+    Load(reloaded, Saved(dictionary, lexon::SaveType::kBinary));
+    EXPECT_EQ(u"v", Text(reloaded.Lookup("/new", nullptr)));
+}
+
+// What a fresh dictionary is after the load: 'v' valid and filled, 'r' valid though the image was
+// refused or brings nothing, 'x' invalid. So is every other one, in every form; it keeps what it
+// held, goes on working, and asks for no more memory than what the file is worth.
+char OutcomeOf(const std::string& file) {
+    constexpr std::uint64_t kMostBytesPerByte = 40;
+    constexpr std::uint64_t kMostBytes = 150'000;  // buffers, and the first steps on a blind stream
+    char outcome = 0;
+    for (const bool compact : {false, true}) {
+        bool bringsNothing = false;
+        for (const bool filled : {false, true}) {
+            std::string first;
+            for (const Form form :
+                 {Form::kMemory, Form::kMemoryBorrowed, Form::kStream, Form::kBlindStream}) {
+                std::vector<char> image(file.begin(), file.end());  // exact size, for sanitizers
+                Dictionary dictionary(compact);
+                if (filled) Load(dictionary, "/A=old\n/Z=kept");
+                const std::string before = Content(dictionary);
+                const std::uint64_t allocated = AllocatedBytes();
+                LoadAs(form, dictionary, {image.data(), image.size()});
+                EXPECT_GE(kMostBytes + kMostBytesPerByte * file.size(),
+                          AllocatedBytes() - allocated);
+
+                const std::string after = Snapshot(dictionary);
+                if (form == Form::kMemory) first = after;
+                EXPECT_EQ(first, after);
+                const bool valid = dictionary.IsValid();
+                const bool empty = dictionary.NumKeys() == 0;
+                if (outcome == 0) outcome = !valid ? 'x' : empty ? 'r' : 'v';
+                // An id base in conflict hides what else is wrong.
+                EXPECT_EQ(outcome != 'x' || (valid && filled && compact), valid);
+                if (!filled) bringsNothing = empty;
+                if (bringsNothing && (compact || !valid)) {
+                    if (valid) dictionary.Locale("en_US");  // not that of the file
+                    EXPECT_EQ(before, Content(dictionary));
+                }
+                if (filled && (compact || !dictionary.ReSetKeyEnumeration())) {
+                    EXPECT_EQ(u"kept", Text(dictionary.Lookup("/Z", nullptr)));
+                }
+                if (form == Form::kMemory) CheckUsable(dictionary);
+            }
+        }
+    }
+    return outcome;
+}
+
+constexpr std::size_t kMagicSize = 21;
+const std::string kLittleFlips =
+    "?xxx vvvvv vvvv v rrrr ?vvv rrrr ?rrr ?rrr"   // locale to area sizes
+    "?rrr ?rrr ?r ?r ?rrr ?rrr ?r ?r vvvv vvvvvv"  // entries
+    "v? v? ?rrr ?rrr ?xxx ?xxx"                    // hash index
+    "?rrr rrrr ?xxx rrrr ?r vv";                   // accelerators
+
+// One letter a byte behind the magic: the outcome of flipping a bit of it, '?' where that depends
+// on the bit. A version 2 file that is cut in its body or right behind the length of its locale is
+// refused; of others every part is invalid.
+struct GoldenFile {
+    int line;
+    const std::string& content;
+    bool bigEndian;
+    std::size_t body;  // where that of version 2 begins
+    std::string flips;
+};
+const GoldenFile kFiles[] = {
+    {__LINE__, kLittleFile, false, 34, "x?v?" + kLittleFlips},
+    {__LINE__, kVersion20File, false, 33, "x?v" + kLittleFlips},
+    {__LINE__, kBigFile, true, 34,
+     "x?v? xxx? vvvvv vvvv v rrrr vvv? rrrr rrr? rrr?"
+     "rrr? rrr? r? r? rrr? rrr? r? r? vvvv vvvvvv"
+     "?v ?v rrr? rrr? xxx? xxx?"
+     "rrr? rrrr xxx? rrrr r? vv"},
+    {__LINE__, kFileWithoutKeys, false, 34,
+     "x?v? ?xxx vvvvv vvvv r rrrr ?vvv vvvv ?rrr"
+     "?rrr ?rrr ?r ?r vvvvvv ?rrr rrrr ?xxx rrrr ?r vv"},
+    {__LINE__, kBigFileWithoutKeys, true, 34,
+     "x?v? xxx? vvvvv vvvv r rrrr vvv? vvvv rrr?"
+     "rrr? rrr? r? r? vvvvvv rrr? rrrr xxx? rrrr r? vv"},
+    {__LINE__, kVersion15File, true, 0, "xxv xxx? xxx? xxxx xxx? xxx? xxx? xxx? ?v ?v vvvvvv vvvv"},
+    {__LINE__, kVersion15Utf8File, true, 0,
+     "xxv xxx? xxx? xxxx xxx? xxx? xxx? xxx? ?v ?v vvvv vvvvv"},
+    {__LINE__, kVersion10File, false, 0,
+     "xxv ?x v? ?xxx v? ?xxx vv ?xxx"
+     "xxxxxxxx vv xxxxxxxx vvvv xxxxxxxx vv xxxxxxxx vv"},
+};
+
+TEST(DamagedFile, IsRefusedAtEveryLength) {
+    for (const auto& [line, file, bigEndian, body, flips] : kFiles) {
+        SCOPED_TRACE(line);
+        for (std::size_t length = kMagicSize; length < file.size(); ++length) {
+            const bool refused = body != 0 && (length >= body || length == body - 5);
+            EXPECT_EQ(refused ? 'r' : 'x', OutcomeOf(file.substr(0, length))) << length;
+        }
+    }
+}
+
+TEST(DamagedFile, HasAStatedOutcomeForEveryBit) {
+    for (const auto& [line, file, bigEndian, body, flips] : kFiles) {
+        SCOPED_TRACE(line);
+        std::string expected(kMagicSize, '?');  // a flip makes it a text, or bytes that are none
+        std::ranges::remove_copy(flips, std::back_inserter(expected), ' ');
+        std::string outcomes;
+        for (std::size_t at = 0; at < file.size(); ++at) {
+            std::set<char> ofByte;
+            for (int bit = 0; bit < 8; ++bit) {
+                std::string flipped = file;
+                flipped[at] = static_cast<char>(flipped[at] ^ (1 << bit));
+                ofByte.insert(OutcomeOf(flipped));
+            }
+            outcomes += ofByte.size() == 1 ? *ofByte.begin() : '?';
+        }
+        EXPECT_EQ(expected, outcomes);
+    }
+}
+
+TEST(DamagedFile, IsReadAlikeWithEveryFieldAtItsExtremes) {
+    constexpr std::uint32_t kEntries = 2;
+    for (const auto& [line, file, bigEndian, body, flips] : kFiles) {
+        std::string outcomes;
+        std::ranges::remove_copy(flips, std::back_inserter(outcomes), ' ');
+        for (std::size_t at = kMagicSize; at + 2 <= file.size(); ++at) {
+            // Wherever a field may be: the low half alone, and the whole value.
+            for (const std::size_t width : {sizeof(std::uint16_t), sizeof(std::uint32_t)}) {
+                if (at + width > file.size()) continue;
+                const auto place = [&, big = bigEndian](std::size_t byte) {
+                    return at + (big ? width - 1 - byte : byte);
+                };
+                std::uint32_t own = 0;
+                for (std::size_t i = width; i-- > 0;)
+                    own = own << 8 | static_cast<unsigned char>(file[place(i)]);
+                std::set<std::uint32_t> values;
+                for (const std::uint32_t value :
+                     {0U, 1U, own - 1, own + 1, kEntries - 1, kEntries + 1, 1020U, 1021U,
+                      0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU})
+                    values.insert(width == sizeof value ? value : value & 0xFFFF);
+                for (const std::uint32_t value : values) {
+                    SCOPED_TRACE(testing::Message()
+                                 << value << " at " << at << " of the file of line " << line);
+                    std::string changed = file;
+                    for (std::size_t i = 0; i < width; ++i)
+                        changed[place(i)] = static_cast<char>(value >> 8 * i);
+                    const char outcome = OutcomeOf(changed);
+                    // Where no bit of the high byte is taken, no large value is.
+                    if (value < 0x7FFFFFFF) continue;
+                    const char ofHighByte = outcomes[place(width - 1) - kMagicSize];
+                    EXPECT_TRUE(outcome != 'v' || ofHighByte == 'v' || ofHighByte == '?');
+                }
+            }
+        }
+    }
+}
+
+// That many lines of four bytes, keys of one bucket.
+std::string KeysOfOneBucket(std::size_t count) {
+    std::string lines;
+    for (unsigned head = 0; lines.size() < 5 * count; ++head) {
+        std::string key;
+        for (const unsigned shift : {14U, 7U, 0U})
+            key += static_cast<char>(head >> shift & 0x7F);
+        const unsigned long last =
+            lexon_private::kHashBucketCount - lexon_private::HashFunc(Bytes(key + '\0'), 4);
+        key += static_cast<char>(last);
+        if (last <= 0x7F && key.find_first_of("\n\r\"$=\0"s) == std::string::npos)
+            lines += key + '\n';
+    }
+    return lines;
+}
+
+TEST(CostlyInput, OfOneMegabyteTakesBoundedTimeAndMemory) {
+    constexpr std::clock_t kMostSeconds = 30;  // with sanitizers, too; chains would take minutes
+    constexpr std::uint64_t kMostBytesPerByte = 200;
+    Dictionary oneSlot(true);
+    Load(oneSlot, KeysOfOneBucket(50'000));
+    const std::pair<std::string, unsigned> inputs[] = {
+        {KeysOfOneBucket(209'000), 1},
+        {KeysOfOneBucket(65'536), 2},
+        {std::string(1'000'000, '\n'), 1},
+        {File("01 05 00", "", "00000001 0003D000") + std::string(0xF4002, '\0'),
+         1},  // empty entries
+        {Saved(oneSlot, lexon::SaveType::kBinary), 2}};
+    for (const auto& [content, times] : inputs) {
+        for (const bool compact : {false, true}) {
+            SCOPED_TRACE(content.size());
+            Dictionary dictionary(compact);
+            const std::uint64_t allocated = AllocatedBytes();
+            const std::clock_t begin = std::clock();
+            for (unsigned i = 0; i < times; ++i)
+                Load(dictionary, content);
+            EXPECT_GE(kMostSeconds * CLOCKS_PER_SEC, std::clock() - begin);
+            EXPECT_GE(kMostBytesPerByte * content.size() * times, AllocatedBytes() - allocated);
+            if (dictionary.NumKeys() == 0 || content.starts_with(Hex(kMagic))) continue;
+            const std::string saved = Saved(dictionary, lexon::SaveType::kBinary);
+            Dictionary reloaded;
+            Load(reloaded, saved);
+            EXPECT_TRUE(saved == Saved(reloaded, lexon::SaveType::kBinary));
+        }
+    }
+}
+
+}  // namespace
+}  // namespace hardening
