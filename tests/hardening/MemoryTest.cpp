@@ -14,11 +14,13 @@
 #include "host/vexacore/Localizer.h"
 #include "host/vexacore/Xml.h"
 #include "startup/VEXAInitializer.h"
+#include "tests/TemporaryFolder.h"
 #include "tests/hardening/Snapshot.h"
 #include "tests/hardening/Streams.h"
 #include "tests/wordlex/Images.h"
 #include "tests/wordlex/Text.h"
 #include "wordlex/functionality/Dictionary.h"
+#include "wordlex/functionality/DictionaryMap.h"
 #include "wordlex/functionality/Wordlex.h"
 
 namespace hardening {
@@ -71,7 +73,9 @@ long CheckChange(bool compact, const Change& change, std::set<std::string> partl
 }
 
 TEST(MemoryRunsOut, BinaryLoadsAreWholeOrNotAtAll) {
-    for (const std::string& file : {kLittleFile, kBigFile, kFileWithoutKeys, kVersion20File,
+    std::string next = kLittleFile;  // appended: its id base is the next id of the compact store
+    next[kLittleFile.size() - Hex(kLittleBody).size()] = 100;
+    for (const std::string& file : {kLittleFile, next, kBigFile, kFileWithoutKeys, kVersion20File,
                                     kVersion15File, kVersion15Utf8File, kVersion10File}) {
         for (const bool compact : {false, true}) {
             SCOPED_TRACE(testing::PrintToString(file));
@@ -178,6 +182,7 @@ TEST(MemoryRunsOut, SavingIsReportedAndChangesNothing) {
                 if (whole.empty()) whole = taken;
                 EXPECT_TRUE(whole.starts_with(taken));
                 EXPECT_TRUE(outcome != Outcome::kDone || whole == taken);
+                EXPECT_TRUE(outcome != Outcome::kSwallowed || !stream.good());
             });
         }
         EXPECT_EQ(before, Snapshot(dictionary));
@@ -190,24 +195,31 @@ TEST(MemoryRunsOut, StringsAreAsBeforeOrAsAfter) {
     const auto bytes = [](const char* text) {
         return reinterpret_cast<const unsigned char*>(text);
     };
-    const Wordlex text(bytes(" &^1^1:(&X)\n<param name=\"n\"/>.e... "), 35, &kUtf8);
+    const Wordlex text(bytes(" &^1^1:(&X)\n<param name=\"n\"/>.e..."), 34, &kUtf8);
     const Wordlex value(kLong, 300);
+    constexpr unsigned long kRegistered = 7;
+    Load(*lexon_private::DictionaryMap::Instance()[kRegistered], kLittleFile);
     const std::pair<int, std::function<void(Wordlex&)>> rows[] = {
         {__LINE__, [&](Wordlex& w) { w.Replace(1, value); }},
         {__LINE__, [&](Wordlex& w) { w.BackDoorParamSubstitute("n", value, 1); }},
         {__LINE__, [](Wordlex& w) { w.TrimBlanks(); }},
+        {__LINE__, [](Wordlex& w) { w.TrimEllipsis(); }},
         {__LINE__, [](Wordlex& w) { w.RemoveAccelerators(); }},
         {__LINE__, [](Wordlex& w) { w.ChangeNewLineCharacter(); }},
         {__LINE__, [](Wordlex& w) { w.RemoveBadFilenameCharacters(); }},
         {__LINE__, [](Wordlex& w) { w.RemoveExtension(); }},
         {__LINE__, [](Wordlex& w) { w = Wordlex(-123456789L); }},
+        {__LINE__, [](Wordlex& w) { w = Wordlex("/none=a^Qb", kRegistered, nullptr); }},
+        {__LINE__, [](Wordlex& w) { w = Wordlex("/B", kRegistered, nullptr); }},
+        {__LINE__, [](Wordlex& w) { w = Wordlex(0U, kRegistered, nullptr); }},
         {__LINE__, [](Wordlex& w) { w.BackDoorAssignUnicode(TerminatedUnits(u"new").data()); }},
         {__LINE__, [](Wordlex& w) { w.BackDoorAssignCString("n\xC3\xA9w", &kUtf8); }},
         {__LINE__, [&](Wordlex& w) { w.BackDoorAssignPascalString(bytes("\3new"), &kUtf8); }},
         {__LINE__,
          [](Wordlex& w) {
-             char out[64];
-             w.BackDoorGetCString(out, sizeof out, true, &kUtf8);
+             unsigned char out[64];
+             w.BackDoorGetPascalString(out, sizeof out, true, &kUtf8);
+             w.BackDoorGetCString(reinterpret_cast<char*>(out), sizeof out, true, &kUtf8);
          }},
     };
     for (const auto& [line, change] : rows) {
@@ -227,6 +239,10 @@ TEST(MemoryRunsOut, StartUpLeavesNothingInTheHost) {
     using namespace vexacore;
     const std::new_handler outer = std::get_new_handler();
     Ovis::SetLanguageString(u"ja");
+    const TemporaryFolder shared;
+    setenv("XDG_DATA_DIRS", shared.path.c_str(), 1);
+    shared.Write("Norvale/Framewright Homeline/5.1/locale/ja/Dictionaries/wdictionary.dat",
+                 "\"$$$/Text=shared\"");
     const long failures = ForEveryFailingAllocation(
         [&](auto inject) {
             std::optional<Startup::VEXAInitializer> initializer;
@@ -238,6 +254,9 @@ TEST(MemoryRunsOut, StartUpLeavesNothingInTheHost) {
                 EXPECT_NE(nullptr, xml::GetParserFactory());
                 EXPECT_NE(outer, std::get_new_handler());
                 EXPECT_EQ(u"ja", Locale::GetLanguage());
+                if (outcome == Outcome::kDone) {
+                    EXPECT_EQ(u"shared", config::Localizer::Get()->GetLocalizedString("$$$/Text="));
+                }
                 initializer.reset();
                 EXPECT_EQ(nullptr, xml::GetParserFactory());
             }
