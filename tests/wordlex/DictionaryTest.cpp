@@ -237,6 +237,8 @@ TEST(DictionaryEnumeration, BuffersAndRestarts) {
     for (const bool compact : {false, true}) {
         const auto dictionary = FromText(u"\"abcd=1\"", compact);
         char buffer[5] = "????";
+        EXPECT_TRUE(dictionary->NextKey(buffer, sizeof buffer, true));
+        EXPECT_STREQ(compact ? "abcd" : "", buffer) << "ahead of a pass";
         ASSERT_TRUE(dictionary->HasMoreKey());
         EXPECT_FALSE(dictionary->NextKey(buffer, 4, false));
         EXPECT_FALSE(dictionary->NextKey(nullptr, 99, false));
