@@ -131,17 +131,7 @@ const GoldenFile kFiles[] = {
      "xxxxxxxx vv xxxxxxxx vvvv xxxxxxxx vv xxxxxxxx vv"},
 };
 
-TEST(DamagedFile, IsRefusedAtEveryLength) {
-    for (const auto& [line, file, bigEndian, body, flips] : kFiles) {
-        SCOPED_TRACE(line);
-        for (std::size_t length = kMagicSize; length < file.size(); ++length) {
-            const bool refused = body != 0 && (length >= body || length == body - 5);
-            EXPECT_EQ(refused ? 'r' : 'x', OutcomeOf(file.substr(0, length))) << length;
-        }
-    }
-}
-
-TEST(DamagedFile, HasAStatedOutcomeForEveryBit) {
+TEST(DamagedFile, HasAStatedOutcomeForEveryLengthAndBit) {
     for (const auto& [line, file, bigEndian, body, flips] : kFiles) {
         SCOPED_TRACE(line);
         std::string expected(kMagicSize, '?');  // a flip makes it a text, or bytes that are none
@@ -155,6 +145,9 @@ TEST(DamagedFile, HasAStatedOutcomeForEveryBit) {
                 ofByte.insert(OutcomeOf(flipped));
             }
             outcomes += ofByte.size() == 1 ? *ofByte.begin() : '?';
+            if (at < kMagicSize) continue;
+            const bool refused = body != 0 && (at >= body || at == body - 5);
+            EXPECT_EQ(refused ? 'r' : 'x', OutcomeOf(file.substr(0, at))) << at;
         }
         EXPECT_EQ(expected, outcomes);
     }

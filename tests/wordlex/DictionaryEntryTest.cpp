@@ -12,59 +12,52 @@ namespace {
 using lexon_private::DictionaryEntry;
 using namespace std::string_literals;
 
-void Check(std::u16string_view written, std::u16string_view stored) {
-    const auto units = Units(written);
-    EXPECT_EQ(Text(DictionaryEntry::ConvertEscapeSequences(units.data(), units.size())), stored);
+// What is stored of each text, in rows "written→stored" with '|' between them.
+void CheckAll(std::u16string_view rows) {
+    while (!rows.empty()) {
+        const std::u16string_view row = rows.substr(0, rows.find(u'|'));
+        rows.remove_prefix(std::min(row.size() + 1, rows.size()));
+        const std::size_t arrow = row.find(u'→');
+        const auto units = Units(row.substr(0, arrow));
+        EXPECT_EQ(row.substr(arrow + 1),
+                  Text(DictionaryEntry::ConvertEscapeSequences(units.data(), units.size())));
+    }
 }
 
 TEST(DictionaryEntryEscapes, BackslashAndHatTakeOneUnit) {
-    Check(u"", u"");
-    Check(u"plain", u"plain");
-    Check(uR"(\n\r\t\b\")", u"\n\r\t\b\"");
-    Check(uR"(\\)", uR"(\)");
-    Check(uR"(\\n)", uR"(\n)");  // the first escape eats the second backslash
-    Check(uR"(\q)", uR"(\q)");
-    Check(uR"(a\)", uR"(a\)");
-    Check(u"a^", u"a^");
-    Check(uR"(\^C)", uR"(\^C)");  // '^' is the unit behind '\', and no escape
-    Check(uR"(^\n)", uR"(^\n)");
-    Check(u"^Q^[^]^{^}^C^R^T^D^B^#^!^I^S^n^r",
-          u"\"\u201C\u201D\u2018\u2019\u00A9\u00AE\u2122\u00B0\u2022\u2318\u00AC\u2206\u2211\n\r");
-    Check(u"^^C", u"^C");
-    Check(u"^e^0^9^c", u"^e^0^9^c");
+    CheckAll(u"→|plain→plain|\\n\\r\\t\\b\\\"→\n\r\t\b\"");
+    // The first escape eats the second backslash; '^' behind '\' and '\' behind '^' are no escapes.
+    CheckAll(uR"(\\→\|\\n→\n|\q→\q|a\→a\|a^→a^|\^C→\^C|^\n→^\n|^^C→^C|^e^0^9^c→^e^0^9^c)");
+    CheckAll(
+        u"^Q^[^]^{^}^C^R^T^D^B^#^!^I^S^n^r→"
+        u"\"\u201C\u201D\u2018\u2019\u00A9\u00AE\u2122\u00B0\u2022\u2318\u00AC\u2206\u2211\n\r");
 }
 
 TEST(DictionaryEntryEscapes, EntitiesByNameAndNumber) {
-    Check(u"#{amp}#{Eacute}#{eacute}#{nbsp}#{yuml}", u"&\u00C9\u00E9\u00A0\u00FF");
-    Check(u"#{quot}#{euro}#{ETH}#{szlig}#{bdquo}", u"\"\u20AC\u00D0\u00DF\u201E");
-    Check(u"#{U+00E9}#{u00e9}#{e9}#{E9}", u"\u00E9\u00E9\u00E9\u00E9");
-    Check(u"#{a}#{ffff}", u"\n\uFFFF");
-    Check(u"#{0}", u"\0"s);
-    Check(u"#{tab}#{cr}#{lf}#{endl}", u"\t\r\n\r");
-    Check(u"#{copyyear}", u"2019");
-    Check(u"\\#{amp}^#{lt}", u"\\&\u2318{lt}");  // '^#' is an escape of its own
-    Check(u"#^Q#", u"#\"#");
+    CheckAll(
+        u"#{amp}#{Eacute}#{eacute}#{nbsp}#{yuml}→&\u00C9\u00E9\u00A0\u00FF|"
+        u"#{quot}#{euro}#{ETH}#{szlig}#{bdquo}→\"\u20AC\u00D0\u00DF\u201E|"
+        u"#{U+00E9}#{u00e9}#{e9}#{E9}→\u00E9\u00E9\u00E9\u00E9|#{a}#{ffff}→\n\uFFFF|"
+        u"#{tab}#{cr}#{lf}#{endl}→\t\r\n\r|#{copyyear}→2019|"
+        u"\\#{amp}^#{lt}→\\&\u2318{lt}|#^Q#→#\"#|#{0}→\0"s);  // '^#' is an escape of its own
 }
 
 TEST(DictionaryEntryEscapes, WhatIsNoEntityStays) {
-    for (const std::u16string_view text :
+    for (const std::u16string text :
          {u"#", u"##", u"#{", u"#{}", u"#{a", u"#{amp", u"#{alpha}", u"#{U+1F600}", u"#{12345}",
           u"#{U+}", u"#{u}", u"#{U00E9}", u"#{AMP}", u"#{amp }", u"#{ampx}", u"#amp}", u"#{\u0141}",
           u"#{#{g}"})
-        Check(text, text);
-    Check(u"#{#{amp}#{g}#{9}", u"#{&#{g}\t");
+        CheckAll(text + u'→' + text);
+    CheckAll(u"#{#{amp}#{g}#{9}→#{&#{g}\t");
 }
 
 TEST(DictionaryEntryEscapes, PlatformSectionsKeepMacos) {
-    Check(u"Before#{comment}after#{macos}never", u"Before");
-    Check(u"All#{mswindows}Win#{macos}Mac#{ios}Phone", u"Mac");
-    Check(u"All#{mswindows}Win", u"All");
-    Check(u"All#{android}x#{ios}y", u"All");
-    Check(u"#{macos}Mac", u"Mac");
-    Check(u"All#{macos}One#{macos}Two", u"Two");
-    Check(u"A#{ios}x#y#{U+0041}#{endl}#{copyyear}#{amp}z", u"A");
-    Check(u"A#{ios}x#{comment}y#{macos}Mac", u"Mac");  // no comment while skipping
-    Check(u"A#{macos}M#{ios}x#{macos}N", u"M");        // the first other section ends it
+    CheckAll(
+        u"Before#{comment}after#{macos}never→Before|All#{mswindows}Win→All|#{macos}Mac→Mac|"
+        u"All#{mswindows}Win#{macos}Mac#{ios}Phone→Mac|All#{android}x#{ios}y→All|"
+        u"All#{macos}One#{macos}Two→Two|A#{ios}x#y#{U+0041}#{endl}#{copyyear}#{amp}z→A");
+    CheckAll(u"A#{ios}x#{comment}y#{macos}Mac→Mac");  // no comment while skipping
+    CheckAll(u"A#{macos}M#{ios}x#{macos}N→M");        // the first other section ends it
 }
 
 TEST(DictionaryEntryEscapes, EntitiesAloneLeaveUnitEscapes) {
