@@ -333,6 +333,7 @@ void FastArray::Append(ArrayImage&& image, std::unique_ptr<std::byte[]> lists,
     if (totalCount == 0) {
         std::byte* list = lists.get();
         for (std::size_t slot = 0; slot < slots.size(); ++slot) {
+            if (added[slot] == 0) continue;
             slots[slot].Borrow(list, added[slot]);
             list += IdList::BlockSize(added[slot]);
         }

@@ -1,4 +1,5 @@
 #pragma once
+#include <array>
 #include <bit>
 #include <climits>
 #include <cstddef>
@@ -17,25 +18,32 @@ public:
     // Looks for the units that equal one of `wanted`.
     template <class... Wanted>
     explicit UnitBlock(const Unit* units, Wanted... wanted) noexcept {
-        typedef Unit Lanes __attribute__((vector_size(16)));
         Lanes lanes;
         std::memcpy(&lanes, units, sizeof lanes);
-        const auto equal = (... | (lanes == static_cast<Unit>(wanted)));  // all bits set, or none
-        std::memcpy(halves, &equal, sizeof halves);
+        equal = (... | (lanes == static_cast<Unit>(wanted)));
     }
-    bool HasAny() const noexcept { return (halves[0] | halves[1]) != 0; }
+    // Whether one is found here or there.
+    UnitBlock operator|(const UnitBlock& other) const noexcept {
+        UnitBlock either(*this);
+        either.equal |= other.equal;
+        return either;
+    }
+    bool HasAny() const noexcept { return (Half(0) | Half(1)) != 0; }
     // The first and the last one found; there is one.
     std::ptrdiff_t First() const noexcept {
-        return halves[0] != 0 ? Lanes(LeadingZeros(halves[0]))
-                              : kUnits / 2 + Lanes(LeadingZeros(halves[1]));
+        return Half(0) != 0 ? UnitsIn(LeadingZeros(Half(0)))
+                            : kUnits / 2 + UnitsIn(LeadingZeros(Half(1)));
     }
     std::ptrdiff_t Last() const noexcept {
         return kUnits - 1 -
-               (halves[1] != 0 ? Lanes(TrailingZeros(halves[1]))
-                               : kUnits / 2 + Lanes(TrailingZeros(halves[0])));
+               (Half(1) != 0 ? UnitsIn(TrailingZeros(Half(1)))
+                             : kUnits / 2 + UnitsIn(TrailingZeros(Half(0))));
     }
 
 private:
+    typedef Unit Lanes __attribute__((vector_size(16)));
+    using Equal = decltype(Lanes{} == Lanes{});
+
     static constexpr bool kLittle = std::endian::native == std::endian::little;
 
     // Zeros ahead of and behind the ones, in the order of memory.
@@ -45,11 +53,15 @@ private:
     static int TrailingZeros(std::uint64_t half) noexcept {
         return kLittle ? std::countl_zero(half) : std::countr_zero(half);
     }
-    static std::ptrdiff_t Lanes(int bits) noexcept {
+    static std::ptrdiff_t UnitsIn(int bits) noexcept {
         return bits / static_cast<int>(CHAR_BIT * sizeof(Unit));
     }
 
-    std::uint64_t halves[2];
+    std::uint64_t Half(std::size_t which) const noexcept {
+        return std::bit_cast<std::array<std::uint64_t, 2>>(equal)[which];
+    }
+
+    Equal equal;  // all bits of a unit that is found, none of another
 };
 
 // The first of the units of [begin, end) that equals one of `wanted`, or `end`. Texts are scanned

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "wordlex/functionality/ImageWriter.h"
-#include "wordlex/functionality/Tags.h"
 
 namespace lexon_private {
 
@@ -32,9 +31,9 @@ void PrefetchBehind(const HashItem* item) noexcept {
 
 std::optional<std::size_t> HashTableGeneric::Bucket::Position(const HashItem& probe,
                                                               std::uint16_t tag) const {
-    const std::uint16_t* const tags = Tags();
-    std::size_t behind = BehindLastTag(tags, end, tag);
-    for (; behind != 0; behind = BehindLastTag(tags, behind - 1, tag)) {
+    const Tags tags = KeyTags();
+    std::size_t behind = tags.BehindLast(end, tag);
+    for (; behind != 0; behind = tags.BehindLast(behind - 1, tag)) {
         const HashItem* const item = Items()[behind - 1];
         PrefetchBehind(item);
         if (item != nullptr && *item == probe) return behind - 1;
@@ -50,11 +49,13 @@ HashItem* HashTableGeneric::Bucket::NewerThan(std::size_t position) const noexce
 }
 
 void HashTableGeneric::Bucket::CloseHoles() noexcept {
+    const Tags tags = KeyTags();
+    tags.Clear();
     std::uint32_t kept = 0;
     for (std::uint32_t i = 0; i < end; ++i) {
         if (Items()[i] == nullptr) continue;
         Items()[kept] = Items()[i];
-        Tags()[kept++] = Tags()[i];
+        tags.Set(kept++, tags[i]);
     }
     end = kept;
 }
@@ -67,18 +68,19 @@ void HashTableGeneric::Bucket::Reserve(std::size_t more) {
     larger.capacity =
         static_cast<std::uint32_t>(std::max({count + more, 2 * std::size_t{count}, kFirst}));
     larger.block.reset(
-        new std::byte[larger.capacity * (sizeof(HashItem*) + sizeof(std::uint16_t))]);
+        new std::byte[larger.capacity * sizeof(HashItem*) + Tags::BlockSize(larger.capacity)]);
+    larger.KeyTags().Clear();
     std::copy_n(Items(), count, larger.Items());
-    std::copy_n(Tags(), count, larger.Tags());
-    larger.count = larger.end = count;
+    for (; larger.end < count; ++larger.end)
+        larger.KeyTags().Set(larger.end, KeyTags()[larger.end]);
+    larger.count = count;
     *this = std::move(larger);
 }
 
 void HashTableGeneric::Bucket::Append(HashItem* item, std::uint16_t tag) noexcept {
     item->next = Head();
     Items()[end] = item;
-    Tags()[end] = tag;
-    ++end;
+    KeyTags().Set(end++, tag);
     ++count;
 }
 

@@ -8,6 +8,7 @@
 
 #include "wordlex/functionality/BinUtil.h"
 #include "wordlex/functionality/HashItem.h"
+#include "wordlex/functionality/Tags.h"
 
 namespace lexon_private {
 
@@ -88,8 +89,8 @@ private:
 
     private:
         HashItem** Items() const noexcept { return reinterpret_cast<HashItem**>(block.get()); }
-        std::uint16_t* Tags() const noexcept {
-            return reinterpret_cast<std::uint16_t*>(block.get() + capacity * sizeof(HashItem*));
+        Tags KeyTags() const noexcept {
+            return {block.get() + capacity * sizeof(HashItem*), capacity};
         }
 
         static constexpr std::uint32_t kHoleShare = 16;

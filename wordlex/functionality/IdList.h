@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "wordlex/functionality/Table.h"
+#include "wordlex/functionality/Tags.h"
 
 namespace lexon_private {
 
@@ -20,7 +21,7 @@ public:
 
     // Bytes of a block for that many ids; blocks one behind another stay aligned.
     static constexpr std::size_t BlockSize(std::size_t idCount) noexcept {
-        const std::size_t bytes = idCount * (sizeof(std::uint32_t) + sizeof(std::uint16_t));
+        const std::size_t bytes = idCount * sizeof(std::uint32_t) + Tags::BlockSize(idCount);
         return (bytes + alignof(std::uint32_t) - 1) / alignof(std::uint32_t) *
                alignof(std::uint32_t);
     }
@@ -29,26 +30,29 @@ public:
     const std::uint32_t* Ids() const noexcept {
         return reinterpret_cast<const std::uint32_t*>(block.get());
     }
-    std::uint16_t TagAt(std::uint32_t i) const noexcept { return Tags()[i]; }
+    std::uint16_t TagAt(std::uint32_t i) const noexcept { return KeyTags()[i]; }
     // The first position from `from` on that has the tag, or Count().
-    std::uint32_t Find(std::uint16_t tag, std::uint32_t from) const noexcept;
+    std::uint32_t Find(std::uint16_t tag, std::uint32_t from) const noexcept {
+        return static_cast<std::uint32_t>(KeyTags().First(from, count, tag));
+    }
 
     // An empty list with room for `room` ids in a borrowed block that outlives it.
     void Borrow(std::byte* borrowed, std::uint32_t room) noexcept {
         block = BorrowableArray<std::byte>(borrowed, {.borrowed = true});
         capacity = room;
+        KeyTags().Clear();
     }
     // Makes room for more ids, at least doubling a full list.
     void Reserve(std::uint32_t more);
     // Room is reserved.
     void Append(std::uint32_t id, std::uint16_t tag) noexcept {
         reinterpret_cast<std::uint32_t*>(block.get())[count] = id;
-        Tags()[count++] = tag;
+        KeyTags().Set(count++, tag);
     }
 
 private:
-    std::uint16_t* Tags() const noexcept {
-        return reinterpret_cast<std::uint16_t*>(block.get() + capacity * sizeof(std::uint32_t));
+    Tags KeyTags() const noexcept {
+        return {block.get() + capacity * sizeof(std::uint32_t), capacity};
     }
 
     BorrowableArray<std::byte> block;
