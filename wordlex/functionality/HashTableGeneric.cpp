@@ -22,9 +22,11 @@ class NowhereBuffer : public std::streambuf {
 // Behind an item mostly lies what was allocated with it, key and value: they come from memory
 // together with it rather than one after the other, which saves a tenth of a hit in a large table.
 void PrefetchBehind(const HashItem* item) noexcept {
-    constexpr std::ptrdiff_t kCacheLine = 64;
-    for (std::ptrdiff_t line = 1; line <= 3; ++line)
-        __builtin_prefetch(reinterpret_cast<const char*>(item) + line * kCacheLine);
+    constexpr std::uintptr_t kCacheLine = 64;
+    // A number: these lines need not be part of any object.
+    const auto address = reinterpret_cast<std::uintptr_t>(item);
+    for (std::uintptr_t line = 1; line <= 3; ++line)
+        __builtin_prefetch(reinterpret_cast<const void*>(address + line * kCacheLine));
 }
 
 }  // namespace
@@ -35,8 +37,9 @@ std::optional<std::size_t> HashTableGeneric::Bucket::Position(const HashItem& pr
     std::size_t behind = tags.BehindLast(end, tag);
     for (; behind != 0; behind = tags.BehindLast(behind - 1, tag)) {
         const HashItem* const item = Items()[behind - 1];
+        if (item == nullptr) continue;
         PrefetchBehind(item);
-        if (item != nullptr && *item == probe) return behind - 1;
+        if (*item == probe) return behind - 1;
     }
     return std::nullopt;
 }
