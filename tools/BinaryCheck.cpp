@@ -59,7 +59,7 @@ void CheckFault(const BinaryFile& binary, CheckedFile& file, Findings& findings)
     const char* const quiet = "; none of its entries is loaded";
     if (binary.Fault() != ImageFault::kNone) {
         const bool isQuiet =
-            binary.HeaderRead() && binary.IsVersion2() && binary.Fault() == ImageFault::kCutShort;
+            binary.HeaderRead() && binary.IsVersion2() && !IsMalformed(binary.Fault());
         findings.Add(Rule::kMalformedBinary, {file.name, 0, 0, binary.FaultOffset()},
                      std::string("refused: ") + Describe(binary.Fault()) +
                          (isQuiet ? quiet

@@ -151,6 +151,10 @@ int Compile(const CompileOptions& options) {
             image, options.noKeys ? lexon::SaveType::kBinaryNoKeys : lexon::SaveType::kBinary,
             nullptr, options.order, options.idBase);
     }
+    if (!image) {
+        throw Failure(options.output +
+                      ": more text than a version 2 file has room for, or than memory has");
+    }
     WriteOutput(options.output, image.view());
     return kSuccess;
 }

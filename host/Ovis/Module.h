@@ -13,9 +13,8 @@ namespace Ovis {
 // Owns:     one reference to the module in the system's loader. Its code and data stay mapped after
 //           the release: an exception that it threw may still be on its way.
 // Threads:  all calls from any thread.
-// Failure:  statuses and null; std::bad_alloc when memory is exhausted, and where a module beside
-// the
-//           application is asked for, what Dir::AppDir() throws.
+// Failure:  statuses and null; std::bad_alloc when memory is exhausted, and what Dir::AppDir()
+//           throws where a module beside the application is asked for.
 class Module {
 public:
     // Where a module name is looked up. No environment variable takes part in it.

@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sstream>
 #include <vector>
 
+#include "tests/wordlex/Settings.h"
 #include "tests/wordlex/Text.h"
 
 namespace wordlex_tests {
@@ -52,7 +54,6 @@ TEST(DictionaryReaderLines, AreTheSameInEveryWidthAndOrder) {
         EXPECT_EQ(LinesOf(std::string(text.begin(), text.end())), expected);
     };
     const std::u16string longLine(10'000, u'x');
-    const std::u16string blockLine(4096, u'y');  // ends where a block of units ends
     check(u"", {});
     check(u"a", {u"a"});
     check(u"a\n", {u"a"});
@@ -62,7 +63,29 @@ TEST(DictionaryReaderLines, AreTheSameInEveryWidthAndOrder) {
     check(u"a\n\0b"s, {u"a"});
     check(u"\0a"s, {});
     check(u"a\n" + longLine + u"\nb", {u"a", longLine, u"b"});
-    check(blockLine + u"\nb", {blockLine, u"b"});
+    for (const int block : {0x8000, 0x10000}) {  // ends at, ahead of and behind one
+        for (const int length : {block - 2, block - 1, block, block + 1}) {
+            const std::u16string blockLine(static_cast<std::size_t>(length), u'y');
+            check(blockLine + u"\nb", {blockLine, u"b"});
+            check(blockLine + u"\0b"s, {blockLine});
+        }
+    }
+}
+
+TEST(DictionaryReaderLines, EndWhereTheirConversionEndsThem) {
+    const SettingsGuard guard;
+    lexon_private::UnicodeUtil::SetConversionProcs(
+        [](auto*, unsigned long count, unsigned long& units, auto*) -> std::int64_t {
+            units = count + 1;
+            return 0;
+        },
+        [](const auto* bytes, unsigned long count, auto* units, unsigned long,
+           auto*) -> std::int64_t {
+            *std::copy_n(bytes, count, units) = 0;
+            return 0;
+        },
+        nullptr, nullptr);
+    EXPECT_EQ(LinesOf("ab\ncd"), (Lines{u"ab", u"cd"}));
 }
 
 TEST(DictionaryReaderLines, OfUnicodeTextAlone) {

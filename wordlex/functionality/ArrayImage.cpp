@@ -9,10 +9,17 @@
 namespace lexon_private {
 
 std::uint32_t cFarray::getAccelIndex(std::uint32_t entry) const noexcept {
-    const std::uint32_t* const first = acceleratorEntries.begin();
-    const std::uint32_t* const last = first + acceleratorCount;
-    const std::uint32_t* const found = std::lower_bound(first, last, entry);
-    return static_cast<std::uint32_t>((found != last && *found == entry ? found : last) - first);
+    // Bisected by hand: std::lower_bound wants them to ascend, which images may not do.
+    std::uint32_t low = 0;
+    for (std::uint32_t high = acceleratorCount; low < high;) {
+        const std::uint32_t middle = low + (high - low) / 2;
+        if (acceleratorEntries[middle] < entry) {
+            low = middle + 1;
+        } else {
+            high = middle;
+        }
+    }
+    return low < acceleratorCount && acceleratorEntries[low] == entry ? low : acceleratorCount;
 }
 
 void cFarray::PrepareAccelerators(std::uint32_t room) {

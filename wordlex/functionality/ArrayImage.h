@@ -17,7 +17,7 @@ struct cFarray {
     // The accelerator strings of some entries, in the order of these.
     std::uint32_t acceleratorCount = 0;
     // Index of each one's entry, ascending. Of an image where they do not ascend, some accelerators
-    // are not found.
+    // are not found, nor emptied with their entries.
     Table<std::uint32_t> acceleratorEntries;
     PackedRuns<unsigned short> accelerators;
 

@@ -32,7 +32,7 @@ public:
     // is used up. The caller's to change, and valid until the next call. A unit or byte 0 ends the
     // input for good.
     virtual unsigned short* ReadALine() = 0;
-    // Units of the line that ReadALine gave, without the 0.
+    // Units of the line that ReadALine gave, without the 0; 0 when it gave none.
     std::size_t GetLineLength() const noexcept { return lineLength; }
     // Bytes taken from the source so far, from where reading began: through what ended the latest
     // line, or through the 0 that ended the input.

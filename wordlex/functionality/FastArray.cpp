@@ -257,9 +257,7 @@ std::uint32_t FastArray::Remove(std::uint32_t id) {
 ImageResult FastArray::Load(ImageReader& reader) {
     ArrayImage image(reader, totalCount);
     if (!reader.Ok()) {
-        const bool malformed =
-            reader.Fault() == ImageFault::kSlotOutside || reader.Fault() == ImageFault::kIdOutside;
-        return malformed ? ImageResult::kMalformed : ImageResult::kRejected;
+        return IsMalformed(reader.Fault()) ? ImageResult::kMalformed : ImageResult::kRejected;
     }
     if (image.liveCount == 0) return ImageResult::kLoaded;
 
@@ -513,8 +511,8 @@ void FastArray::WriteAccelerators(ImageWriter& writer) const {
         writer.writearr2(text.array->accelerators.Data(text.index), text.length);
 }
 
-// The line of an entry, as a hash-table entry writes it: the value's writer closes the quotation
-// that the key's opens.
+// The line of an entry, as a hash-table entry writes it, but of one with the empty key the value
+// alone: the value's writer closes the quotation that the key's opens.
 void FastArray::SerializeText(std::ostream& out, const lexon::EncodingInfo* encoding) const {
     static constexpr char kEndOfLine[] = {'"', 0, '\n', 0};
     ForEach([&](const cFarray& array, std::uint32_t entry) {

@@ -73,7 +73,7 @@ public:
 
 private:
     // The items of one chain, oldest first, and behind them in the same block their tags. An item
-    // that leaves the middle leaves a hole; holes are closed when one item in sixteen is one: to
+    // that leaves the middle leaves a hole; holes are closed when more than one item in sixteen is one: to
     // move the rest each time, or to search many holes, would take time by the square of a long
     // chain.
     class Bucket {

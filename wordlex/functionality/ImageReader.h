@@ -27,6 +27,11 @@ enum class ImageFault : std::uint8_t {
     kIdOutside,           // an entry id behind the entry tables
     kTableDecreases,      // a cumulative table of version 1 goes down, or splits an entry
 };
+// Whether a version 2 body with that fault makes the dictionary invalid; with any other one it is
+// passed over.
+constexpr bool IsMalformed(ImageFault fault) noexcept {
+    return fault == ImageFault::kSlotOutside || fault == ImageFault::kIdOutside;
+}
 // In English, to stand behind "refused: ".
 const char* Describe(ImageFault fault) noexcept;
 

@@ -6,10 +6,11 @@
 namespace lexon_private {
 
 unsigned short* MultibyteReader::ReadALine() {
+    lineLength = 0;
     if (!CollectLine()) return nullptr;
     UnicodeUtil::StringToUnicode(bytes.GetData(), bytes.GetLength(), line, nullptr);
     unsigned short* const units = EndLine();
-    line.SetLength(UnicodeUtil::StringLength(units));  // encodings may have a 0 of their own
+    lineLength = UnicodeUtil::StringLength(units);  // conversions may give a 0 of their own
     return units;
 }
 

@@ -6,6 +6,7 @@ namespace lexon_private {
 
 unsigned short* UnicodeReader::ReadALine() {
     line.SetLength(0);
+    lineLength = 0;
     while (!ended) {
         if (blockCursor == blockLength) {
             blockCursor = 0;
