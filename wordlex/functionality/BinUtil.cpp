@@ -73,17 +73,24 @@ std::uint16_t KeyTag(const unsigned char* bytes, unsigned long length) noexcept 
     // make keys ahead that all have one tag.
     static const char kHere = 0;
     const std::uint64_t secret = (reinterpret_cast<std::uintptr_t>(&kHere) | 1) * kGolden;
+    const std::uint64_t otherSecret = secret * kGolden;
+    constexpr unsigned long kWord = sizeof(std::uint64_t);
     std::uint64_t mix = length ^ secret;
-    if (length < sizeof(std::uint64_t)) {
+    const auto take = [&](std::uint64_t first, std::uint64_t second) {
+        mix = FoldedProduct(mix ^ first, otherSecret ^ second);
+    };
+    if (length < kWord) {
         std::uint64_t word = 0;
         for (unsigned long i = 0; i < length; ++i)
             word = word << 8 | bytes[i];
-        mix = FoldedProduct(mix ^ word, secret);
+        take(word, 0);
+    } else if (length <= 2 * kWord) {
+        take(LoadWord(bytes), LoadWord(bytes + length - kWord));
     } else {
-        const unsigned long last = length - sizeof(std::uint64_t);
-        for (unsigned long i = 0; i < last; i += sizeof(std::uint64_t))
-            mix = FoldedProduct(mix ^ LoadWord(bytes + i), secret);
-        mix = FoldedProduct(mix ^ LoadWord(bytes + last), secret);
+        const unsigned long last = length - 2 * kWord;
+        for (unsigned long i = 0; i < last; i += 2 * kWord)
+            take(LoadWord(bytes + i), LoadWord(bytes + i + kWord));
+        take(LoadWord(bytes + last), LoadWord(bytes + last + kWord));
     }
     return static_cast<std::uint16_t>(mix ^ mix >> 32);
 }
