@@ -16,8 +16,9 @@ void* ByteRunValue::operator new(std::size_t objectSize, unsigned long byteCount
     return ::operator new(objectSize + byteCount);
 }
 
-ByteRunValue* ByteRunValue::MakeUninitialized(unsigned long byteCount, unsigned char*& bytes) {
-    auto* const value = new (byteCount) ByteRunValue(byteCount);
+ByteRunValue* ByteRunValue::MakeUninitialized(unsigned long byteCount, unsigned char*& bytes,
+                                              unsigned long room) {
+    auto* const value = new (byteCount + room) ByteRunValue(byteCount);
     bytes = reinterpret_cast<unsigned char*>(value + 1);
     return value;
 }

@@ -14,7 +14,9 @@ public:
     // up. `bytes` may be null when `byteCount` is 0; `flag` is unused.
     static ByteRunValue* FindOrMake(const unsigned char* bytes, unsigned long byteCount, int flag);
     // A new value of `byteCount` bytes, which the caller fills through `bytes` before sharing it.
-    static ByteRunValue* MakeUninitialized(unsigned long byteCount, unsigned char*& bytes);
+    // Behind them lie `room` bytes that are the caller's as long as the value lives.
+    static ByteRunValue* MakeUninitialized(unsigned long byteCount, unsigned char*& bytes,
+                                           unsigned long room = 0);
     // Gives `value` back; throws 'PARM' when it is null or has no holder.
     static ByteRunValue* ValidatePointer(ByteRunValue* value);
 

@@ -326,10 +326,9 @@ std::vector<unsigned short> ResolveUnitEscapes(Units text, const EscapeTableEntr
     }
 }
 
-const unsigned char* CopyKey(const ByteRunKey& key, void* place) {
-    auto* const bytes = static_cast<unsigned char*>(place);
-    std::copy_n(key.GetData(), key.GetLength(), bytes);
-    return bytes;
+bool HasEscapes(Units text) {
+    const unsigned short* const end = text.data() + text.size();
+    return FindUnit(text.data(), end, u'\\', u'^', u'#') != end;
 }
 
 }  // namespace
@@ -348,17 +347,61 @@ const CharEntityReferencePair* charEntityReferenceCharByCodePoint() {
     return Tables().byCodePoint.data();
 }
 
+constexpr unsigned long DictionaryEntry::kRoom = sizeof(Home) + sizeof(DictionaryEntry);
+
+std::unique_ptr<DictionaryEntry> DictionaryEntry::Place(unsigned char* memory, Home home,
+                                                        const ByteRunKey& key, bool copyKey,
+                                                        const UnicodeRun& value) {
+    void* const place = memory + sizeof(Home);
+    HomeOf(place) = home;
+    return std::unique_ptr<DictionaryEntry>(::new (place) DictionaryEntry(key, copyKey, value));
+}
+
 std::unique_ptr<DictionaryEntry> DictionaryEntry::Make(const ByteRunKey& key,
                                                        const unsigned short* text,
                                                        unsigned long unitCount) {
-    const KeyRoom room{key.GetLength()};
-    return std::unique_ptr<DictionaryEntry>(new (room) DictionaryEntry(room, key, text, unitCount));
+    Units units(text, unitCount);
+    UnicodeRun converted;
+    if (HasEscapes(units)) {
+        converted = ConvertEscapeSequences(text, unitCount);
+        units = {converted.GetData(), converted.GetLength()};
+    }
+    static_assert(sizeof(ByteRunValue) % alignof(DictionaryEntry) == 0);
+    const unsigned long valueSize = units.size_bytes();
+    const unsigned long padding = -valueSize % alignof(DictionaryEntry);
+    unsigned char* bytes = nullptr;
+    ByteRunValue* const home =
+        ByteRunValue::MakeUninitialized(valueSize, bytes, padding + kRoom + key.GetLength());
+    const UnicodeRun value(home);
+    std::copy_n(units.data(), units.size(), reinterpret_cast<unsigned short*>(bytes));
+    unsigned char* const room = bytes + valueSize + padding;
+    std::copy_n(key.GetData(), key.GetLength(), room + kRoom);
+    return Place(room, home, ByteRunKey(room + kRoom, key.GetLength(), false), false, value);
 }
 
-DictionaryEntry::DictionaryEntry(KeyRoom behind, const ByteRunKey& key, const unsigned short* text,
-                                 unsigned long unitCount)
-    : ByteRunKey(CopyKey(key, this + 1), behind.bytes, false),
-      value(ConvertEscapeSequences(text, unitCount)) {}
+std::unique_ptr<DictionaryEntry> DictionaryEntry::Make(const unsigned char* key,
+                                                       unsigned long keyLength, bool copyKey,
+                                                       const UnicodeRun& storedValue) {
+    auto memory = std::make_unique_for_overwrite<unsigned char[]>(kRoom);
+    auto entry =
+        Place(memory.get(), nullptr, ByteRunKey(key, keyLength, false), copyKey, storedValue);
+    static_cast<void>(memory.release());  // the entry's now
+    return entry;
+}
+
+DictionaryEntry::~DictionaryEntry() {
+    // The home outlasts the entry's own share of the value, until the memory is given back.
+    if (HomeOf(this) != nullptr) HomeOf(this)->AddReference();
+}
+
+void DictionaryEntry::operator delete(void* memory) noexcept {
+    Home& home = HomeOf(memory);
+    if (home != nullptr) {
+        home->RemoveReference();
+    } else {
+        delete[] reinterpret_cast<unsigned char*>(&home);
+    }
+}
 
 std::uint32_t DictionaryEntry::Serialize(std::ostream& out, bool binary,
                                          const lexon::EncodingInfo* encoding) const {
@@ -391,9 +434,7 @@ UnicodeRun DictionaryEntry::ConvertEscapeSequences(const unsigned short* text,
                                                    unsigned long length) {
     const EscapeTableEntry* const hatEscapes = HatEscapes();
     const Units units(text, length);
-    // Most values have no escapes.
-    const unsigned short* const end = text + length;
-    if (FindUnit(text, end, u'\\', u'^', u'#') == end) return UnicodeRun(text, length);
+    if (!HasEscapes(units)) return UnicodeRun(text, length);  // as most values
     Report nobody;
     return EntityPass(ResolveUnitEscapes(units, hatEscapes, nobody)).Run();
 }

@@ -56,18 +56,21 @@ public:
         unsigned short replacement;  // what the two units become
     };
 
-    // Copies the key, and converts the escapes of `text`, the value as its source writes it. The
-    // key lies behind the entry in one allocation, which makes a text load a fifth faster.
+    // Copies the key, and converts the escapes of `text`, the value as its source writes it. Entry
+    // and key lie in the value's allocation, which lasts until entry and value are gone: a hit in a
+    // large table waits for memory once, and a text load allocates once for each entry.
     static std::unique_ptr<DictionaryEntry> Make(const ByteRunKey& key, const unsigned short* text,
                                                  unsigned long unitCount);
     // Takes the value as it stands. Without `copyKey` the key's bytes are borrowed and must outlive
     // the entry.
-    DictionaryEntry(const unsigned char* key, unsigned long keyLength, bool copyKey,
-                    const UnicodeRun& storedValue)
-        : ByteRunKey(key, keyLength, copyKey), value(storedValue) {}
+    static std::unique_ptr<DictionaryEntry> Make(const unsigned char* key, unsigned long keyLength,
+                                                 bool copyKey, const UnicodeRun& storedValue);
+    DictionaryEntry(const DictionaryEntry&) = delete;
+    DictionaryEntry& operator=(const DictionaryEntry&) = delete;
+    ~DictionaryEntry() override;
 
-    static void* operator new(std::size_t size) { return ::operator new(size); }
-    static void operator delete(void* memory) noexcept { ::operator delete(memory); }
+    static void* operator new(std::size_t) = delete;
+    static void operator delete(void* memory) noexcept;
 
     const UnicodeRun& GetValue() const noexcept { return value; }
 
@@ -111,18 +114,18 @@ public:
         unsigned long* consumed);
 
 private:
-    // What an allocation holds behind the entry.
-    struct KeyRoom {
-        unsigned long bytes;
-    };
+    // Ahead of every entry stands its home: the value in whose allocation it lies, or null when it
+    // has one of its own.
+    using Home = ByteRunValue*;
+    static Home& HomeOf(void* entry) noexcept { return *(static_cast<Home*>(entry) - 1); }
+    // Makes an entry in memory of `kRoom` bytes.
+    static std::unique_ptr<DictionaryEntry> Place(unsigned char* memory, Home home,
+                                                  const ByteRunKey& key, bool copyKey,
+                                                  const UnicodeRun& value);
+    static const unsigned long kRoom;
 
-    DictionaryEntry(KeyRoom behind, const ByteRunKey& key, const unsigned short* text,
-                    unsigned long unitCount);
-
-    static void* operator new(std::size_t size, KeyRoom behind) {
-        return ::operator new(size + behind.bytes);
-    }
-    static void operator delete(void* memory, KeyRoom) noexcept { ::operator delete(memory); }
+    DictionaryEntry(const ByteRunKey& key, bool copyKey, const UnicodeRun& storedValue)
+        : ByteRunKey(key.GetData(), key.GetLength(), copyKey), value(storedValue) {}
 
     UnicodeRun value;
 };

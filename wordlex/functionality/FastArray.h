@@ -23,7 +23,8 @@ class ImageWriter;
 // What became of an image.
 enum class ImageResult {
     kLoaded,     // merged; also when it brings nothing
-    kRejected,   // it ends early, its id base conflicts with the store, a string leaves its area, ids run out
+    kRejected,   // it ends early, its id base conflicts with the store, a string leaves its area,
+                 // ids run out
     kMalformed,  // it names a slot above 1020 or an entry that there is not
 };
 

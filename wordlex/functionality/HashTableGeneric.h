@@ -73,9 +73,9 @@ public:
 
 private:
     // The items of one chain, oldest first, and behind them in the same block their tags. An item
-    // that leaves the middle leaves a hole; holes are closed when more than one item in sixteen is one: to
-    // move the rest each time, or to search many holes, would take time by the square of a long
-    // chain.
+    // that leaves the middle leaves a hole; holes are closed when more than one item in sixteen is
+    // one: to move the rest each time, or to search many holes, would take time by the square of a
+    // long chain.
     class Bucket {
     public:
         std::size_t Count() const noexcept { return count; }
