@@ -51,9 +51,9 @@ const std::uint16_t* FindLastTag(const std::uint16_t* begin, const std::uint16_t
 }  // namespace
 
 Tags::Parts* Tags::Map() const noexcept {
-    const auto behind = reinterpret_cast<std::uintptr_t>(Units() + capacity);
-    return reinterpret_cast<Parts*>((behind + alignof(Parts) - 1) / alignof(Parts) *
-                                    alignof(Parts));
+    std::byte* const behind = units + capacity * sizeof(std::uint16_t);
+    const std::uintptr_t padding = -reinterpret_cast<std::uintptr_t>(behind) % alignof(Parts);
+    return reinterpret_cast<Parts*>(behind + padding);
 }
 
 std::size_t Tags::First(std::size_t from, std::size_t count, std::uint16_t tag) const noexcept {
