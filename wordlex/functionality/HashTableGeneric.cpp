@@ -26,7 +26,7 @@ void PrefetchAround(const HashItem* item) noexcept {
     constexpr std::intptr_t kCacheLine = 64;
     // By numbers: these lines need not be part of any object.
     const auto address = reinterpret_cast<std::intptr_t>(item);
-    for (const std::intptr_t line : {-3, -2, -1, 1}) {
+    for (const std::intptr_t line : {-4, -3, -2, -1, 1, 2}) {
         // NOLINTNEXTLINE(performance-no-int-to-ptr)
         __builtin_prefetch(reinterpret_cast<const void*>(address + line * kCacheLine));
     }
