@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "tests/tools/CommandTest.h"
-#include "tools/Rules.h"
+#include "tools/check/Rules.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "tools/Progress.h"
+#include "tools/base/Progress.h"
 
 #include <gtest/gtest.h>
 #include <poll.h>

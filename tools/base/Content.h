@@ -1,0 +1,49 @@
+#pragma once
+#include <string>
+#include <vector>
+
+#include "tools/base/Text.h"
+#include "tools/check/CheckedFile.h"
+#include "wordlex/functionality/Dictionary.h"
+
+namespace tool {
+
+// Which of the dictionary's stores a file goes to, and what of other files that hides.
+enum class Kind : std::uint8_t { kText, kVersion1, kVersion2 };
+Kind KindOf(const std::string& bytes);
+
+void Read(lexon_private::Dictionary& dictionary, const std::string& name, const std::string& bytes);
+
+struct Entry {
+    std::uint32_t id;  // all bits set where the dictionary has none
+    bool keyed;
+    std::string key;
+    Text value;
+    Text accelerator;
+};
+
+// What the application has of one file: every key once, as look-ups find it.
+struct Content {
+    std::string name;
+    Kind kind = Kind::kText;
+    std::string form;    // "text, UTF-16, little-endian"
+    std::string locale;  // empty when there is none
+    std::uint64_t fileSize = 0;
+    std::uint32_t idBase = 0;    // of a version 2 file
+    std::string tooLong;         // as CheckUsable gives it
+    std::vector<Entry> entries;  // as they are written
+};
+
+// Checks a file that is to be used. Throws a Failure for one that the application would refuse.
+// `tooLong` gets the first entry that a binary file would cut, with its place, or "".
+CheckedFile CheckUsable(const std::string& name, const std::string& bytes, Findings& findings,
+                        std::string* tooLong = nullptr);
+
+// Throws what CheckUsable does.
+Content Load(const std::string& name);
+Content Load(const std::string& name, const std::string& bytes);
+
+// The name of an entry in messages: its key, or its id when it has none.
+std::string ShowName(const Entry& entry);
+
+}  // namespace tool

@@ -1,0 +1,157 @@
+#include "tools/base/Files.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <filesystem>
+#include <utility>
+#include <vector>
+
+namespace tool {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr mode_t kNewFileMode = 0666;  // less what the umask takes away
+
+[[noreturn]] void Fail(const std::string& name, const char* what, int error) {
+    throw Failure(name + ": " + what + ": " + std::strerror(error));
+}
+
+// An open file.
+// Owns: the descriptor.
+class Descriptor {
+public:
+    explicit Descriptor(int opened) : number(opened) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() {
+        if (number >= 0) close(number);
+    }
+    int Get() const { return number; }
+    // Some file systems report a failed write no earlier.
+    bool Close() { return close(std::exchange(number, -1)) == 0; }
+
+private:
+    int number;
+};
+
+// The name of a file that is not whole yet, for signal handlers; null when there is none.
+std::atomic<const char*> unfinished{nullptr};
+static_assert(std::atomic<const char*>::is_always_lock_free);
+
+// Then ends the command as the signal does: SA_RESETHAND has put that back.
+extern "C" void RemoveUnfinished(int signal) {
+    if (const char* const name = unfinished) unlink(name);
+    raise(signal);
+}
+
+std::string ReadAll(int descriptor, const std::string& name) {
+    std::string bytes;
+    std::vector<char> block(1 << 16);
+    for (;;) {
+        const ssize_t count = read(descriptor, block.data(), block.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) Fail(name, "cannot be read", errno);
+        if (count == 0) return bytes;
+        bytes.append(block.data(), static_cast<std::size_t>(count));
+    }
+}
+
+bool WriteAll(int descriptor, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = write(descriptor, bytes.data(), bytes.size());
+        if (count < 0 && errno != EINTR) return false;
+        if (count > 0) bytes.remove_prefix(static_cast<std::size_t>(count));
+    }
+    return true;
+}
+
+// A new file beside the target, under a name that nothing has yet.
+int OpenBeside(const fs::path& target, std::string& name) {
+    const std::string stem = (target.parent_path() / ("." + target.filename().string())).string() +
+                             '.' + std::to_string(getpid());
+    for (int attempt = 0;; ++attempt) {
+        name = stem + '.' + std::to_string(attempt);
+        const int opened =
+            open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kNewFileMode);
+        if (opened >= 0 || errno != EEXIST) return opened;
+    }
+}
+
+void WriteInPlace(const std::string& path, std::string_view bytes) {
+    Descriptor file(open(path.c_str(), O_WRONLY | O_CLOEXEC));
+    if (file.Get() < 0 || !WriteAll(file.Get(), bytes) || !file.Close()) {
+        Fail(path, "cannot be written", errno);
+    }
+}
+
+void Replace(const fs::path& target, std::string_view bytes) {
+    std::string beside;
+    Descriptor file(OpenBeside(target, beside));
+    if (file.Get() < 0) Fail(target, "cannot be written", errno);
+    unfinished = beside.c_str();
+    const bool done = WriteAll(file.Get(), bytes) && file.Close() &&
+                      std::rename(beside.c_str(), target.c_str()) == 0;
+    const int error = errno;
+    unfinished = nullptr;
+    if (done) return;
+    unlink(beside.c_str());
+    Fail(target, "cannot be written", error);
+}
+
+// Where a link leads that names a file which does not exist yet.
+fs::path EndOfLinks(fs::path path) {
+    while (fs::is_symlink(path))
+        path = path.parent_path() / fs::read_symlink(path);
+    return path;
+}
+
+}  // namespace
+
+void HandleSignals() {
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
+    struct sigaction ending {};
+    ending.sa_handler = RemoveUnfinished;
+    ending.sa_flags = static_cast<int>(SA_RESETHAND);
+    for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+        struct sigaction before {};
+        sigaction(signal, nullptr, &before);
+        if (before.sa_handler != SIG_IGN) sigaction(signal, &ending, nullptr);  // as under nohup
+    }
+}
+
+std::string ReadInput(const std::string& path) {
+    if (path == "-") {
+        static bool alreadyRead = false;
+        if (std::exchange(alreadyRead, true)) throw Failure("standard input is named twice");
+        return ReadAll(STDIN_FILENO, "standard input");
+    }
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (file.Get() < 0) Fail(path, "cannot be read", errno);
+    return ReadAll(file.Get(), path);
+}
+
+void WriteOutput(const std::string& path, std::string_view bytes) {
+    if (path == "-") return WriteStandardOutput(bytes);
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0) {
+        return Replace(errno == ENOENT ? EndOfLinks(path) : fs::path(path), bytes);
+    }
+    if (S_ISDIR(status.st_mode)) Fail(path, "cannot be written", EISDIR);
+    if (!S_ISREG(status.st_mode)) return WriteInPlace(path, bytes);
+    Replace(fs::canonical(path), bytes);  // a link stays a link
+}
+
+void WriteStandardOutput(std::string_view bytes) {
+    if (!WriteAll(STDOUT_FILENO, bytes)) Fail("standard output", "cannot be written", errno);
+}
+
+}  // namespace tool

@@ -1,0 +1,104 @@
+#include "tools/check/Findings.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+#include <tuple>
+
+#include "tools/base/Text.h"
+
+namespace tool {
+
+namespace {
+
+std::size_t Index(Rule rule) { return static_cast<std::size_t>(rule); }
+
+// Findings of the whole file come last.
+auto Order(const Finding& finding) {
+    const Place& place = finding.place;
+    return std::tuple(place.line == 0 && !place.offset.has_value(), place.line, place.column,
+                      place.offset.value_or(0));
+}
+
+std::string Line(const Finding& finding, bool coloured) {
+    const RuleInfo& rule = Info(finding.rule);
+    static constexpr const char* kColours[] = {"\x1B[1;36m", "\x1B[1;35m", "\x1B[1;31m"};
+    const std::string bold = coloured ? "\x1B[1m" : "";
+    const std::string colour = coloured ? kColours[static_cast<std::size_t>(rule.severity)] : "";
+    const std::string plain = coloured ? "\x1B[0m" : "";
+    return bold + Show(finding.place) + ": " + colour + Name(rule.severity) + ": " + plain +
+           finding.text + " [" + rule.name + "]\n";
+}
+
+std::string JsonLine(const Finding& finding) {
+    const RuleInfo& rule = Info(finding.rule);
+    std::string line = R"({"file":)" + JsonString(finding.place.file);
+    if (finding.place.line != 0) {
+        line += R"(,"line":)" + std::to_string(finding.place.line) + R"(,"column":)" +
+                std::to_string(finding.place.column);
+    }
+    if (finding.place.offset.has_value()) {
+        line += R"(,"offset":)" + std::to_string(*finding.place.offset);
+    }
+    return line + R"(,"severity":")" + Name(rule.severity) + R"(","text":)" +
+           JsonString(finding.text) + R"(,"rule":")" + rule.name + "\"}\n";
+}
+
+}  // namespace
+
+std::string Show(const Place& place) {
+    if (place.offset.has_value()) {
+        char offset[32];
+        std::snprintf(offset, sizeof offset, ":@0x%llX",
+                      static_cast<unsigned long long>(*place.offset));
+        return place.file + offset;
+    }
+    if (place.line == 0) return place.file;
+    return place.file + ':' + std::to_string(place.line) + ':' + std::to_string(place.column);
+}
+
+void Findings::Add(Rule rule, Place place, std::string text) {
+    if (!disabled[Index(rule)]) findings.push_back({rule, std::move(place), std::move(text)});
+}
+
+void Findings::Ignore(std::uint64_t line, const Rules& rules) { ignored.push_back({line, rules}); }
+
+bool Findings::Ignores(std::uint64_t line, Rule rule) const {
+    const auto at = std::ranges::lower_bound(ignored, line, {}, &Ignored::line);
+    return at != ignored.end() && at->line == line && at->rules[Index(rule)];
+}
+
+std::vector<Finding> Findings::Take() {
+    std::erase_if(findings, [this](const Finding& finding) {
+        return Ignores(finding.place.line, finding.rule);
+    });
+    std::ranges::stable_sort(findings, {}, Order);
+    return std::move(findings);
+}
+
+bool AnyAtOrAbove(const std::vector<Finding>& findings, Severity severity) {
+    return std::ranges::any_of(findings, [severity](const Finding& finding) {
+        return Info(finding.rule).severity >= severity;
+    });
+}
+
+std::string Print(const std::vector<Finding>& findings, Format format) {
+    std::string lines;
+    for (const Finding& finding : findings) {
+        lines += format == Format::kJson ? JsonLine(finding)
+                                         : Line(finding, format == Format::kColouredText);
+    }
+    return lines;
+}
+
+bool MayColour(int descriptor) {
+    const char* const noColour = std::getenv("NO_COLOR");
+    const char* const terminal = std::getenv("TERM");
+    return isatty(descriptor) != 0 && (noColour == nullptr || *noColour == '\0') &&
+           (terminal == nullptr || std::string_view(terminal) != "dumb");
+}
+
+}  // namespace tool

@@ -1,0 +1,103 @@
+#include "tools/check/Rules.h"
+
+#include <algorithm>
+#include <array>
+
+namespace tool {
+
+namespace {
+
+constexpr auto kError = Severity::kError;
+constexpr auto kWarning = Severity::kWarning;
+constexpr auto kNote = Severity::kNote;
+
+// An error is what makes the application refuse the file, lose a text or show another one than was
+// written; a warning, what is hardly meant; a note, what is worth a look.
+constexpr RuleInfo kRules[] = {
+    {Rule::kUtf16WithoutMark, "utf16-without-mark", kError,
+     "UTF-16 without its byte-order mark, which is read as 8-bit text up to its first zero byte"},
+    {Rule::kUtf8Mark, "utf8-mark", kWarning, "a UTF-8 mark, which the loader takes for text"},
+    {Rule::kZero, "zero", kError, "a zero, which ends the file for the loader"},
+    {Rule::kOddByte, "odd-byte", kWarning, "UTF-16 with an odd byte at its end, which is dropped"},
+    {Rule::kInvalidText, "invalid-text", kError,
+     "bytes that are no text of the encoding: the line is lost"},
+
+    {Rule::kDollarKey, "dollar-key", kError,
+     "a key with \"$\" but not \"$$$\": the whole dictionary becomes invalid"},
+    {Rule::kUnclosedQuote, "unclosed-quote", kError,
+     "a quotation mark that is not closed: the value runs to the end of the line"},
+    {Rule::kTrailingBackslash, "trailing-backslash", kError,
+     "a value that ends in a backslash, which escapes the closing quotation mark"},
+    {Rule::kUnquotedLine, "unquoted-line", kWarning,
+     "a line without quotation marks, which becomes an entry as a whole"},
+    {Rule::kNoEquals, "no-equals", kWarning, "an entry without \"=\", which has an empty value"},
+    {Rule::kBlankAtEquals, "blank-at-equals", kWarning,
+     "a blank before or behind \"=\", which is part of the key or the value"},
+    {Rule::kUnknownRule, "unknown-rule", kWarning,
+     "a comment that has the line ignored by a rule that does not exist"},
+
+    {Rule::kEmptyKey, "empty-key", kWarning, "an entry without a key"},
+    {Rule::kInnerPrefix, "inner-prefix", kWarning,
+     "\"$$$\" that does not begin the key and so is part of it"},
+    {Rule::kWideKey, "wide-key", kWarning,
+     "a character above U+00FF in a key, of which the low byte is kept"},
+    {Rule::kKeyCollision, "key-collision", kError,
+     "keys that differ as written but are the same bytes: the later one replaces the first"},
+    {Rule::kDuplicateKey, "duplicate-key", kError,
+     "a key that was defined before: the later text replaces the first"},
+    {Rule::kKeyLength, "key-length", kError, "a key of more than 65,535 bytes, which is cut"},
+    {Rule::kLongKey, "long-key", kWarning,
+     "a key of 1,024 bytes or more, which a merge of binary files does not find"},
+
+    {Rule::kValueLength, "value-length", kError, "a value of more than 65,535 bytes, which is cut"},
+    {Rule::kLoneSurrogate, "lone-surrogate", kWarning, "half of a surrogate pair in a value"},
+    {Rule::kUnknownEscape, "unknown-escape", kWarning,
+     "what looks like an escape but is none, and stays as it is"},
+    {Rule::kDoubledHat, "doubled-hat", kWarning,
+     "\"^^\" ahead of a digit, which leaves a marker and no \"^\""},
+    {Rule::kDroppedText, "dropped-text", kNote,
+     "text that a platform section or #{comment} keeps out of the value"},
+
+    {Rule::kMalformedBinary, "malformed-binary", kError,
+     "a binary file that the loader refuses, whole or in part"},
+    {Rule::kUnreachableEntry, "unreachable-entry", kError,
+     "an entry of a binary file that no look-up of its key finds"},
+
+    {Rule::kSameAccelerator, "same-accelerator", kWarning,
+     "the same accelerator on two entries beside each other"},
+    {Rule::kMissingKey, "missing-key", kWarning, "a key of the reference that is missing"},
+    {Rule::kObsoleteKey, "obsolete-key", kWarning, "a key that the reference does not have"},
+    {Rule::kMissingMarker, "missing-marker", kError, "a marker of the reference that is missing"},
+    {Rule::kExtraMarker, "extra-marker", kError, "a marker that the reference does not have"},
+    {Rule::kMissingParameter, "missing-parameter", kError,
+     "a parameter tag of the reference that is missing"},
+    {Rule::kExtraParameter, "extra-parameter", kError,
+     "a parameter tag that the reference does not have"},
+    {Rule::kSameAsReference, "same-as-reference", kNote, "a text that equals the reference's"},
+};
+static_assert(std::size(kRules) == static_cast<std::size_t>(Rule::kCount));
+static_assert([] {
+    for (std::size_t i = 0; i < std::size(kRules); ++i) {
+        if (kRules[i].rule != static_cast<Rule>(i)) return false;
+    }
+    return true;
+}());
+
+}  // namespace
+
+const char* Name(Severity severity) {
+    static constexpr const char* kNames[] = {"note", "warning", "error"};
+    return kNames[static_cast<std::size_t>(severity)];
+}
+
+std::span<const RuleInfo> AllRules() { return kRules; }
+
+const RuleInfo& Info(Rule rule) { return kRules[static_cast<std::size_t>(rule)]; }
+
+std::optional<Rule> FindRule(std::string_view name) {
+    const auto row = std::ranges::find(kRules, name, &RuleInfo::name);
+    if (row == std::end(kRules)) return std::nullopt;
+    return row->rule;
+}
+
+}  // namespace tool

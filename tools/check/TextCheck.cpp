@@ -1,0 +1,70 @@
+#include <algorithm>
+
+#include "tools/check/CheckedFile.h"
+#include "tools/check/LineCheck.h"
+
+namespace tool {
+
+namespace {
+
+constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+
+// Whether 8-bit text is UTF-16 that lacks its mark: its first pair of bytes is an ASCII character,
+// or of its first half kilobyte every other byte is mostly zero, and hardly one of the bytes
+// between them.
+bool LooksLikeUtf16(std::string_view bytes) {
+    constexpr std::size_t kLookedAt = 512;
+    bytes = bytes.substr(0, std::min(kLookedAt, bytes.size() / 2 * 2));
+    if (bytes.empty()) return false;
+    const auto isAscii = [](unsigned char c) { return c != 0 && c < 0x80; };
+    const auto first = static_cast<unsigned char>(bytes[0]);
+    const auto second = static_cast<unsigned char>(bytes[1]);
+    if ((first == 0 && isAscii(second)) || (isAscii(first) && second == 0)) return true;
+    std::size_t zeros[2] = {};
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        if (bytes[i] == '\0') ++zeros[i % 2];
+    const auto [few, many] = std::minmax(zeros[0], zeros[1]);
+    return 8 * few < many && 4 * many > bytes.size();
+}
+
+void CheckEnd(const TextScanner& scanner, const std::string& name, Findings& findings) {
+    const TextScanner::End end = scanner.AtEnd();
+    const Place place{name, end.line, end.column};
+    const std::string left = std::to_string(end.bytesLeft);
+    if (end.byZero) {
+        findings.Add(
+            Rule::kZero, place,
+            "a zero ends the file here; the loader does not read the " + left + " bytes behind it");
+    } else if (end.bytesLeft != 0) {
+        findings.Add(Rule::kOddByte, place, "UTF-16 with an odd byte at its end, which is dropped");
+    }
+}
+
+}  // namespace
+
+CheckedFile CheckText(const std::string& name, const std::string& bytes, Findings& findings,
+                      Progress& progress) {
+    CheckedFile file{name, {}};
+    TextScanner scanner(bytes);
+    if (!scanner.IsUtf16() && LooksLikeUtf16(bytes)) {
+        findings.Add(Rule::kUtf16WithoutMark, {name, 1, 1},
+                     "UTF-16 without its byte-order mark: the loader reads it as 8-bit text and "
+                     "stops at its first zero byte");
+        file.usable = false;
+        return file;
+    }
+    if (bytes.starts_with(kUtf8Mark)) {
+        findings.Add(Rule::kUtf8Mark, {name, 1, 1},
+                     "a UTF-8 mark, which the loader takes for text of the first line");
+    }
+    LineCheck lines(scanner, file, findings);
+    while (scanner.Next()) {
+        lines.Check();
+        progress.Reach(scanner.Offset());
+    }
+    lines.Finish();
+    CheckEnd(scanner, name, findings);
+    return file;
+}
+
+}  // namespace tool

@@ -1,0 +1,162 @@
+#include <unistd.h>
+
+#include <algorithm>
+#include <iostream>
+#include <sstream>
+#include <string_view>
+
+#include "tools/base/Content.h"
+#include "tools/base/EntryLine.h"
+#include "tools/base/Files.h"
+#include "tools/verbs/Verbs.h"
+
+namespace tool {
+
+namespace {
+
+using lexon_private::Dictionary;
+using lexon_private::EntryView;
+
+// Prints what is wrong with the file; true when it may be compiled all the same.
+bool Passes(const std::string& name, const std::string& bytes, const CompileOptions& options) {
+    Findings findings(options.disabled);
+    CheckFile(name, bytes, findings);
+    auto found = findings.Take();
+    std::erase_if(found, [](const Finding& finding) {
+        return Info(finding.rule).severity < Severity::kWarning;
+    });
+    std::cerr << Print(found, options.json               ? Format::kJson
+                              : MayColour(STDERR_FILENO) ? Format::kColouredText
+                                                         : Format::kText);
+    return !AnyAtOrAbove(found, Severity::kError);
+}
+
+// The files as one dictionary. It is compact from the start: that keeps the order of the entries,
+// and their ids, and what is merged is what the application's dictionary would hold.
+class Merge {
+public:
+    void Add(const std::string& name, const std::string& bytes) {
+        const Kind kind = KindOf(bytes);
+        RefuseHidden(name, kind);
+        if (kind == Kind::kText) {
+            Read(merged, name, bytes);
+        } else if (kind == Kind::kVersion1) {
+            AddLines(Load(name, bytes));
+        } else {
+            AddImage(Load(name, bytes), bytes);
+        }
+        compactSeen |= kind == Kind::kVersion2;
+        lastName = name;
+    }
+
+    // A file has keys for all of its entries or for none.
+    void RefuseMixed() const {
+        std::size_t count = 0;
+        std::size_t keyed = 0;
+        merged.ForEachEntry([&](const EntryView& entry) {
+            ++count;
+            if (entry.keyed) ++keyed;
+        });
+        if (keyed == 0 || keyed == count) return;
+        throw Failure(std::to_string(count - keyed) +
+                      " entries without keys do not fit into a dictionary of entries with keys; "
+                      "use --no-keys");
+    }
+
+    Dictionary& Result() { return merged; }
+
+private:
+    // The application's dictionary moves to its compact store with the first version 2 file, and
+    // looks into the other store no more.
+    void RefuseHidden(const std::string& name, Kind kind) const {
+        if (kind == Kind::kVersion2 && !compactSeen && !lastName.empty()) {
+            throw Failure(name + ": the application would no longer see the entries of " +
+                          lastName + " behind this binary file; name binary files first");
+        }
+        if (kind == Kind::kVersion1 && compactSeen) {
+            throw Failure(name +
+                          ": the application would not see the entries of this old binary "
+                          "file behind a version 2 file; convert it by itself first");
+        }
+    }
+
+    // Old binary files fill the other store only, so their entries go the way of text.
+    void AddLines(const Content& content) {
+        for (const Entry& entry : content.entries) {
+            auto line = EntryLine(entry.key, UnitsOf(entry.value));
+            line.push_back(0);
+            merged.AddEntry(line.data());
+        }
+    }
+
+    // An image whose id base does not follow the entries before it is passed over in silence.
+    void AddImage(const Content& content, const std::string& bytes) {
+        const unsigned long count = merged.NumKeys();
+        Read(merged, content.name, bytes);
+        if (merged.NumKeys() == count && content.idBase != 0 && !content.entries.empty()) {
+            throw Failure(content.name + ": its id base " + std::to_string(content.idBase) +
+                          " does not follow the entries of the files before it; the application "
+                          "would load nothing of it");
+        }
+        RefuseUnmerged(content);
+    }
+
+    // One whose id base does follow is appended: where an earlier file has a key of it, both
+    // entries are there and the first one answers. Long keys, which are not merged, are a warning.
+    void RefuseUnmerged(const Content& content) {
+        for (const Entry& entry : content.entries) {
+            if (!CanBeAsked(entry) || entry.key.size() > kMergeableKeyBytes) continue;
+            const unsigned short* units = nullptr;
+            unsigned long length = 0;
+            merged.LookupReturnUTF16Ptr(("$$$" + entry.key).c_str(), units, length, nullptr);
+            if (std::ranges::equal(Units(units, length), UnitsOf(entry.value))) continue;
+            throw Failure(content.name + ": its id base " + std::to_string(content.idBase) +
+                          " has it appended, not merged: for the key " + ShowKey(entry.key) +
+                          " the application would keep the text of an earlier file");
+        }
+    }
+
+    // Look-ups take a key up to its first "=" or NUL.
+    static bool CanBeAsked(const Entry& entry) {
+        return entry.keyed && !entry.key.empty() &&
+               entry.key.find_first_of(std::string_view("=\0", 2)) == std::string::npos;
+    }
+
+    Dictionary merged{true};
+    bool compactSeen = false;
+    std::string lastName;
+};
+
+}  // namespace
+
+int Compile(const CompileOptions& options) {
+    Merge merge;
+    bool good = true;
+    for (const std::string& name : options.files) {
+        const std::string bytes = ReadInput(name);
+        if (!Passes(name, bytes, options)) {
+            good = false;
+        } else if (good) {
+            merge.Add(name, bytes);
+        }
+    }
+    if (!good) return kDifference;
+
+    if (!options.noKeys) merge.RefuseMixed();
+    if (!options.locale.empty()) merge.Result().Locale(options.locale.c_str());
+    std::ostringstream image;
+    {
+        const Progress progress("writing", options.output);
+        merge.Result().Serialize(
+            image, options.noKeys ? lexon::SaveType::kBinaryNoKeys : lexon::SaveType::kBinary,
+            nullptr, options.order, options.idBase);
+    }
+    if (!image) {
+        throw Failure(options.output +
+                      ": more text than a version 2 file has room for, or than memory has");
+    }
+    WriteOutput(options.output, image.view());
+    return kSuccess;
+}
+
+}  // namespace tool

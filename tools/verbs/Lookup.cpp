@@ -1,0 +1,213 @@
+#include <algorithm>
+
+#include "tools/base/BinaryFile.h"
+#include "tools/base/Content.h"
+#include "tools/base/Files.h"
+#include "tools/verbs/Verbs.h"
+
+namespace tool {
+
+namespace {
+
+using lexon_private::Dictionary;
+
+// What the dictionary does with the entries of a file.
+enum class Effect : std::uint8_t {
+    kReplaces,  // its texts replace those of earlier files
+    kMerged,    // the same, but for long keys
+    kAppended,  // the texts of earlier files stay in force
+    kRefused,
+};
+
+// A dictionary, and what became of the files that were loaded into it.
+class Loaded {
+public:
+    // `asked` is the id that is looked up, if one is.
+    void Add(const std::string& name, std::optional<std::uint32_t> asked);
+
+    Dictionary& Get() { return dictionary; }
+
+    // A line for each file that has the key. `remark` stands behind its text, `unasked` tells that
+    // another dictionary has answered.
+    std::string ExplainKey(const std::string& key, const char* remark, bool unasked) const;
+    // The same for the id that was asked for, which is in this dictionary.
+    std::string ExplainId(std::uint32_t id, const char* remark);
+
+private:
+    struct Source {
+        Kind kind;
+        Effect effect;
+        CheckedFile file;
+    };
+
+    bool IsVisible(std::size_t i) const;
+    std::optional<std::size_t> Answering(const std::string& key) const;
+
+    Dictionary dictionary;
+    std::vector<Source> sources;
+    std::string broughtId;  // the file that brought the entry of the id
+};
+
+void Loaded::Add(const std::string& name, std::optional<std::uint32_t> asked) {
+    const std::string bytes = ReadInput(name);
+    Findings unused;
+    Source source{KindOf(bytes), Effect::kReplaces, CheckUsable(name, bytes, unused)};
+    const unsigned long count = dictionary.NumKeys();
+    const bool hadId = asked.has_value() && dictionary.ValidId(*asked);
+    Read(dictionary, name, bytes);
+    if (!hadId && asked.has_value() && dictionary.ValidId(*asked)) broughtId = name;
+    if (source.kind == Kind::kVersion2) {
+        // The first one meets an empty store, which takes any id base.
+        const bool isFirst =
+            std::ranges::find(sources, Kind::kVersion2, &Source::kind) == sources.end();
+        source.effect = isFirst || BinaryFile(bytes).IdBase() == 0 ? Effect::kMerged
+                        : dictionary.NumKeys() == count            ? Effect::kRefused
+                                                                   : Effect::kAppended;
+    }
+    sources.push_back(std::move(source));
+}
+
+// Whether the dictionary still sees the entries of a file: the first version 2 file hides those of
+// other files before it, and old binary files altogether.
+bool Loaded::IsVisible(std::size_t i) const {
+    const auto first = std::ranges::find(sources, Kind::kVersion2, &Source::kind);
+    if (first == sources.end() || sources[i].kind == Kind::kVersion2) return true;
+    return sources[i].kind == Kind::kText && i > static_cast<std::size_t>(first - sources.begin());
+}
+
+// The file whose text of the key is in force.
+std::optional<std::size_t> Loaded::Answering(const std::string& key) const {
+    std::optional<std::size_t> answering;
+    for (std::size_t i = 0; i < sources.size(); ++i) {
+        const Effect effect = sources[i].effect;
+        if (!sources[i].file.entries.contains(key) || !IsVisible(i) || effect == Effect::kRefused) {
+            continue;
+        }
+        const bool isAppended = effect == Effect::kAppended ||
+                                (effect == Effect::kMerged && key.size() > kMergeableKeyBytes);
+        if (!answering.has_value() || !isAppended) answering = i;
+    }
+    return answering;
+}
+
+std::string Loaded::ExplainKey(const std::string& key, const char* remark, bool unasked) const {
+    const std::optional<std::size_t> answering = Answering(key);
+    std::string lines;
+    for (std::size_t i = 0; i < sources.size(); ++i) {
+        const auto found = sources[i].file.entries.find(key);
+        if (found == sources[i].file.entries.end()) continue;
+        const char* const fate = !IsVisible(i) ? "hidden by a version 2 file"
+                                 : sources[i].effect == Effect::kRefused ? "refused for its id base"
+                                 : unasked                               ? "not asked"
+                                 : i == answering                        ? "the answer"
+                                 : i < answering                         ? "replaced"
+                                                 : "appended behind the answer";
+        lines += "  " + Show(found->second.place) + ": " + Show(UnitsOf(found->second.value)) +
+                 remark + ", " + fate + '\n';
+    }
+    return lines;
+}
+
+std::string Loaded::ExplainId(std::uint32_t id, const char* remark) {
+    const std::unique_ptr<char[]> text(dictionary.GetStringId(id));
+    const std::string key = text == nullptr ? "" : text.get();
+    const std::string head =
+        text == nullptr ? "an entry without a key\n" : "the key " + ShowKey(key) + '\n';
+    const bool answersKey = text != nullptr && dictionary.GetNumericId(("$$$" + key).c_str()) == id;
+    if (answersKey) return head + ExplainKey(key, remark, false);
+    // No later file replaces an entry that no key finds.
+    return head + "  " + broughtId + ": " + Show(UnitsOf(dictionary.Lookup(id, nullptr))) + remark +
+           ", the answer\n";
+}
+
+// The key as the localizer hands it on: without the parentheses that it may stand in.
+std::string Unwrapped(std::string key) {
+    if (!key.starts_with("($$$")) return key;
+    key.erase(0, 1);
+    if (key.ends_with(')')) key.pop_back();
+    return key;
+}
+
+std::string KeyPart(const std::string& text) {
+    const char* key = nullptr;
+    const char* rest = nullptr;
+    unsigned long keyLength = 0;
+    unsigned long restLength = 0;
+    if (!Dictionary::ParseLiteral(text.c_str(), key, keyLength, rest, restLength)) {
+        throw Failure("\"" + text +
+                      "\" is no key: it is empty, or begins with \"$\" but not \"$$$\"");
+    }
+    return {key, keyLength};
+}
+
+void Replace(Text& text, const Replacement& replacement) {
+    const Text value = FromUtf8(replacement.text);
+    const std::string& name = replacement.name;
+    if (name.size() == 1 && name[0] >= '0' && name[0] <= '9') {
+        text.Replace(static_cast<unsigned char>(name[0] - '0'), value);
+        return;
+    }
+    int count = 0;
+    for (Text copy = text; SubstituteParameter(copy, name, {});)
+        ++count;
+    while (count-- > 0)
+        SubstituteParameter(text, name, value);
+}
+
+class Query {
+public:
+    explicit Query(const LookupOptions& lookup) : options(lookup) {
+        for (const std::string& name : options.files)
+            files.Add(name, options.id);
+        if (options.main.empty()) return;
+        main.Add(options.main, options.id);
+        main.Get().SetAsMain();
+    }
+
+    int Run() {
+        Text answer = options.id.has_value() ? AnswerId(*options.id) : AnswerKey(options.key);
+        for (const Replacement& replacement : options.replacements)
+            Replace(answer, replacement);
+        std::string output;
+        if (found || !answer.IsEmpty()) output = Utf8(UnitsOf(answer)) + '\n';
+        if (options.explain) output += explanation;
+        WriteStandardOutput(output);
+        return found ? kSuccess : kDifference;
+    }
+
+private:
+    Text AnswerKey(const std::string& written) {
+        const std::string asked = Unwrapped(written);
+        const std::string key = KeyPart(asked);
+        const bool here = files.Get().HasKey(asked.c_str(), nullptr);
+        found = here || main.Get().HasKey(asked.c_str(), nullptr);
+        explanation = "key " + ShowKey(key) + '\n' + files.ExplainKey(key, "", false) +
+                      main.ExplainKey(key, kInMain, here);
+        if (!found) explanation += "  in none of the files: the answer is the key's default text\n";
+        return files.Get().Lookup(asked.c_str(), nullptr);
+    }
+
+    Text AnswerId(std::uint32_t id) {
+        const bool here = files.Get().ValidId(id);
+        found = here || main.Get().ValidId(id);
+        explanation = "id " + std::to_string(id) + ": ";
+        explanation += here    ? files.ExplainId(id, "")
+                       : found ? main.ExplainId(id, kInMain)
+                               : "no entry has it\n";
+        return files.Get().Lookup(id, nullptr);
+    }
+
+    static constexpr char kInMain[] = " in the main dictionary";
+
+    const LookupOptions& options;
+    Loaded files;
+    Loaded main;
+    std::string explanation;
+    bool found = false;
+};
+
+}  // namespace
+
+int Lookup(const LookupOptions& options) { return Query(options).Run(); }
+
+}  // namespace tool
