@@ -1,11 +1,11 @@
-# What others pick up: both libraries with their public headers, the host they run on, the wordlex
-# command, and the ways to find them (find_package, pkg-config).
+# What others pick up: both libraries with their public headers, the shared library that both need of
+# the platform, the wordlex command, and the ways to find them (find_package, pkg-config).
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/Wordlex")
 
-install(TARGETS wordlex localeid host EXPORT WordlexTargets FILE_SET HEADERS)
+install(TARGETS wordlex localeid corefoundation EXPORT WordlexTargets FILE_SET HEADERS)
 
 if(TARGET wordlex-tool)
   file(RELATIVE_PATH libraries
@@ -28,9 +28,26 @@ install(
     cmake/WordlexCompile.cmake
   DESTINATION "${package_dir}")
 
-# The prefix is told from the place of the file, so that an installed tree can be moved.
+# The prefix is found from the place of the file, so that an installed tree can be moved.
 file(RELATIVE_PATH pkgconfig_to_prefix
   "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
-configure_file(cmake/wordlex.pc.in wordlex.pc @ONLY)
-install(FILES "${CMAKE_CURRENT_BINARY_DIR}/wordlex.pc"
-  DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+
+# install_pkgconfig(LIBRARY DESCRIPTION [LINKED...]): how pkg-config finds a static library and what
+# it needs, LINKED included.
+function(install_pkgconfig library description)
+  get_target_property(platform_library corefoundation OUTPUT_NAME)
+  list(JOIN ARGN " -l" more)
+  if(more)
+    string(PREPEND more " -l")
+  endif()
+  configure_file("${PROJECT_SOURCE_DIR}/cmake/library.pc.in" "${library}.pc" @ONLY)
+  install(FILES "${CMAKE_CURRENT_BINARY_DIR}/${library}.pc"
+    DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+endfunction()
+
+# A header for C: its users' linker does not bring the C++ library along.
+set(cxx_library ${CMAKE_CXX_IMPLICIT_LINK_LIBRARIES})
+list(FILTER cxx_library INCLUDE REGEX "^(std)?c\\+\\+$")
+install_pkgconfig(wordlex "Localization dictionaries and UTF-16 strings")
+install_pkgconfig(localeid "Locale identifiers and the order of user-interface languages"
+  ${cxx_library})
