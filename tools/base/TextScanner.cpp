@@ -9,10 +9,6 @@ namespace {
 
 constexpr unsigned short kMark = 0xFEFF;
 
-bool IsLineEnd(unsigned unit, bool utf16) {
-    return unit == '\n' || unit == '\r' || (utf16 && (unit == 0x2028 || unit == 0x2029));
-}
-
 // Characters of the encoding at the head of bytes that are no text as a whole.
 std::uint64_t ValidCharacters(std::string_view bytes) {
     constexpr std::size_t kLongestCharacter = 4;
@@ -32,6 +28,10 @@ std::uint64_t ValidCharacters(std::string_view bytes) {
 }
 
 }  // namespace
+
+bool IsLineEnd(unsigned unit, bool utf16) {
+    return unit == '\n' || unit == '\r' || (utf16 && (unit == 0x2028 || unit == 0x2029));
+}
 
 TextScanner::TextScanner(const std::string& bytes)
     : source(bytes), stream(bytes), reader(lexon_private::DictionaryReader::Make(&stream)) {

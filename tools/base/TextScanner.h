@@ -10,6 +10,9 @@
 
 namespace tool {
 
+// Whether a unit ends a line for the loader.
+bool IsLineEnd(unsigned unit, bool utf16);
+
 // Goes through a text dictionary with the library's own reader, as Dictionary::Read does, and knows
 // where each line stands.
 // Lines:   as an editor counts them: CR LF ends one line. In UTF-16 the loader splits at U+2028 and
@@ -26,6 +29,8 @@ public:
     // The line's units, terminated by 0, its own mark included; empty when the line was lost.
     Units Line() const { return {line, reader->GetLineLength()}; }
     unsigned short* LineData() const { return line; }
+    // The bytes of the line without what ended it, in the scanner's input.
+    std::string_view LineBytes() const { return lineBytes; }
     // An 8-bit line of bytes that are no text, which the loader takes for an empty one.
     bool IsLost() const { return Line().empty(); }
     std::uint64_t LostColumn() const { return lastColumn; }  // where they begin
