@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
+#include <cstdlib>
+#include <string>
 
 #include "tests/wordlex/Text.h"
+#include "wordlex/functionality/Dictionary.h"
 
 namespace wordlex_tests {
 namespace {
@@ -31,6 +33,31 @@ TEST(DictionaryEntryEscapes, BackslashAndHatTakeOneUnit) {
     CheckAll(
         u"^Q^[^]^{^}^C^R^T^D^B^#^!^I^S^n^r→"
         u"\"\u201C\u201D\u2018\u2019\u00A9\u00AE\u2122\u00B0\u2022\u2318\u00AC\u2206\u2211\n\r");
+}
+
+// Each way to convert, in a process of its own: the first one settles "^e", whatever it converts.
+TEST(DictionaryEntryEscapes, TheFirstConversionSettlesTheHats) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto convert = [](int way, std::string text) {
+        lexon_private::Dictionary dictionary(way == 1);
+        const std::string line = "key=" + text;
+        if (way < 2) dictionary.Read(line.data(), static_cast<int>(line.size()), true);
+        const auto units = Units(std::u16string(text.begin(), text.end()));
+        const auto found = way == 3
+                               ? DictionaryEntry::ConvertEscapeSequences(units.data(), units.size())
+                               : dictionary.Lookup(way == 2 ? line.c_str() : "key", nullptr);
+        return Text(found) == u"\u00E9" ? 1 : 2;
+    };
+    for (int way = 0; way < 4; ++way) {
+        const auto exitAfter = [&](bool setFirst) {
+            lexon::EnableQuorvHatEscapes = setFirst;
+            convert(way, "plain");
+            lexon::EnableQuorvHatEscapes = !setFirst;
+            std::exit(convert((way + 1) % 4, "^e"));
+        };
+        EXPECT_EXIT(exitAfter(true), testing::ExitedWithCode(1), "") << way;
+        EXPECT_EXIT(exitAfter(false), testing::ExitedWithCode(2), "") << way;
+    }
 }
 
 TEST(DictionaryEntryEscapes, EntitiesByNameAndNumber) {

@@ -2,13 +2,12 @@
 
 #include <algorithm>
 
-#include "wordlex/functionality/DictionaryEntry.h"
+#include "wordlex/functionality/Escapes.h"
 
 namespace tool {
 
 namespace {
 
-using lexon_private::DictionaryEntry;
 using Line = std::vector<unsigned short>;
 
 void Append(Line& line, std::string_view ascii) {
@@ -42,7 +41,7 @@ bool NeedsNumber(Units value, std::size_t i) {
 
 // The unit that stands behind "\" for `unit`, or 0.
 unsigned short BackslashEscape(unsigned short unit) {
-    const auto* row = DictionaryEntry::BackslashEscapes();
+    const auto* row = lexon_private::Escapes::Backslash();
     while (row->escape != 0 && row->replacement != unit)
         ++row;
     return row->escape;

@@ -2,14 +2,14 @@
 
 #include <algorithm>
 
-#include "wordlex/functionality/DictionaryEntry.h"
+#include "wordlex/functionality/Escapes.h"
 
 namespace tool {
 
 namespace {
 
 using lexon_private::ControlWord;
-using lexon_private::DictionaryEntry;
+using lexon_private::Escapes;
 
 bool IsDigit(unsigned short unit) { return unit >= '0' && unit <= '9'; }
 
@@ -68,7 +68,7 @@ private:
 
 Text CheckEscapes(Units written, const EscapeSink& add) {
     Checker checker(written, add);
-    return Text(DictionaryEntry::ConvertEscapeSequences(written.data(), written.size(), checker));
+    return Text(Escapes::Convert(written, checker));
 }
 
 }  // namespace tool

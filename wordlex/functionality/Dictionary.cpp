@@ -7,6 +7,7 @@
 #include <ostream>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "wordlex/functionality/BinaryFormat.h"
 #include "wordlex/functionality/BinaryHeader.h"
@@ -172,15 +173,14 @@ UnicodeRun Dictionary::DefaultText(const Key& key, const lexon::EncodingInfo* en
     const auto* const text = reinterpret_cast<const unsigned char*>(key.rest + 1);
     const std::size_t length = std::strlen(key.rest + 1);
     if (length == 0) return {};
-    Buffer<unsigned short> units(length);
     if (encoding != nullptr && encoding->selector != 0) {
-        InwardEncoding inward(encoding);
-        UnicodeUtil::StringToUnicode(text, length, units, inward.Selector());
-    } else {
-        std::copy_n(text, length, units.GetData());
-        units.SetLength(length);
+        return Escapes::Convert(Wordlex::StringToPooledUnicode(text, length, encoding));
     }
-    return DictionaryEntry::ConvertEscapeSequences(units.GetData(), units.GetLength());
+    unsigned char* bytes = nullptr;
+    const UnicodeRun written(
+        ByteRunValue::MakeUninitialized(length * sizeof(unsigned short), bytes));
+    std::copy_n(text, length, reinterpret_cast<unsigned short*>(bytes));
+    return Escapes::Convert(written);
 }
 
 Wordlex Dictionary::Lookup(const char* text, const lexon::EncodingInfo* encoding) {
@@ -510,10 +510,11 @@ void Dictionary::AddEntry(unsigned short* line, const unsigned short* end) {
     Narrow(key, keyLength, keyBytes);
 
     if (IsCompact()) {
-        const UnicodeRun converted = DictionaryEntry::ConvertEscapeSequences(value, valueLength);
+        std::vector<unsigned short> room;
+        const Escapes::Units converted = Escapes::Convert({value, valueLength}, room);
         compactStore->Add(keyBytes, keyLength,
-                          reinterpret_cast<const unsigned char*>(converted.GetData()),
-                          2 * converted.GetLength(), nullptr, 0);
+                          reinterpret_cast<const unsigned char*>(converted.data()),
+                          converted.size_bytes(), nullptr, 0);
         return;
     }
     const ByteRunKey probe(keyBytes, keyLength, false);

@@ -2,404 +2,43 @@
 
 #include <algorithm>
 #include <array>
-#include <atomic>
-#include <cwchar>
-#include <memory>
 #include <ostream>
-#include <span>
 #include <vector>
 
 #include "wordlex/functionality/BinUtil.h"
-#include "wordlex/functionality/FindUnit.h"
 #include "wordlex/functionality/UnicodeChar.h"
 
 namespace lexon_private {
 
-namespace {
-
-using EscapeTableEntry = DictionaryEntry::EscapeTableEntry;
-
-constexpr EscapeTableEntry sBackslashEscapeTable[] = {
-    {u'"', u'"'}, {u'n', u'\n'}, {u'r', u'\r'}, {u't', u'\t'}, {u'b', u'\b'}, {0, 0},
-};
-static_assert(std::size(sBackslashEscapeTable) == 5 + 1);
-
-constexpr EscapeTableEntry HatEscapeTable[] = {
-    {u'e', 0x00E9},  // only in the view that has it: keep it first
-    {u'Q', u'"'},   {u'[', 0x201C}, {u']', 0x201D}, {u'{', 0x2018}, {u'}', 0x2019}, {u'C', 0x00A9},
-    {u'R', 0x00AE}, {u'T', 0x2122}, {u'D', 0x00B0}, {u'B', 0x2022}, {u'#', 0x2318}, {u'!', 0x00AC},
-    {u'I', 0x2206}, {u'S', 0x2211}, {u'n', u'\n'},  {u'r', u'\r'},  {0, 0},
-};
-static_assert(std::size(HatEscapeTable) == 17 + 1);
-constexpr const EscapeTableEntry* QuorvHatEscapeTable = HatEscapeTable;
-constexpr const EscapeTableEntry* ZandtHatEscapeTable = HatEscapeTable + 1;
-
-// Null until the first conversion.
-constinit std::atomic<const EscapeTableEntry*> sHatEscapeTable = nullptr;
-
-constexpr const wchar_t* kLatin1Names[] = {
-    // HTML 4.01, 24.2: U+00A0 to U+00FF in order
-    L"nbsp",   L"iexcl",  L"cent",   L"pound",  L"curren", L"yen",    L"brvbar", L"sect",
-    L"uml",    L"copy",   L"ordf",   L"laquo",  L"not",    L"shy",    L"reg",    L"macr",
-    L"deg",    L"plusmn", L"sup2",   L"sup3",   L"acute",  L"micro",  L"para",   L"middot",
-    L"cedil",  L"sup1",   L"ordm",   L"raquo",  L"frac14", L"frac12", L"frac34", L"iquest",
-    L"Agrave", L"Aacute", L"Acirc",  L"Atilde", L"Auml",   L"Aring",  L"AElig",  L"Ccedil",
-    L"Egrave", L"Eacute", L"Ecirc",  L"Euml",   L"Igrave", L"Iacute", L"Icirc",  L"Iuml",
-    L"ETH",    L"Ntilde", L"Ograve", L"Oacute", L"Ocirc",  L"Otilde", L"Ouml",   L"times",
-    L"Oslash", L"Ugrave", L"Uacute", L"Ucirc",  L"Uuml",   L"Yacute", L"THORN",  L"szlig",
-    L"agrave", L"aacute", L"acirc",  L"atilde", L"auml",   L"aring",  L"aelig",  L"ccedil",
-    L"egrave", L"eacute", L"ecirc",  L"euml",   L"igrave", L"iacute", L"icirc",  L"iuml",
-    L"eth",    L"ntilde", L"ograve", L"oacute", L"ocirc",  L"otilde", L"ouml",   L"divide",
-    L"oslash", L"ugrave", L"uacute", L"ucirc",  L"uuml",   L"yacute", L"thorn",  L"yuml",
-};
-static_assert(std::size(kLatin1Names) == 96);
-constexpr unsigned short kLatin1First = 0x00A0;
-
-struct NamedCharacter {
-    const wchar_t* name;
-    unsigned short codePoint;
-};
-
-constexpr NamedCharacter kWordsOfOurOwn[] = {
-    // the order of ControlWord, then plain characters
-    {L"endl", 0},    {L"comment", 0}, {L"copyyear", 0}, {L"mswindows", 0}, {L"ios", 0},
-    {L"android", 0}, {L"macos", 0},   {L"tab", 0x0009}, {L"cr", 0x000D},   {L"lf", 0x000A},
-};
-static_assert(std::size(kWordsOfOurOwn) == 10);
-
-constexpr NamedCharacter kSpecialNames[] = {
-    // HTML 4.01, 24.4
-    {L"quot", 0x0022},   {L"amp", 0x0026},    {L"lt", 0x003C},     {L"gt", 0x003E},
-    {L"OElig", 0x0152},  {L"oelig", 0x0153},  {L"Scaron", 0x0160}, {L"scaron", 0x0161},
-    {L"Yuml", 0x0178},   {L"circ", 0x02C6},   {L"tilde", 0x02DC},  {L"ensp", 0x2002},
-    {L"emsp", 0x2003},   {L"thinsp", 0x2009}, {L"zwnj", 0x200C},   {L"zwj", 0x200D},
-    {L"lrm", 0x200E},    {L"rlm", 0x200F},    {L"ndash", 0x2013},  {L"mdash", 0x2014},
-    {L"lsquo", 0x2018},  {L"rsquo", 0x2019},  {L"sbquo", 0x201A},  {L"ldquo", 0x201C},
-    {L"rdquo", 0x201D},  {L"bdquo", 0x201E},  {L"dagger", 0x2020}, {L"Dagger", 0x2021},
-    {L"permil", 0x2030}, {L"lsaquo", 0x2039}, {L"rsaquo", 0x203A}, {L"euro", 0x20AC},
-};
-static_assert(std::size(kSpecialNames) == 32);
-
-constexpr NamedCharacter kNumberPrefixes[] = {{L"U+", 0}, {L"u", 0}, {L"", 0}};
-
-constexpr CharEntityReferencePair kEndOfTable = {0, nullptr, 0};
-
-struct EntityTables {
-    EntityTables() {
-        CharEntityReferencePair* row = reference.data();
-        const auto add = [&row](const wchar_t* name, unsigned short codePoint) {
-            *row++ = {std::wcslen(name), MakeChar16(name), codePoint};
-        };
-        for (const NamedCharacter& word : kWordsOfOurOwn)
-            add(word.name, word.codePoint);
-        unsigned short codePoint = kLatin1First;
-        for (const wchar_t* const name : kLatin1Names)
-            add(name, codePoint++);
-        for (const NamedCharacter& special : kSpecialNames)
-            add(special.name, special.codePoint);
-        *row = kEndOfTable;
-
-        row = byCodePoint.data();
-        for (const NamedCharacter& prefix : kNumberPrefixes)
-            add(prefix.name, prefix.codePoint);
-        *row = kEndOfTable;
-    }
-
-    std::array<CharEntityReferencePair, 138 + 1> reference;
-    std::array<CharEntityReferencePair, 3 + 1> byCodePoint;
-};
-static_assert(std::size(kWordsOfOurOwn) + std::size(kLatin1Names) + std::size(kSpecialNames) ==
-              138);
-
-// Made by whoever asks first, at the latest when this file's statics are initialized.
-const EntityTables& Tables() {
-    static const EntityTables tables;
-    return tables;
-}
-
-[[maybe_unused]] const EntityTables& kTablesMadeAtLoad = (WordlexLibVersion_5_1(), Tables());
-
-constexpr unsigned char kNoDigit = 255;
-constexpr std::array<unsigned char, 256> hexDigitTab = [] {
-    std::array<unsigned char, 256> digits{};
-    digits.fill(kNoDigit);
-    for (unsigned char i = 0; i < 10; ++i)
-        digits['0' + i] = i;
-    for (unsigned char i = 0; i < 6; ++i) {
-        digits['A' + i] = digits['a' + i] = static_cast<unsigned char>(10 + i);
-    }
-    return digits;
-}();
-
-bool BeginsWith(const unsigned short* text, const CharEntityReferencePair& row) {
-    return std::equal(row.name, row.name + row.length, text);
-}
-
-using Units = std::span<const unsigned short>;
-
-// What stands between "#{" and "}" at the head of a text.
-struct Entity {
-    const CharEntityReferencePair* named = nullptr;  // null: a number
-    unsigned short character = 0;
-    std::size_t length = 0;  // of the whole escape, "#{" and "}" included; 0: no escape
-};
-
-constexpr std::size_t kShortestEntity = 4;  // "#{", one unit, "}"
-
-Entity EntityAt(Units text) {
-    if (text.size() < kShortestEntity || text[1] != u'{') return {};
-    const Units rest = text.subspan(2);
-    unsigned long consumed = 0;
-    unsigned long number = 0;
-    const CharEntityReferencePair* const named =
-        DictionaryEntry::FindCharEntityReferencePair(rest.data(), rest.size());
-    if (named != nullptr) {
-        consumed = named->length;
-        number = named->codePoint;
-    } else if (DictionaryEntry::FindCharEntityReferencePairCharByCodePoint(
-                   rest.data(), rest.size(), &number, &consumed) == nullptr) {
-        return {};
-    }
-    if (consumed >= rest.size() || rest[consumed] != u'}') return {};
-    return {named, static_cast<unsigned short>(number), 2 + consumed + 1};
-}
-
-// Tells an observer in units of the written value; without one, nobody.
-class Report {
-public:
-    Report() = default;
-    explicit Report(EscapeObserver& told) : observer(&told) {}
-
-    // The next units of the first pass's output come from these positions of the written value.
-    void Keep(std::size_t begin, std::size_t end) {
-        if (observer == nullptr) return;
-        while (begin != end)
-            origins.push_back(begin++);
-    }
-    void UnitEscape(std::size_t position, unsigned short escape, unsigned short unit,
-                    unsigned short replacement) const {
-        if (observer == nullptr) return;
-        observer->OnUnitEscape(position, escape, unit, replacement);
-    }
-    // Positions of the second pass are those of the first one's output.
-    void NoEntity(std::size_t position) const {
-        if (observer != nullptr) observer->OnNoEntity(origins[position]);
-    }
-    void Dropped(std::size_t begin, std::size_t end, ControlWord by) const {
-        if (observer == nullptr || begin == end) return;
-        observer->OnDropped(origins[begin], origins[end - 1] + 1 - origins[begin], by);
-    }
-
-private:
-    EscapeObserver* observer = nullptr;
-    std::vector<std::size_t> origins;
-};
-
-// The second pass: copies text, resolves entities, and keeps of the platform sections macOS's.
-class EntityPass {
-public:
-    explicit EntityPass(Units input) : text(input) { output.reserve(input.size()); }
-    EntityPass(Units input, const Report& told) : EntityPass(input) { report = &told; }
-
-    UnicodeRun Run() {
-        while (!finished && position < text.size()) {
-            const auto rest = text.subspan(position);
-            const auto hash = static_cast<std::size_t>(
-                FindUnit(rest.data(), rest.data() + rest.size(), u'#') - rest.data());
-            const Entity entity = EntityAt(rest.subspan(hash));
-            // A number sign that starts no escape is text.
-            const std::size_t plain = entity.length != 0 ? hash : std::min(hash + 1, rest.size());
-            Write(rest.first(plain));
-            if (entity.length == 0) TellNoEntity(hash);
-            position += plain + entity.length;
-            if (entity.length != 0) Act(entity);
-        }
-        if (skipping) Drop(sectionBegin, text.size(), section);
-        return UnicodeRun(output.data(), output.size());
-    }
-
-private:
-    void Write(Units units) {
-        if (!skipping) output.insert(output.end(), units.begin(), units.end());
-    }
-    void Write(unsigned short unit) { Write(Units(&unit, 1)); }
-
-    void TellNoEntity(std::size_t hash) const {
-        const std::size_t at = position + hash;
-        if (report != nullptr && at + 1 < text.size() && text[at + 1] == u'{') report->NoEntity(at);
-    }
-    void Drop(std::size_t begin, std::size_t end, ControlWord by) const {
-        if (report != nullptr) report->Dropped(begin, end, by);
-    }
-
-    // `position` stands behind the entity.
-    void Act(const Entity& entity) {
-        static constexpr unsigned short kCopyrightYear[] = {u'2', u'0', u'1', u'9'};
-        const std::ptrdiff_t row =
-            entity.named == nullptr ? -1 : entity.named - charEntityReference();
-        const auto word = static_cast<ControlWord>(row);
-        switch (word) {
-            case ControlWord::kEndl:
-                Write(u'\r');
-                break;
-            case ControlWord::kComment:
-                finished = !skipping;
-                if (finished) Drop(position, text.size(), word);
-                break;
-            case ControlWord::kCopyYear:
-                Write(kCopyrightYear);
-                break;
-            case ControlWord::kMsWindows:
-            case ControlWord::kIos:
-            case ControlWord::kAndroid:
-                BeginSection(entity, word);
-                finished = macosSeen;
-                skipping = true;
-                break;
-            case ControlWord::kMacos:
-                BeginSection(entity, word);
-                output.clear();
-                skipping = false;
-                macosSeen = true;
-                break;
-            default:
-                Write(entity.character);
-        }
-    }
-
-    // Ends the section before: it is dropped where it is another platform's, and by macOS's own.
-    void BeginSection(const Entity& entity, ControlWord word) {
-        if (skipping) {
-            Drop(sectionBegin, position - entity.length, section);
-        } else if (word == ControlWord::kMacos) {
-            Drop(sectionBegin, position - entity.length, word);
-        }
-        section = word;
-        sectionBegin = position;
-    }
-
-    Units text;
-    const Report* report = nullptr;
-    std::vector<unsigned short> output;
-    std::size_t position = 0;
-    std::size_t sectionBegin = 0;  // behind the latest platform's name
-    ControlWord section = ControlWord::kMacos;
-    bool skipping = false;   // inside another platform's section
-    bool macosSeen = false;  // macOS's section has begun
-    bool finished = false;   // the rest of the value is dropped
-};
-
-// The first pass: '\' and '^' with the unit behind them.
-std::vector<unsigned short> ResolveUnitEscapes(Units text, const EscapeTableEntry* hatEscapes,
-                                               Report& report) {
-    std::vector<unsigned short> output;
-    output.reserve(text.size());
-    const auto put = [&](unsigned short unit, std::size_t from) {
-        output.push_back(unit);
-        report.Keep(from, from + 1);
-    };
-    const unsigned short* const begin = text.data();
-    const unsigned short* const end = begin + text.size();
-    for (std::size_t at = 0;;) {
-        const unsigned short* const escape = FindUnit(begin + at, end, u'\\', u'^');
-        const auto position = static_cast<std::size_t>(escape - begin);
-        output.insert(output.end(), begin + at, escape);
-        report.Keep(at, position);
-        if (escape == end) return output;
-        const std::size_t behind = position + 1;
-        if (behind == text.size()) {
-            report.UnitEscape(position, *escape, 0, 0);
-            put(*escape, position);
-            return output;
-        }
-        const unsigned short unit = text[behind];
-        const unsigned short replacement = DictionaryEntry::LookupEscape(
-            *escape == u'\\' ? sBackslashEscapeTable : hatEscapes, unit);
-        report.UnitEscape(position, *escape, unit, replacement);
-        if (replacement != 0) {
-            put(replacement, behind);
-        } else {
-            put(*escape, position);
-            if (unit != *escape) put(unit, behind);
-        }
-        at = behind + 1;
-    }
-}
-
-bool HasEscapes(Units text) {
-    const unsigned short* const end = text.data() + text.size();
-    return FindUnit(text.data(), end, u'\\', u'^', u'#') != end;
-}
-
-}  // namespace
-
-unsigned short* MakeChar16(const wchar_t* text) {
-    const std::size_t count = std::wcslen(text) + 1;
-    auto* const units = new unsigned short[count];
-    std::transform(text, text + count, units,
-                   [](wchar_t c) { return static_cast<unsigned short>(c); });
-    return units;
-}
-
-const CharEntityReferencePair* charEntityReference() { return Tables().reference.data(); }
-
-const CharEntityReferencePair* charEntityReferenceCharByCodePoint() {
-    return Tables().byCodePoint.data();
-}
-
-constexpr unsigned long DictionaryEntry::kRoom = sizeof(Home) + sizeof(DictionaryEntry);
-
-std::unique_ptr<DictionaryEntry> DictionaryEntry::Place(unsigned char* memory, Home home,
-                                                        const ByteRunKey& key, bool copyKey,
-                                                        const UnicodeRun& value) {
-    void* const place = memory + sizeof(Home);
-    HomeOf(place) = home;
-    return std::unique_ptr<DictionaryEntry>(::new (place) DictionaryEntry(key, copyKey, value));
-}
-
+// The allocation of a value: the value's units, its entry, the bytes of the entry's key.
 std::unique_ptr<DictionaryEntry> DictionaryEntry::Make(const ByteRunKey& key,
                                                        const unsigned short* text,
                                                        unsigned long unitCount) {
-    Units units(text, unitCount);
-    UnicodeRun converted;
-    if (HasEscapes(units)) {
-        converted = ConvertEscapeSequences(text, unitCount);
-        units = {converted.GetData(), converted.GetLength()};
-    }
+    std::vector<unsigned short> converted;
+    const Escapes::Units units = Escapes::Convert({text, unitCount}, converted);
     static_assert(sizeof(ByteRunValue) % alignof(DictionaryEntry) == 0);
     const unsigned long valueSize = units.size_bytes();
     const unsigned long padding = -valueSize % alignof(DictionaryEntry);
     unsigned char* bytes = nullptr;
-    ByteRunValue* const home =
-        ByteRunValue::MakeUninitialized(valueSize, bytes, padding + kRoom + key.GetLength());
-    const UnicodeRun value(home);
+    const UnicodeRun value(ByteRunValue::MakeUninitialized(
+        valueSize, bytes, padding + sizeof(DictionaryEntry) + key.GetLength()));
     std::copy_n(units.data(), units.size(), reinterpret_cast<unsigned short*>(bytes));
-    unsigned char* const room = bytes + valueSize + padding;
-    std::copy_n(key.GetData(), key.GetLength(), room + kRoom);
-    return Place(room, home, ByteRunKey(room + kRoom, key.GetLength(), false), false, value);
-}
-
-std::unique_ptr<DictionaryEntry> DictionaryEntry::Make(const unsigned char* key,
-                                                       unsigned long keyLength, bool copyKey,
-                                                       const UnicodeRun& storedValue) {
-    auto memory = std::make_unique_for_overwrite<unsigned char[]>(kRoom);
-    auto entry =
-        Place(memory.get(), nullptr, ByteRunKey(key, keyLength, false), copyKey, storedValue);
-    static_cast<void>(memory.release());  // the entry's now
+    unsigned char* const place = bytes + valueSize + padding;
+    unsigned char* const keyBytes = place + sizeof(DictionaryEntry);
+    std::copy_n(key.GetData(), key.GetLength(), keyBytes);
+    std::unique_ptr<DictionaryEntry> entry(
+        ::new (place) DictionaryEntry(keyBytes, key.GetLength(), false, value));
+    entry->liesInValue = true;
     return entry;
 }
 
-DictionaryEntry::~DictionaryEntry() {
-    // The home outlasts the entry's own share of the value, until the memory is given back.
-    if (HomeOf(this) != nullptr) HomeOf(this)->AddReference();
-}
-
-void DictionaryEntry::operator delete(void* memory) noexcept {
-    Home& home = HomeOf(memory);
-    if (home != nullptr) {
-        home->RemoveReference();
+void DictionaryEntry::operator delete(DictionaryEntry* entry, std::destroying_delete_t) noexcept {
+    if (entry->liesInValue) {
+        const UnicodeRun memory = entry->value;
+        entry->~DictionaryEntry();
     } else {
-        delete[] reinterpret_cast<unsigned char*>(&home);
+        entry->~DictionaryEntry();
+        ::operator delete(entry);
     }
 }
 
@@ -423,78 +62,11 @@ std::uint32_t DictionaryEntry::SerializeValue(std::ostream& out, bool binary,
                                               const lexon::EncodingInfo* encoding,
                                               lexon::EndianT order) const {
     if (!binary || !setEndian(order)) return value.Serialize(out, binary, encoding);
-    for (const unsigned short unit : Units(value.GetData(), value.GetLength())) {
+    for (const unsigned short unit : Escapes::Units(value.GetData(), value.GetLength())) {
         const unsigned short swapped = UnicodeChar::ByteSwap(unit);
         out.write(reinterpret_cast<const char*>(&swapped), sizeof swapped);
     }
     return static_cast<std::uint32_t>(2 * value.GetLength());
-}
-
-UnicodeRun DictionaryEntry::ConvertEscapeSequences(const unsigned short* text,
-                                                   unsigned long length) {
-    const EscapeTableEntry* const hatEscapes = HatEscapes();
-    const Units units(text, length);
-    if (!HasEscapes(units)) return UnicodeRun(text, length);  // as most values
-    Report nobody;
-    return EntityPass(ResolveUnitEscapes(units, hatEscapes, nobody)).Run();
-}
-
-UnicodeRun DictionaryEntry::ConvertEscapeSequences(const unsigned short* text, unsigned long length,
-                                                   EscapeObserver& observer) {
-    Report report(observer);
-    const auto resolved = ResolveUnitEscapes(Units(text, length), HatEscapes(), report);
-    return EntityPass(resolved, report).Run();
-}
-
-UnicodeRun DictionaryEntry::ConvertEscapeSequencesISO(const unsigned short* text,
-                                                      unsigned long length) {
-    return EntityPass(Units(text, length)).Run();
-}
-
-unsigned short DictionaryEntry::LookupEscape(const EscapeTableEntry* table, unsigned short unit) {
-    while (table->escape != 0 && table->escape != unit)
-        ++table;
-    return table->replacement;
-}
-
-const EscapeTableEntry* DictionaryEntry::BackslashEscapes() { return sBackslashEscapeTable; }
-
-const EscapeTableEntry* DictionaryEntry::HatEscapes() {
-    const EscapeTableEntry* table = sHatEscapeTable.load(std::memory_order_relaxed);
-    if (table == nullptr) {
-        table = lexon::EnableQuorvHatEscapes ? QuorvHatEscapeTable : ZandtHatEscapeTable;
-        sHatEscapeTable.store(table, std::memory_order_relaxed);
-    }
-    return table;
-}
-
-const CharEntityReferencePair* DictionaryEntry::FindCharEntityReferencePair(
-    const unsigned short* text, unsigned long length) {
-    for (const CharEntityReferencePair* row = charEntityReference(); row->name != nullptr; ++row) {
-        if (row->length <= length && BeginsWith(text, *row)) return row;
-    }
-    return nullptr;
-}
-
-const CharEntityReferencePair* DictionaryEntry::FindCharEntityReferencePairCharByCodePoint(
-    const unsigned short* text, unsigned long length, unsigned long* number,
-    unsigned long* consumed) {
-    constexpr unsigned long kMostDigits = 4;
-    *number = 0;
-    *consumed = 0;
-    const CharEntityReferencePair* prefix = charEntityReferenceCharByCodePoint();
-    while (prefix->name != nullptr && (prefix->length >= length || !BeginsWith(text, *prefix))) {
-        ++prefix;
-    }
-    if (prefix->name == nullptr) return nullptr;
-    unsigned long position = prefix->length;
-    for (; position < length && position < prefix->length + kMostDigits; ++position) {
-        const unsigned char digit = text[position] <= 0xFF ? hexDigitTab[text[position]] : kNoDigit;
-        if (digit == kNoDigit) break;
-        *number = *number * 16 + digit;
-    }
-    *consumed = position;
-    return position > prefix->length ? prefix : nullptr;
 }
 
 }  // namespace lexon_private

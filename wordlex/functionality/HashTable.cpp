@@ -100,8 +100,8 @@ std::unique_ptr<HashItem> ReadEntry(ImageReader& reader, bool copyKeys, ValueDec
     const ImageBytes key = reader.GetBytes(nextLength());
     const ImageBytes value = reader.GetBytes(nextLength());
     if (!reader.Ok()) return nullptr;
-    return Entry::Make(key.data(), key.size(), copyKeys || !reader.InMemory(),
-                       decoder.Decode(value));
+    return std::make_unique<Entry>(key.data(), key.size(), copyKeys || !reader.InMemory(),
+                                   decoder.Decode(value));
 }
 
 }  // namespace
