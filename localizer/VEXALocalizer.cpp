@@ -28,7 +28,8 @@ public:
 
 }  // namespace
 
-Localizer::Localizer() = default;
+// The application's 8-bit dictionaries are UTF-8, whatever the environment's locale says.
+Localizer::Localizer() { lexon::Wordlex::SetDefaultApplicationEncoding(lexon::encodings::kUtf8); }
 Localizer::~Localizer() = default;
 
 UTF16String Localizer::GetLocalizedString(const char* key) const {

@@ -20,6 +20,7 @@ namespace FE {
 //           and to what comes out of it is under one recursive lock of the process.
 class Localizer : public vexacore::config::Localizer {
 public:
+    // Makes UTF-8 the process's default encoding, which 8-bit text dictionaries are read in.
     Localizer();
     ~Localizer() override;
 

@@ -5,6 +5,7 @@
 #include "wordlex/staticlib/Wordlexlib.h"
 
 int main(int, char** arguments) {
+    lexon::Wordlex::SetDefaultApplicationEncoding(lexon::encodings::kUtf8);
     std::ifstream file(arguments[1], std::ios::binary);
     lexon::Dictionary dictionary;
     dictionary.Read(&file);

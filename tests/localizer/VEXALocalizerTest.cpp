@@ -4,6 +4,7 @@
 
 #include "host/Ovis/Language.h"
 #include "host/vexacore/Utility.h"
+#include "tests/Environment.h"
 #include "tests/TemporaryFolder.h"
 
 namespace {
@@ -52,6 +53,16 @@ TEST_F(LocalizerTest, LoadReportsWhetherAFileWasOpened) {
     EXPECT_TRUE(Load());
     EXPECT_EQ(u"deutsch", localizer.GetLocalizedString("$$$/A=default"));
     EXPECT_EQ(u"neutral", localizer.GetLocalizedString("$$$/N=default"));
+}
+
+TEST_F(LocalizerTest, ReadsEightBitTextAsUtf8InEveryLocale) {
+    for (const char* const locale : {"LC_ALL=de_DE.ISO-8859-1", "LC_ALL=en_US.US-ASCII"}) {
+        SetEnvironment(locale);
+        base.Write(kGerman, "\"$$$/City=Z\xC3\xBCrich\"");
+        EXPECT_TRUE(Load());
+        EXPECT_EQ(u"Z\u00FCrich", localizer.GetLocalizedString("$$$/City=")) << locale;
+    }
+    SetEnvironment("");
 }
 
 TEST_F(LocalizerTest, AnswersByTheShapeOfTheText) {

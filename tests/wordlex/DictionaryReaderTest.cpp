@@ -98,6 +98,8 @@ TEST(DictionaryReaderLines, OfUnicodeTextAlone) {
 }
 
 TEST(DictionaryReaderLines, OfEightBitTextAlone) {
+    const SettingsGuard guard;
+    lexon::Wordlex::SetDefaultApplicationEncoding(lexon::encodings::kUtf8);
     // Without a mark UTF-16 is 8-bit text and ends at its first 0 byte; UTF-8's mark is text.
     EXPECT_EQ(LinesOf(Utf16(u"ab", false)), Lines{u"a"});
     EXPECT_EQ(LinesOf("\xEF\xBB\xBF\"k=\xC3\xA9\""), Lines{u"\uFEFF\"k=\u00E9\""});

@@ -1,7 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <sstream>
+#include <type_traits>
+#include <vector>
 
+#include "host/CoreFoundation/CoreFoundation.h"
 #include "tests/wordlex/Settings.h"
 #include "wordlex/functionality/Dictionary.h"
 #include "wordlex/functionality/DictionaryMap.h"
@@ -54,7 +58,59 @@ TEST(WordlexFacade, MakesAndAssignsText) {
     EXPECT_EQ(u"xyz", after([&] { text.AssignUnicode(units.data()); }));
     EXPECT_EQ(u"\u00E9z", after([&] { text.AssignCString("\xC3\xA9z", &utf8); }));
     EXPECT_EQ(u"\u00E9", after([&] { text.AssignPascalString(Bytes("\2\xC3\xA9z"), &utf8); }));
+    const std::string longest = '\xFF' + std::string(255, 'a');
+    EXPECT_EQ(std::u16string(255, u'a'),
+              after([&] { text.AssignPascalString(Bytes(longest.c_str()), &utf8); }));
 }
+
+TEST(WordlexFacade, ReadsNullAsTheEmptyTextAndSetsNoNullResult) {
+    using Change = void (*)(Wordlex&);
+    constexpr Change empties[] = {
+        [](Wordlex& text) { text.MakeFromUnicode(nullptr, 2); },
+        [](Wordlex& text) { text.MakeFromCString(nullptr, 2, &utf8); },
+        [](Wordlex& text) { text.MakeFromPascalString(nullptr, 2, nullptr); },
+        [](Wordlex& text) { text.AssignUnicode(nullptr); },
+        [](Wordlex& text) { text.AssignCString(nullptr, nullptr); },
+        [](Wordlex& text) { text.AssignPascalString(nullptr, &utf8); },
+    };
+    for (const Change change : empties) {
+        Wordlex text = Handle(u"old");
+        change(text);
+        EXPECT_EQ(u"", TextOf(text)) << "row " << &change - empties;
+    }
+    Wordlex text = Handle(uR"(<param name=""/>)");
+    EXPECT_FALSE(text.ParamSubstitute(nullptr, Wordlex(1)));
+    unsigned long length = 0;
+    text.GetInternalData(nullptr, &length);
+    text.GetInternalData(nullptr, nullptr);
+    EXPECT_EQ(16U, length);
+    lexon::Dictionary().Release(nullptr);
+}
+
+// The public numbers are the platform's.
+static_assert(lexon::encodings::kMacRoman == kCFStringEncodingMacRoman);
+static_assert(lexon::encodings::kLatin1 == kCFStringEncodingISOLatin1);
+static_assert(lexon::encodings::kLatin2 == kCFStringEncodingISOLatin2);
+static_assert(lexon::encodings::kLatin9 == kCFStringEncodingISOLatin9);
+static_assert(lexon::encodings::kWindowsLatin1 == kCFStringEncodingWindowsLatin1);
+static_assert(lexon::encodings::kWindowsLatin2 == kCFStringEncodingWindowsLatin2);
+static_assert(lexon::encodings::kWindowsCyrillic == kCFStringEncodingWindowsCyrillic);
+static_assert(lexon::encodings::kAscii == kCFStringEncodingASCII);
+static_assert(lexon::encodings::kShiftJis == kCFStringEncodingShiftJIS);
+static_assert(lexon::encodings::kKoi8R == kCFStringEncodingKOI8_R);
+static_assert(lexon::encodings::kBig5 == kCFStringEncodingBig5);
+static_assert(lexon::encodings::kGb18030 == kCFStringEncodingGB_18030_2000);
+static_assert(lexon::encodings::kEucKr == kCFStringEncodingEUC_KR);
+static_assert(lexon::encodings::kUtf8 == kCFStringEncodingUTF8);
+
+// What looks right and is not does not compile.
+template <class Digit>
+concept Replaces = requires(Wordlex text, Digit digit) {
+    text.Replace(digit, text);
+};
+static_assert(Replaces<unsigned char> && Replaces<int> && !Replaces<char>);
+static_assert(!std::is_constructible_v<lexon::Dictionary, const char*>);
+static_assert(std::is_nothrow_move_constructible_v<lexon::Dictionary>);
 
 TEST(WordlexFacade, IsEmptyAfterAFailedMakeAndAsItWasAfterAFailedAssign) {
     const SettingsGuard guard;
@@ -192,6 +248,22 @@ TEST(DictionaryFacade, ForwardsToItsDictionary) {
     std::ostringstream text;
     dictionary.Serialize(text, false, nullptr);
     EXPECT_EQ(18U, text.str().size());
+}
+
+TEST(DictionaryFacade, KeepsItsEntriesWhenItMoves) {
+    std::vector<lexon::Dictionary> dictionaries;
+    for (const char* const content : {"/K=first", "/K=second", "/K=third"}) {
+        lexon::Dictionary read;
+        read.Read(content, static_cast<int>(std::strlen(content)), true);
+        dictionaries.push_back(std::move(read));
+    }
+    EXPECT_EQ(u"first", TextOf(dictionaries[0].Lookup("/K", nullptr)));
+    dictionaries[0].SetAsMain();
+    dictionaries[1] = std::move(dictionaries[0]);
+    EXPECT_EQ(u"first", TextOf(dictionaries[1].Lookup("/K", nullptr)));
+    EXPECT_EQ(u"first", TextOf(lexon::Dictionary().Lookup("/K", nullptr))) << "still the main one";
+    dictionaries[0] = dictionaries[2];  // a copy of a text dictionary is empty
+    EXPECT_EQ(0U, dictionaries[0].NumKeys());
 }
 
 }  // namespace

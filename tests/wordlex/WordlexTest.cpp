@@ -209,6 +209,9 @@ TEST(WordlexParamTag, IsReplaced) {
         Substitute("n", 1));
     CheckAll(uR"(<param name=""/>→3)", Substitute("", 1));
     CheckAll(uR"(<param name="a b"/>→3)", Substitute("a b", 1));
+    const SettingsGuard guard;
+    Wordlex::SetDefaultApplicationEncoding(lexon::encodings::kLatin1);  // that of the name
+    CheckAll(uR"(<param name="é"/>→3)", Substitute("\xE9", 1));
     CheckAll(uR"(a<param name="n"/>b→aa<param name="n"/>bb)",
              [](Wordlex& text) { EXPECT_TRUE(text.BackDoorParamSubstitute("n", text, 1)); });
 }
@@ -244,7 +247,8 @@ TEST(Wordlex, RemovesAccelerators) {
     CheckAll(
         u"&Open→Open|A&&B→A&B|&&&A→&A|Fish & Chips→Fish & Chips|Plain→Plain|→|"
         u"Open(&O)→Open|Open(&O)...→Open...|(&A)(&B)(&&)x→x|(&A→(A|(&)→()|&(&F)&x→&x|"
-        u"last&→last|& →& |&Save \bCtrl+S→Save|Save \bCtrl→Save|Save\b &x→Save\b x|"
+        u"last&→last|& →& |A&\tB→A\tB|A&\u0001B→A\u0001B|&Save \bCtrl+S→Save|Save "
+        u"\bCtrl→Save|Save\b &x→Save\b x|"
         u"Save& \bx→Save|Save(&S) \b &x \by→Save|(&S \b)→(S|(& \b)→(| \b→",
         [](Wordlex& text) { text.RemoveAccelerators(); });
 }

@@ -231,7 +231,7 @@ Wordlex::Wordlex(unsigned int id, unsigned long which, const lexon::EncodingInfo
     : Wordlex(Dictionary::Lookup(static_cast<unsigned long>(id), which, encoding)) {}
 
 Wordlex Wordlex::BackDoorMakeFromUnicode(const unsigned short* units, unsigned long count) {
-    return Wordlex(units, count);
+    return Wordlex(units, units == nullptr ? 0 : count);
 }
 
 Wordlex Wordlex::BackDoorMakeFromCString(const char* bytes, unsigned long count,
@@ -241,24 +241,25 @@ Wordlex Wordlex::BackDoorMakeFromCString(const char* bytes, unsigned long count,
 
 Wordlex Wordlex::BackDoorMakeFromPascalString(const unsigned char* text, unsigned long count,
                                               const lexon::EncodingInfo* encoding) {
-    return StringToPooledUnicode(text + 1, count, encoding);
+    return text == nullptr ? Wordlex() : StringToPooledUnicode(text + 1, count, encoding);
 }
 
 void Wordlex::BackDoorAssignUnicode(const unsigned short* text) {
-    *this = Wordlex(text, UnicodeUtil::StringLength(text));
+    *this = text == nullptr ? Wordlex() : Wordlex(text, UnicodeUtil::StringLength(text));
 }
 
 void Wordlex::BackDoorAssignCString(const char* text, const lexon::EncodingInfo* encoding) {
-    *this = StringToPooledUnicode(BytesOf(text), std::strlen(text), encoding);
+    *this = BackDoorMakeFromCString(text, text == nullptr ? 0 : std::strlen(text), encoding);
 }
 
 void Wordlex::BackDoorAssignPascalString(const unsigned char* text,
                                          const lexon::EncodingInfo* encoding) {
-    *this = StringToPooledUnicode(text + 1, *text, encoding);
+    *this = BackDoorMakeFromPascalString(text, text == nullptr ? 0 : *text, encoding);
 }
 
 Wordlex Wordlex::StringToPooledUnicode(const unsigned char* bytes, unsigned long count,
                                        const lexon::EncodingInfo* encoding) {
+    if (bytes == nullptr) count = 0;
     InwardEncoding inward(encoding);
     Buffer<unsigned short> units(count);
     UnicodeUtil::StringToUnicode(bytes, count, units, inward.Selector());
@@ -365,7 +366,7 @@ void Wordlex::Replace(unsigned char n, const Wordlex& value) {
 }
 
 bool Wordlex::BackDoorParamSubstitute(const char* name, const Wordlex& value, int occurrence) {
-    if (occurrence < 1) return false;
+    if (occurrence < 1 || name == nullptr) return false;
     const Wordlex units = StringToPooledUnicode(BytesOf(name), std::strlen(name), nullptr);
     const Units text = UnitsOf(*this);
     const std::optional<TagRange> tag = FindParamTag(text, units, occurrence);

@@ -30,7 +30,8 @@ public:
     Wordlex(const char* key, unsigned long which, const lexon::EncodingInfo* encoding);
     Wordlex(unsigned int id, unsigned long which, const lexon::EncodingInfo* encoding);
 
-    // The pascal form reads `count` bytes behind the first one, which it does not look at.
+    // A null text is the empty text. The pascal form reads `count` bytes after the first one, which
+    // it does not look at.
     static Wordlex BackDoorMakeFromUnicode(const unsigned short* units, unsigned long count);
     static Wordlex BackDoorMakeFromCString(const char* bytes, unsigned long count,
                                            const lexon::EncodingInfo* encoding);

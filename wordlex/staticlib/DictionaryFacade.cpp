@@ -21,14 +21,25 @@ Dictionary::Dictionary(const lexon_private::Dictionary& other)
 
 Dictionary::Dictionary(const Dictionary& other) : Dictionary(*other.dictionary) {}
 
+Dictionary::Dictionary(Dictionary&& other) noexcept
+    : dictionary(std::exchange(other.dictionary, nullptr)) {}
+
 Dictionary& Dictionary::operator=(const Dictionary& other) {
+    if (dictionary == nullptr) dictionary = new lexon_private::Dictionary;
     *dictionary = *other.dictionary;
+    return *this;
+}
+
+Dictionary& Dictionary::operator=(Dictionary&& other) noexcept {
+    if (this != &other) delete std::exchange(dictionary, std::exchange(other.dictionary, nullptr));
     return *this;
 }
 
 Dictionary::~Dictionary() { delete dictionary; }
 
-void Dictionary::Release(char** text) { delete[] std::exchange(*text, nullptr); }
+void Dictionary::Release(char** text) {
+    if (text != nullptr) delete[] std::exchange(*text, nullptr);
+}
 
 Wordlex Dictionary::Lookup(const char* key, const EncodingInfo* encoding) {
     return Wrap(dictionary->Lookup(key, encoding));

@@ -106,7 +106,11 @@ void Wordlex::GetPascalString(unsigned char* destination, unsigned long capacity
 }
 
 void Wordlex::GetInternalData(const unsigned short** units, unsigned long* length) const {
-    text->BackDoorGetInternalData(*units, *length);
+    const unsigned short* held = nullptr;
+    unsigned long heldLength = 0;
+    text->BackDoorGetInternalData(held, heldLength);
+    if (units != nullptr) *units = held;
+    if (length != nullptr) *length = heldLength;
 }
 
 bool Wordlex::ParamSubstitute(const char* name, const Wordlex& value) {
