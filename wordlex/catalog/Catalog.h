@@ -16,9 +16,12 @@
 // Threads:  a Catalog never changes, so any number of threads look up at once without a lock.
 //           Loading takes a lock of its own; see Load for programs that use lexon::Dictionary too.
 
+#include <chrono>
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <initializer_list>
 #include <iterator>
 #include <memory>
 #include <optional>
@@ -26,6 +29,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -40,7 +44,8 @@ namespace lexon {
 
 namespace detail {
 class CatalogStore;
-}
+class LanguageFormats;
+}  // namespace detail
 
 // Why a dictionary was not loaded, and where.
 struct WORDLEX_CATALOG_API LoadError {
@@ -275,6 +280,143 @@ public:
 private:
     struct State;
     std::unique_ptr<State> state;
+};
+
+// A value for a text, with or without a name. Its texts are borrowed and must outlive the call.
+// 8-bit texts are UTF-8; bytes that are not become U+FFFD. A null pointer is the empty text.
+// Points in time are shown as date and time in the system's time zone, days as a date alone.
+class Argument {
+public:
+    enum class Kind : std::uint8_t { kUtf16, kUtf8, kSigned, kUnsigned, kFloating, kTime, kDay };
+
+    // NOLINTBEGIN(google-explicit-constructor): an argument list is written as its values
+    Argument(std::u16string_view text) noexcept
+        : value{.utf16 = text.data()}, size(text.size()), kind(Kind::kUtf16) {}
+    Argument(const std::u16string& text) noexcept : Argument(std::u16string_view(text)) {}
+    Argument(const char16_t* text) noexcept
+        : Argument(text == nullptr ? std::u16string_view() : std::u16string_view(text)) {}
+    Argument(std::string_view text) noexcept
+        : value{.utf8 = text.data()}, size(text.size()), kind(Kind::kUtf8) {}
+    Argument(const std::string& text) noexcept : Argument(std::string_view(text)) {}
+    Argument(const char* text) noexcept
+        : Argument(text == nullptr ? std::string_view() : std::string_view(text)) {}
+    template <std::signed_integral T>
+    requires(!std::same_as<T, char> && !std::same_as<T, wchar_t>) Argument(T number)
+    noexcept : value{.integer = number}, kind(Kind::kSigned) {}
+    template <std::unsigned_integral T>
+    requires(!std::same_as<T, bool> && !std::same_as<T, char> && !std::same_as<T, wchar_t> &&
+             !std::same_as<T, char8_t> && !std::same_as<T, char16_t> && !std::same_as<T, char32_t>)
+        Argument(T number)
+    noexcept : value{.natural = number}, kind(Kind::kUnsigned) {}
+    template <std::floating_point T>
+    Argument(T number) noexcept
+        : value{.floating = static_cast<double>(number)}, kind(Kind::kFloating) {}
+    template <class Duration>
+    Argument(std::chrono::sys_time<Duration> time) noexcept
+        : value{.integer =
+                    std::chrono::floor<std::chrono::milliseconds>(time).time_since_epoch().count()},
+          kind(std::is_same_v<Duration, std::chrono::days> ? Kind::kDay : Kind::kTime) {}
+    // NOLINTEND(google-explicit-constructor)
+    Argument(std::string_view argumentName, Argument argument) noexcept : Argument(argument) {
+        name = argumentName;
+    }
+
+    std::string_view Name() const noexcept { return name; }  // empty without one
+    Kind GetKind() const noexcept { return kind; }
+    // Each is valid for an argument of its kind alone.
+    std::u16string_view Utf16() const noexcept { return {value.utf16, size}; }
+    std::string_view Utf8() const noexcept { return {value.utf8, size}; }
+    std::int64_t Signed() const noexcept { return value.integer; }
+    std::uint64_t Unsigned() const noexcept { return value.natural; }
+    double Floating() const noexcept { return value.floating; }
+    std::int64_t Milliseconds() const noexcept { return value.integer; }  // since 1970, UTC
+
+private:
+    union {
+        const char16_t* utf16;
+        const char* utf8;
+        std::int64_t integer;
+        std::uint64_t natural;
+        double floating;
+    } value;
+    std::size_t size = 0;
+    std::string_view name;
+    Kind kind;
+};
+
+// The arguments of one call: {3, 17}, {{"clips", 3}, {"tracks", 2}}, or a vector of them.
+// Borrowed: to be used as the parameter of a call alone.
+//
+// Arguments without a name are numbered in their order: the first stands for the marker "^1", the
+// ninth for "^9", the tenth for "^0"; in a message the first stands for "{0}". Arguments with a
+// name stand for the parameter tag or the message argument of that name; one whose name is a single
+// digit also stands for that marker.
+class Arguments {
+public:
+    Arguments() = default;
+    // NOLINTBEGIN(google-explicit-constructor): see above
+    Arguments(std::initializer_list<Argument> list) noexcept : all(list.begin(), list.size()) {}
+    Arguments(std::span<const Argument> list) noexcept : all(list) {}
+    Arguments(const std::vector<Argument>& list) noexcept : all(list) {}
+    // NOLINTEND(google-explicit-constructor)
+
+    auto begin() const noexcept { return all.begin(); }
+    auto end() const noexcept { return all.end(); }
+    std::size_t size() const noexcept { return all.size(); }
+
+private:
+    std::span<const Argument> all;
+};
+
+// What happens when the arguments do not fit the text.
+enum class OnMismatch : std::uint8_t {
+    kShow,   // what cannot be filled stays as it is written; arguments without a place are ignored
+    kThrow,  // a FormatError
+};
+
+struct FormatOptions {
+    OnMismatch onMismatch = OnMismatch::kShow;
+    // Whether a text with letters of the other writing direction is put between U+2068 and U+2069.
+    bool isolate = true;
+};
+
+// Why a text could not be formatted. what() names the argument or the place in the pattern.
+class WORDLEX_CATALOG_API FormatError : public std::runtime_error {
+public:
+    enum class Code : std::uint8_t {
+        kMissingArgument,      // the text has a place for an argument that was not given
+        kSuperfluousArgument,  // an argument has no place in the text
+        kMalformedMessage,     // the text is not a message pattern
+        kWrongType,            // a message needs another type, such as a number for a plural
+    };
+    FormatError(Code errorCode, const std::string& text)
+        : std::runtime_error(text), code(errorCode) {}
+    Code GetCode() const noexcept { return code; }
+
+private:
+    Code code;
+};
+
+// Fills texts with values as one language writes them.
+// Copies share the language's formatters, which are made once in a process and kept.
+// Threads: any number may use one object at once.
+class WORDLEX_CATALOG_API Formatter {
+public:
+    // A locale name such as "de", "pt_BR" or "zh-Hant". For a language that is not known, and for
+    // the empty name, numbers and dates are written as in no language in particular.
+    explicit Formatter(std::string_view language = {});
+
+    // Fills markers ("^0" to "^9") and parameter tags (<param name="clips"/>) in one pass: what was
+    // filled in is not searched again. "^^1" is "^" and a marker, as the engine replaces it.
+    std::u16string Format(std::u16string_view text, Arguments arguments,
+                          const FormatOptions& options = {}) const;
+    // Fills an ICU message pattern: {clips, plural, one {# clip} other {# clips}}. A pattern is
+    // parsed once and kept. Of a malformed pattern kShow returns the pattern.
+    std::u16string FormatMessage(std::u16string_view pattern, Arguments arguments,
+                                 const FormatOptions& options = {}) const;
+
+private:
+    const detail::LanguageFormats* formats;  // lives as long as the process
 };
 
 }  // namespace lexon

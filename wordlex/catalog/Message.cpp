@@ -1,0 +1,361 @@
+#include "wordlex/catalog/Message.h"
+
+#include <unicode/messagepattern.h>
+#include <unicode/msgfmt.h>
+#include <unicode/plurrule.h>
+#include <unicode/timezone.h>
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <memory_resource>
+#include <mutex>
+#include <new>
+#include <span>
+#include <utility>
+
+#include "wordlex/catalog/Format.h"
+
+namespace lexon::detail {
+
+namespace {
+
+using icu::MessagePattern;
+using Kind = Argument::Kind;
+
+icu::UnicodeString Copied(std::u16string_view text) {
+    return {text.data(), static_cast<std::int32_t>(text.size())};
+}
+
+std::u16string Copied(const icu::UnicodeString& text) {
+    return {text.getBuffer(), static_cast<std::size_t>(text.length())};
+}
+
+const char16_t* TypeName(UMessagePatternArgType type) {
+    switch (type) {
+        case UMSGPAT_ARG_TYPE_CHOICE:
+            return u"choice";
+        case UMSGPAT_ARG_TYPE_PLURAL:
+            return u"plural";
+        case UMSGPAT_ARG_TYPE_SELECT:
+            return u"select";
+        case UMSGPAT_ARG_TYPE_SELECTORDINAL:
+            return u"selectordinal";
+        case UMSGPAT_ARG_TYPE_NONE:
+        case UMSGPAT_ARG_TYPE_SIMPLE:
+            break;
+    }
+    return u"";
+}
+
+// Collects the places of a pattern, also of one whose parse ended early. `open` gets the part that
+// begins the innermost argument without an end.
+std::vector<MessagePlace> Places(const MessagePattern& pattern, std::int32_t& open) {
+    std::vector<MessagePlace> places;
+    std::vector<std::pair<std::size_t, std::int32_t>> around;  // place and part of its beginning
+    const auto text = [&](const MessagePattern::Part& part) {
+        return Copied(pattern.getSubstring(part));
+    };
+    for (std::int32_t i = 0; i < pattern.countParts(); ++i) {
+        const MessagePattern::Part& part = pattern.getPart(i);
+        switch (part.getType()) {
+            case UMSGPAT_PART_TYPE_ARG_START:
+                around.emplace_back(places.size(), i);
+                places.push_back(
+                    {.name = {}, .type = TypeName(part.getArgType()), .selectors = {}});
+                break;
+            case UMSGPAT_PART_TYPE_ARG_NAME:
+            case UMSGPAT_PART_TYPE_ARG_NUMBER:
+                places[around.back().first].name = text(part);
+                places[around.back().first].position = static_cast<std::size_t>(part.getIndex());
+                break;
+            case UMSGPAT_PART_TYPE_ARG_TYPE:
+                places[around.back().first].type = text(part);
+                break;
+            case UMSGPAT_PART_TYPE_ARG_SELECTOR:
+                places[around.back().first].selectors.push_back(text(part));
+                break;
+            case UMSGPAT_PART_TYPE_ARG_LIMIT:
+                around.pop_back();
+                break;
+            default:
+                break;
+        }
+    }
+    open = around.empty() ? -1 : around.back().second;
+    return places;
+}
+
+const char* Reason(UErrorCode status) {
+    switch (status) {
+        case U_UNMATCHED_BRACES:
+            return "braces without their counterpart";
+        case U_DEFAULT_KEYWORD_MISSING:
+            return "no \"other\" form";
+        case U_INDEX_OUTOFBOUNDS_ERROR:
+            return "a part that is too long";
+        case U_ARGUMENT_TYPE_MISMATCH:
+            return "an argument name or number that cannot be one";
+        default:
+            return "not the syntax of a message pattern";
+    }
+}
+
+}  // namespace
+
+MessageShape ParseMessage(std::u16string_view pattern) {
+    UErrorCode status = U_ZERO_ERROR;
+    UParseError error{};
+    MessagePattern parsed(status);
+    parsed.parse(Copied(pattern), &error, status);
+    MessageShape shape;
+    std::int32_t open = -1;
+    shape.places = Places(parsed, open);
+    if (U_SUCCESS(status)) return shape;
+    // ICU names no place for what is missing at the end of an argument: it begins the argument.
+    const bool atEnd = status == U_DEFAULT_KEYWORD_MISSING || status == U_UNMATCHED_BRACES;
+    const std::int32_t position =
+        atEnd && open >= 0 ? parsed.getPart(open).getIndex() : std::max(error.offset, 0);
+    MessageFault fault{.kind = status == U_DEFAULT_KEYWORD_MISSING ? MessageFault::Kind::kNoOther
+                                                                   : MessageFault::Kind::kSyntax,
+                       .position = static_cast<std::size_t>(position),
+                       .reason = Reason(status)};
+    shape.fault = std::move(fault);
+    return shape;
+}
+
+bool IsKnownLanguage(const icu::Locale& locale) {
+    for (std::int32_t i = 0; i < uloc_countAvailable(); ++i) {
+        const std::string_view known = uloc_getAvailable(i);
+        if (known.substr(0, known.find('_')) == locale.getLanguage()) return true;
+    }
+    return false;
+}
+
+std::vector<std::string> PluralCategories(const std::string& language, bool ordinal) {
+    const icu::Locale locale = icu::Locale::createCanonical(language.c_str());
+    if (!IsKnownLanguage(locale)) return {};
+    UErrorCode status = U_ZERO_ERROR;
+    const std::unique_ptr<icu::PluralRules> rules(icu::PluralRules::forLocale(
+        locale, ordinal ? UPLURAL_TYPE_ORDINAL : UPLURAL_TYPE_CARDINAL, status));
+    if (U_FAILURE(status)) return {};
+    const std::unique_ptr<icu::StringEnumeration> keywords(rules->getKeywords(status));
+    std::vector<std::string> categories;
+    if (U_FAILURE(status)) return categories;
+    while (const char* const keyword = keywords->next(nullptr, status))
+        categories.emplace_back(keyword);
+    static constexpr std::string_view kOrder[] = {"zero", "one", "two", "few", "many", "other"};
+    std::ranges::sort(categories, {}, [](const std::string& category) {
+        return std::ranges::find(kOrder, category) - std::begin(kOrder);
+    });
+    return categories;
+}
+
+// A pattern, parsed once. Two threads may not fill one of ICU's formats at once, so each takes one
+// for the time of a call.
+class ParsedMessage {
+public:
+    ParsedMessage(std::u16string_view text, const icu::Locale& language)
+        : pattern(text), locale(language), shape(ParseMessage(text)) {
+        if (!shape.fault) idle.push_back(Make());
+    }
+
+    std::u16string_view Pattern() const { return pattern; }
+    const MessageShape& Shape() const { return shape; }  // with a fault Fill may not be called
+    bool Selects(std::u16string_view name) const {
+        return std::ranges::any_of(shape.places, [name](const MessagePlace& place) {
+            return place.type == u"select" && place.name == name;
+        });
+    }
+
+    // False where an argument has a type that its place cannot show, or the pattern of a number or
+    // a date is malformed.
+    bool Fill(std::span<const icu::UnicodeString> names, std::span<const icu::Formattable> values,
+              icu::UnicodeString& out) {
+        auto format = Take();
+        if (format == nullptr) return false;
+        UErrorCode status = U_ZERO_ERROR;
+        format->format(names.data(), values.data(), static_cast<std::int32_t>(names.size()), out,
+                       status);
+        const std::lock_guard guard(lock);
+        idle.push_back(std::move(format));
+        return U_SUCCESS(status);
+    }
+
+private:
+    std::unique_ptr<icu::MessageFormat> Make() const {
+        UErrorCode status = U_ZERO_ERROR;
+        UParseError ignored{};
+        auto format =
+            std::make_unique<icu::MessageFormat>(Copied(pattern), locale, ignored, status);
+        if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
+        if (U_FAILURE(status)) format.reset();
+        return format;
+    }
+    std::unique_ptr<icu::MessageFormat> Take() {
+        {
+            const std::lock_guard guard(lock);
+            if (!idle.empty()) {
+                auto format = std::move(idle.back());
+                idle.pop_back();
+                return format;
+            }
+        }
+        return Make();
+    }
+
+    std::u16string pattern;
+    icu::Locale locale;
+    MessageShape shape;
+    std::mutex lock;
+    std::vector<std::unique_ptr<icu::MessageFormat>> idle;
+};
+
+ParsedMessage& MessageCache::Get(std::u16string_view pattern, const icu::Locale& locale) {
+    // What this thread has used last, found without the lock.
+    struct Recent {
+        const MessageCache* cache = nullptr;
+        std::shared_ptr<ParsedMessage> message;
+    };
+    static thread_local std::array<Recent, 16> recents;
+    const std::size_t size = pattern.size();
+    const std::size_t mixed =
+        size == 0 ? 0 : 31 * size + 7U * pattern[size / 2] + pattern[1 % size];
+    Recent& recent = recents[mixed % recents.size()];
+    if (recent.cache != this || recent.message->Pattern() != pattern) {
+        recent.message = Share(pattern, locale);
+        recent.cache = this;
+    }
+    return *recent.message;
+}
+
+std::shared_ptr<ParsedMessage> MessageCache::Share(std::u16string_view pattern,
+                                                   const icu::Locale& locale) {
+    {
+        const std::shared_lock guard(lock);
+        const auto found = messages.find(pattern);
+        if (found != messages.end()) return found->second;
+    }
+    auto parsed = std::make_shared<ParsedMessage>(pattern, locale);
+    const std::lock_guard guard(lock);
+    if (messages.size() >= kMostMessages) messages.clear();
+    return messages.try_emplace(std::u16string(pattern), parsed).first->second;
+}
+
+namespace {
+
+// An argument's name as ICU looks for it: those without a name are numbered from 0.
+icu::UnicodeString NameOf(const Argument& argument, std::size_t& unnamed) {
+    const std::string_view name = argument.Name();
+    if (name.empty()) return icu::UnicodeString::fromUTF8(std::to_string(unnamed++));
+    std::array<char16_t, 32> units;  // of the usual name, which is short and ASCII
+    if (name.size() > units.size() || !IsAscii(name)) {
+        return icu::UnicodeString::fromUTF8(
+            icu::StringPiece(name.data(), static_cast<std::int32_t>(name.size())));
+    }
+    std::ranges::copy(name, units.begin());
+    return {units.data(), static_cast<std::int32_t>(name.size())};
+}
+
+// ICU shows dates in the system's time zone: the moment there that the day begins at.
+UDate StartOfDay(std::int64_t utcMilliseconds) {
+    const auto local = static_cast<UDate>(utcMilliseconds);
+    const std::unique_ptr<icu::TimeZone> zone(icu::TimeZone::createDefault());
+    std::int32_t rawOffset = 0;
+    std::int32_t savings = 0;
+    UErrorCode status = U_ZERO_ERROR;
+    zone->getOffset(local, true, rawOffset, savings, status);
+    return local - rawOffset - savings;
+}
+
+// `isolates` says whether a text of the other direction is isolated.
+template <class Isolates>
+void SetText(icu::Formattable& value, const LanguageFormats& formats, std::u16string_view text,
+             const Isolates& isolates) {
+    if (!formats.HasOtherDirection(text) || !isolates()) {
+        value.setString(Copied(text));
+        return;
+    }
+    std::u16string isolated;
+    AppendIsolated(isolated, text);
+    value.setString(Copied(isolated));
+}
+
+template <class Isolates>
+void SetValue(icu::Formattable& value, const LanguageFormats& formats, const Argument& argument,
+              const Isolates& isolates) {
+    switch (argument.GetKind()) {
+        case Kind::kUtf16:
+            SetText(value, formats, argument.Utf16(), isolates);
+            return;
+        case Kind::kUtf8:
+            SetText(value, formats, ToUtf16(argument.Utf8()), isolates);
+            return;
+        case Kind::kSigned:
+            value.setInt64(argument.Signed());
+            return;
+        case Kind::kUnsigned:
+            if (argument.Unsigned() <= INT64_MAX) {
+                value.setInt64(static_cast<std::int64_t>(argument.Unsigned()));
+            } else {
+                UErrorCode status = U_ZERO_ERROR;
+                value.setDecimalNumber(std::to_string(argument.Unsigned()), status);
+            }
+            return;
+        case Kind::kFloating:
+            value.setDouble(argument.Floating());
+            return;
+        case Kind::kTime:
+            value.setDate(static_cast<UDate>(argument.Milliseconds()));
+            return;
+        case Kind::kDay:
+            value.setDate(StartOfDay(argument.Milliseconds()));
+            return;
+    }
+}
+
+// Throws a FormatError where the arguments are not those that the pattern has places for.
+void RequireMatch(const MessageShape& shape, Arguments arguments,
+                  std::span<const icu::UnicodeString> names) {
+    std::vector<bool> used(names.size());
+    for (const MessagePlace& place : shape.places) {
+        const auto name = std::ranges::find(names, Copied(place.name));
+        if (name == names.end()) RefuseMissing(u'{' + place.name + u'}');
+        used[static_cast<std::size_t>(name - names.begin())] = true;
+    }
+    RefuseUnused(arguments, used);
+}
+
+}  // namespace
+
+std::u16string FillMessage(const LanguageFormats& formats, std::u16string_view pattern,
+                           Arguments arguments, const FormatOptions& options) {
+    ParsedMessage& message = formats.Messages().Get(pattern, formats.Locale());
+    const bool throws = options.onMismatch == OnMismatch::kThrow;
+    if (const auto& fault = message.Shape().fault) {
+        if (!throws) return std::u16string(pattern);
+        throw FormatError(FormatError::Code::kMalformedMessage,
+                          "the message pattern is malformed at unit " +
+                              std::to_string(fault->position + 1) + ": " + fault->reason);
+    }
+    std::array<std::byte, 1024> buffer;  // room for the arguments of most calls
+    std::pmr::monotonic_buffer_resource room(buffer.data(), buffer.size());
+    std::pmr::vector<icu::UnicodeString> names(&room);
+    std::pmr::vector<icu::Formattable> values(&room);
+    names.reserve(arguments.size());
+    values.reserve(arguments.size());
+    std::size_t unnamed = 0;
+    for (const Argument& argument : arguments) {
+        names.push_back(NameOf(argument, unnamed));
+        SetValue(values.emplace_back(), formats, argument,
+                 [&] { return options.isolate && !message.Selects(Copied(names.back())); });
+    }
+    if (throws) RequireMatch(message.Shape(), arguments, names);
+    icu::UnicodeString out;
+    if (message.Fill(names, values, out)) return Copied(out);
+    if (!throws) return std::u16string(pattern);
+    throw FormatError(FormatError::Code::kWrongType,
+                      "an argument has not the type that the message pattern shows");
+}
+
+}  // namespace lexon::detail
