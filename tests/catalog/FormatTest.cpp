@@ -1,6 +1,7 @@
 // Texts filled in one pass, and messages, as each language writes them.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <future>
 #include <random>
 
@@ -109,6 +110,7 @@ TEST(Format, FindsThePlacesThatTheEngineFinds) {
 }
 
 TEST(Format, WritesValuesAsTheLanguageDoes) {
+    setenv("TZ", "UTC", 1);
     const auto day = sys_days(days(18000));  // 14 April 2019
     CheckAll(How::kText, {{__LINE__, "", u"^1 ^2", {999, 1000}, u"999 1,000"},
                           {__LINE__, "en", u"^1 ^2", {1234567, -1234}, u"1,234,567 -1,234"},
