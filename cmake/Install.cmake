@@ -13,8 +13,12 @@ if(TARGET wordlex-tool)
   set_target_properties(wordlex-tool PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
   install(TARGETS wordlex-tool EXPORT WordlexTargets)
   install(FILES tools/wordlex.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
-  install(FILES tools/wordlex.bash
+  install(FILES "${PROJECT_BINARY_DIR}/tools/completions/wordlex.bash"
     DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" RENAME wordlex)
+  install(FILES "${PROJECT_BINARY_DIR}/tools/completions/wordlex.zsh"
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/zsh/site-functions" RENAME _wordlex)
+  install(FILES "${PROJECT_BINARY_DIR}/tools/completions/wordlex.fish"
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d")
 endif()
 
 install(EXPORT WordlexTargets NAMESPACE Wordlex:: DESTINATION "${package_dir}")

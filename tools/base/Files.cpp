@@ -19,6 +19,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr mode_t kNewFileMode = 0666;  // less what the umask takes away
+constexpr mode_t kAllModeBits = 07777;
+constexpr mode_t kAnyoneWrites = 0222;
 
 [[noreturn]] void Fail(const std::string& name, const char* what, int error) {
     throw Failure(name + ": " + what + ": " + std::strerror(error));
@@ -92,12 +94,23 @@ void WriteInPlace(const std::string& path, std::string_view bytes) {
     }
 }
 
-void Replace(const fs::path& target, std::string_view bytes) {
+// Gives a new file the owner and the mode of the one that it replaces.
+bool TakeOver(int descriptor, const struct stat& replaced) {
+    struct stat own {};
+    if (fstat(descriptor, &own) != 0) return false;
+    const bool sameOwner = own.st_uid == replaced.st_uid && own.st_gid == replaced.st_gid;
+    return (sameOwner || fchown(descriptor, replaced.st_uid, replaced.st_gid) == 0) &&
+           fchmod(descriptor, replaced.st_mode & kAllModeBits) == 0;
+}
+
+// `replaced` is null where there is no file yet.
+void Replace(const fs::path& target, const struct stat* replaced, std::string_view bytes) {
     std::string beside;
     Descriptor file(OpenBeside(target, beside));
     if (file.Get() < 0) Fail(target, "cannot be written", errno);
     unfinished = beside.c_str();
-    const bool done = WriteAll(file.Get(), bytes) && file.Close() &&
+    const bool done = (replaced == nullptr || TakeOver(file.Get(), *replaced)) &&
+                      WriteAll(file.Get(), bytes) && file.Close() &&
                       std::rename(beside.c_str(), target.c_str()) == 0;
     const int error = errno;
     unfinished = nullptr;
@@ -116,12 +129,11 @@ fs::path EndOfLinks(fs::path path) {
 }  // namespace
 
 void HandleSignals() {
-    std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     struct sigaction ending {};
     ending.sa_handler = RemoveUnfinished;
     ending.sa_flags = static_cast<int>(SA_RESETHAND);
-    for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+    for (const int signal : {SIGHUP, SIGINT, SIGPIPE, SIGTERM}) {
         struct sigaction before {};
         sigaction(signal, nullptr, &before);
         if (before.sa_handler != SIG_IGN) sigaction(signal, &ending, nullptr);  // as under nohup
@@ -143,15 +155,21 @@ void WriteOutput(const std::string& path, std::string_view bytes) {
     if (path == "-") return WriteStandardOutput(bytes);
     struct stat status {};
     if (stat(path.c_str(), &status) != 0) {
-        return Replace(errno == ENOENT ? EndOfLinks(path) : fs::path(path), bytes);
+        return Replace(errno == ENOENT ? EndOfLinks(path) : fs::path(path), nullptr, bytes);
     }
     if (S_ISDIR(status.st_mode)) Fail(path, "cannot be written", EISDIR);
     if (!S_ISREG(status.st_mode)) return WriteInPlace(path, bytes);
-    Replace(fs::canonical(path), bytes);  // a link stays a link
+    // Renaming asks for no permission of the file itself, and root has every permission.
+    if ((status.st_mode & kAnyoneWrites) == 0) Fail(path, "is read-only", EACCES);
+    if (access(path.c_str(), W_OK) != 0) Fail(path, "cannot be written", errno);
+    Replace(fs::canonical(path), &status, bytes);  // a link stays a link
 }
 
 void WriteStandardOutput(std::string_view bytes) {
-    if (!WriteAll(STDOUT_FILENO, bytes)) Fail("standard output", "cannot be written", errno);
+    if (WriteAll(STDOUT_FILENO, bytes)) return;
+    // The signal ends the command before, unless who started the command has it ignored.
+    if (errno == EPIPE) throw ReaderGone();
+    Fail("standard output", "cannot be written", errno);
 }
 
 }  // namespace tool

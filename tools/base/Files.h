@@ -1,5 +1,6 @@
 #pragma once
 // Files in and out. "-" is standard input and standard output.
+#include <exception>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -11,13 +12,23 @@ class Failure : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// A reader that went away and a file that may not grow are writes that failed; a signal that ends
-// the command leaves no half file.
+// The same for a command line that the verb cannot use.
+class UsageFailure : public Failure {
+public:
+    explicit UsageFailure(const std::string& why) : Failure(why + " (try --help)") {}
+};
+
+// The reader of standard output has closed it: the command ends without a word.
+class ReaderGone : public std::exception {};
+
+// A file that may not grow is a write that failed. A signal that ends the command, that of a pipe
+// without a reader included, leaves no half file.
 void HandleSignals();
 
 std::string ReadInput(const std::string& path);
 // Writes a file beside its target and renames it, so that the target is the old one or the whole
-// new one. A target that is no plain file (a device, a pipe) is written to.
+// new one. The new one has mode and owner of the old one; a read-only one is refused. A target that
+// is no plain file (a device, a pipe) is written to.
 void WriteOutput(const std::string& path, std::string_view bytes);
 void WriteStandardOutput(std::string_view bytes);
 

@@ -27,24 +27,6 @@ std::vector<unsigned short> Widen(std::string_view bytes) {
     return units;
 }
 
-// What JSON wants escaped of an ASCII character; empty when it stands for itself.
-std::string JsonEscape(unsigned short unit) {
-    switch (unit) {
-        case '"':
-            return "\\\"";
-        case '\\':
-            return "\\\\";
-        case '\n':
-            return "\\n";
-        case '\r':
-            return "\\r";
-        case '\t':
-            return "\\t";
-        default:
-            return unit < 0x20 || unit == 0x7F ? Hex("\\u%04x", unit) : std::string();
-    }
-}
-
 }  // namespace
 
 std::string Utf8(Units units) {
@@ -111,34 +93,5 @@ std::string Show(Units units) {
     AppendValue(written, units);
     return '"' + Utf8(written) + '"';
 }
-
-std::string JsonString(std::string_view utf8) {
-    std::string text = "\"";
-    for (const char c : utf8) {
-        const std::string escape = JsonEscape(static_cast<unsigned char>(c));
-        text += escape.empty() ? std::string(1, c) : escape;
-    }
-    return text + '"';
-}
-
-std::string JsonString(Units units) {
-    std::string text = "\"";
-    std::size_t plain = 0;  // where the units begin that stand for themselves
-    const auto flush = [&](std::size_t end) {
-        if (plain != end) text += Utf8(units.subspan(plain, end - plain));
-        plain = end + 1;
-    };
-    for (std::size_t i = 0; i < units.size(); ++i) {
-        const std::string escape =
-            IsUnpairedSurrogate(units, i) ? Hex("\\u%04x", units[i]) : JsonEscape(units[i]);
-        if (escape.empty()) continue;
-        flush(i);
-        text += escape;
-    }
-    flush(units.size());
-    return text + '"';
-}
-
-std::string JsonKey(std::string_view key) { return JsonString(Widen(key)); }
 
 }  // namespace tool

@@ -40,9 +40,5 @@ std::string ShowRaw(Units units);
 std::string ShowKey(std::string_view key);
 // A text in one line: the way its author would write it, in quotation marks.
 std::string Show(Units units);
-// JSON strings, in quotation marks. Bytes of a key are characters of the same number.
-std::string JsonString(std::string_view utf8);
-std::string JsonString(Units units);
-std::string JsonKey(std::string_view key);
 
 }  // namespace tool

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <tuple>
 
-#include "tools/base/Text.h"
+#include "tools/base/Json.h"
 
 namespace tool {
 
@@ -33,18 +33,19 @@ std::string Line(const Finding& finding, bool coloured) {
            finding.text + " [" + rule.name + "]\n";
 }
 
-std::string JsonLine(const Finding& finding) {
+std::string JsonFinding(const Finding& finding) {
     const RuleInfo& rule = Info(finding.rule);
-    std::string line = R"({"file":)" + JsonString(finding.place.file);
+    Json object;
+    PutFile(object, "file", finding.place.file);
     if (finding.place.line != 0) {
-        line += R"(,"line":)" + std::to_string(finding.place.line) + R"(,"column":)" +
-                std::to_string(finding.place.column);
+        object["line"] = finding.place.line;
+        object["column"] = finding.place.column;
     }
-    if (finding.place.offset.has_value()) {
-        line += R"(,"offset":)" + std::to_string(*finding.place.offset);
-    }
-    return line + R"(,"severity":")" + Name(rule.severity) + R"(","text":)" +
-           JsonString(finding.text) + R"(,"rule":")" + rule.name + "\"}\n";
+    if (finding.place.offset.has_value()) object["offset"] = *finding.place.offset;
+    object["severity"] = Name(rule.severity);
+    object["text"] = finding.text;
+    object["rule"] = rule.name;
+    return JsonLine(object);
 }
 
 }  // namespace
@@ -88,17 +89,27 @@ bool AnyAtOrAbove(const std::vector<Finding>& findings, Severity severity) {
 std::string Print(const std::vector<Finding>& findings, Format format) {
     std::string lines;
     for (const Finding& finding : findings) {
-        lines += format == Format::kJson ? JsonLine(finding)
+        lines += format == Format::kJson ? JsonFinding(finding)
                                          : Line(finding, format == Format::kColouredText);
     }
     return lines;
 }
 
-bool MayColour(int descriptor) {
+Findings::Rules RulesOf(const std::vector<std::string>& names) {
+    Findings::Rules rules;
+    for (const std::string& name : names)
+        rules.set(Index(*FindRule(name)));
+    return rules;
+}
+
+Format FormatOf(const std::string& name, int descriptor) {
+    if (name == "json") return Format::kJson;
+
     const char* const noColour = std::getenv("NO_COLOR");
     const char* const terminal = std::getenv("TERM");
-    return isatty(descriptor) != 0 && (noColour == nullptr || *noColour == '\0') &&
-           (terminal == nullptr || std::string_view(terminal) != "dumb");
+    const bool mayColour = isatty(descriptor) != 0 && (noColour == nullptr || *noColour == '\0') &&
+                           (terminal == nullptr || std::string_view(terminal) != "dumb");
+    return mayColour ? Format::kColouredText : Format::kText;
 }
 
 }  // namespace tool

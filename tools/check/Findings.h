@@ -56,7 +56,10 @@ bool AnyAtOrAbove(const std::vector<Finding>& findings, Severity severity);
 // One line each, in text "PLACE: SEVERITY: TEXT [RULE]".
 std::string Print(const std::vector<Finding>& findings, Format format);
 
-// Whether a message to the descriptor may be coloured: a terminal, and NO_COLOR is not set.
-bool MayColour(int descriptor);
+// The rules of these names, which exist.
+Findings::Rules RulesOf(const std::vector<std::string>& names);
+// The form of this name, "text" or "json". Text is coloured where the descriptor is a terminal and
+// NO_COLOR is not set.
+Format FormatOf(const std::string& name, int descriptor);
 
 }  // namespace tool

@@ -2,6 +2,7 @@
 
 #include "tools/base/Content.h"
 #include "tools/base/Files.h"
+#include "tools/base/Json.h"
 #include "tools/verbs/Verbs.h"
 
 namespace tool {
@@ -40,19 +41,21 @@ std::string Line(const Entry* before, const Entry* after, bool json) {
         if (after != nullptr) line += ShowEntry(*after);
         return line + '\n';
     }
-    std::string line = std::string(R"({"change":")") + what + '"';
-    line +=
-        named.keyed ? R"(,"key":)" + JsonKey(named.key) : R"(,"id":)" + std::to_string(named.id);
-    const auto add = [&line](const char* when, const Entry* entry) {
+    Json object{{"change", what}};
+    if (named.keyed) {
+        PutKey(object, "key", named.key);
+    } else {
+        object["id"] = named.id;
+    }
+    const auto put = [&object](const std::string& when, const Entry* entry) {
         if (entry == nullptr) return;
-        line += std::string(",\"") + when + "\":" + JsonString(UnitsOf(entry->value));
+        PutText(object, when, UnitsOf(entry->value));
         if (entry->accelerator.IsEmpty()) return;
-        line +=
-            std::string(",\"") + when + "Accelerator\":" + JsonString(UnitsOf(entry->accelerator));
+        PutText(object, when + "Accelerator", UnitsOf(entry->accelerator));
     };
-    add("old", before);
-    add("new", after);
-    return line + "}\n";
+    put("old", before);
+    put("new", after);
+    return JsonLine(object);
 }
 
 using Differences = std::map<Identity, std::pair<const Entry*, const Entry*>>;
@@ -77,13 +80,14 @@ Differences Differ(const Content& before, const Content& after) {
 
 }  // namespace
 
-int Compare(const CompareOptions& options) {
-    const Content before = Load(options.before);
-    const Content after = Load(options.after);
+int Compare(const Arguments& arguments) {
+    const bool json = arguments.Get("format") == "json";
+    const Content before = Load(arguments.operands[0]);
+    const Content after = Load(arguments.operands[1]);
     const Differences differences = Differ(before, after);
     std::string output;
     for (const auto& [name, entries] : differences)
-        output += Line(entries.first, entries.second, options.json);
+        output += Line(entries.first, entries.second, json);
     WriteStandardOutput(output);
     return differences.empty() ? kSuccess : kDifference;
 }

@@ -18,16 +18,14 @@ using lexon_private::Dictionary;
 using lexon_private::EntryView;
 
 // Prints what is wrong with the file; true when it may be compiled all the same.
-bool Passes(const std::string& name, const std::string& bytes, const CompileOptions& options) {
-    Findings findings(options.disabled);
+bool Passes(const std::string& name, const std::string& bytes, const Arguments& arguments) {
+    Findings findings(RulesOf(arguments.All("disable")));
     CheckFile(name, bytes, findings);
     auto found = findings.Take();
     std::erase_if(found, [](const Finding& finding) {
         return Info(finding.rule).severity < Severity::kWarning;
     });
-    std::cerr << Print(found, options.json               ? Format::kJson
-                              : MayColour(STDERR_FILENO) ? Format::kColouredText
-                                                         : Format::kText);
+    std::cerr << Print(found, FormatOf(arguments.Get("format"), STDERR_FILENO));
     return !AnyAtOrAbove(found, Severity::kError);
 }
 
@@ -127,14 +125,25 @@ private:
     std::string lastName;
 };
 
+lexon::EndianT OrderOf(const std::string& name) {
+    return name == "big"    ? lexon::EndianT::kBig
+           : name == "host" ? lexon::EndianT::kHost
+                            : lexon::EndianT::kLittle;
+}
+
 }  // namespace
 
-int Compile(const CompileOptions& options) {
+int Compile(const Arguments& arguments) {
+    const std::string& output = arguments.Get("output");
+    if (output.empty()) throw UsageFailure("--output is required");
+    const std::uint32_t idBase = arguments.Number("id-base").value_or(0);
+    const bool noKeys = arguments.Has("no-keys");
+    const std::string& locale = arguments.Get("locale");
     Merge merge;
     bool good = true;
-    for (const std::string& name : options.files) {
+    for (const std::string& name : arguments.operands) {
         const std::string bytes = ReadInput(name);
-        if (!Passes(name, bytes, options)) {
+        if (!Passes(name, bytes, arguments)) {
             good = false;
         } else if (good) {
             merge.Add(name, bytes);
@@ -142,20 +151,20 @@ int Compile(const CompileOptions& options) {
     }
     if (!good) return kDifference;
 
-    if (!options.noKeys) merge.RefuseMixed();
-    if (!options.locale.empty()) merge.Result().Locale(options.locale.c_str());
+    if (!noKeys) merge.RefuseMixed();
+    if (!locale.empty()) merge.Result().Locale(locale.c_str());
     std::ostringstream image;
     {
-        const Progress progress("writing", options.output);
-        merge.Result().Serialize(
-            image, options.noKeys ? lexon::SaveType::kBinaryNoKeys : lexon::SaveType::kBinary,
-            nullptr, options.order, options.idBase);
+        const Progress progress("writing", output);
+        merge.Result().Serialize(image,
+                                 noKeys ? lexon::SaveType::kBinaryNoKeys : lexon::SaveType::kBinary,
+                                 nullptr, OrderOf(arguments.Get("endian")), idBase);
     }
     if (!image) {
-        throw Failure(options.output +
+        throw Failure(output +
                       ": more text than a version 2 file has room for, or than memory has");
     }
-    WriteOutput(options.output, image.view());
+    WriteOutput(output, image.view());
     return kSuccess;
 }
 

@@ -3,6 +3,7 @@
 #include "tools/base/Content.h"
 #include "tools/base/EntryLine.h"
 #include "tools/base/Files.h"
+#include "tools/base/Json.h"
 #include "tools/base/Progress.h"
 #include "tools/verbs/Verbs.h"
 
@@ -21,9 +22,9 @@ std::string HeaderText(const Content& content) {
 }
 
 std::string HeaderJson(const Content& content) {
-    return R"({"form":)" + JsonString(content.form) + R"(,"locale":)" + JsonString(content.locale) +
-           R"(,"idBase":)" + std::to_string(content.idBase) + R"(,"entries":)" +
-           std::to_string(content.entries.size()) + "}\n";
+    Json object{{"form", content.form}, {"locale", content.locale}, {"idBase", content.idBase}};
+    object["entries"] = content.entries.size();
+    return JsonLine(object);
 }
 
 // What dump writes compiles back to the same dictionary.
@@ -42,28 +43,26 @@ std::string TextLine(const Entry& entry) {
     return Utf8(EntryLine(entry.key, UnitsOf(entry.value))) + '\n';
 }
 
-std::string JsonLine(const Entry& entry) {
-    std::string line = "{";
-    if (entry.keyed) line += R"("key":)" + JsonKey(entry.key) + ',';
-    line +=
-        R"("id":)" + std::to_string(entry.id) + R"(,"value":)" + JsonString(UnitsOf(entry.value));
-    if (!entry.accelerator.IsEmpty()) {
-        line += R"(,"accelerator":)" + JsonString(UnitsOf(entry.accelerator));
-    }
-    return line + "}\n";
+std::string JsonEntry(const Entry& entry) {
+    Json object;
+    if (entry.keyed) PutKey(object, "key", entry.key);
+    object["id"] = entry.id;
+    PutText(object, "value", UnitsOf(entry.value));
+    if (!entry.accelerator.IsEmpty()) PutText(object, "accelerator", UnitsOf(entry.accelerator));
+    return JsonLine(object);
 }
 
-std::string Lines(const Content& content, const DumpOptions& options) {
+std::string Lines(const Content& content, bool json, bool header) {
     std::string lines;
-    if (options.header && options.json) lines = HeaderJson(content);
+    if (header && json) lines = HeaderJson(content);
     // A line of its own would be an entry; what stands ahead of the quotation mark is a comment.
-    if (options.header && !options.json && !content.entries.empty()) {
+    if (header && !json && !content.entries.empty()) {
         lines = HeaderText(content) + ": ";
     }
-    Progress progress("dumping", options.file, content.entries.size());
+    Progress progress("dumping", content.name, content.entries.size());
     std::uint64_t done = 0;
     for (const Entry& entry : content.entries) {
-        lines += options.json ? JsonLine(entry) : TextLine(entry);
+        lines += json ? JsonEntry(entry) : TextLine(entry);
         progress.Reach(++done);
     }
     return lines;
@@ -71,12 +70,13 @@ std::string Lines(const Content& content, const DumpOptions& options) {
 
 }  // namespace
 
-int Dump(const DumpOptions& options) {
-    Content content = Load(options.file);
+int Dump(const Arguments& arguments) {
+    const bool json = arguments.Get("format") == "json";
+    Content content = Load(arguments.operands.front());
     if (!content.tooLong.empty()) throw Failure(content.tooLong);
-    if (!options.json) RefuseWhatTextCannotHold(content);
-    if (options.sort) std::ranges::stable_sort(content.entries, {}, &Entry::key);
-    WriteOutput(options.output, Lines(content, options));
+    if (!json) RefuseWhatTextCannotHold(content);
+    if (arguments.Has("sort")) std::ranges::stable_sort(content.entries, {}, &Entry::key);
+    WriteOutput(arguments.Get("output"), Lines(content, json, arguments.Has("header")));
     return kSuccess;
 }
 

@@ -11,6 +11,11 @@ namespace {
 
 using lexon_private::Dictionary;
 
+struct Replacement {
+    std::string name;  // a digit, or the name of a parameter tag
+    std::string text;
+};
+
 // What the dictionary does with the entries of a file.
 enum class Effect : std::uint8_t {
     kReplaces,  // its texts replace those of earlier files
@@ -156,21 +161,25 @@ void Replace(Text& text, const Replacement& replacement) {
 
 class Query {
 public:
-    explicit Query(const LookupOptions& lookup) : options(lookup) {
-        for (const std::string& name : options.files)
-            files.Add(name, options.id);
-        if (options.main.empty()) return;
-        main.Add(options.main, options.id);
+    // `asked` is the id to look up, if there is one in place of a key.
+    Query(const std::vector<std::string>& names, const std::string& nameOfMain,
+          std::optional<std::uint32_t> asked)
+        : id(asked) {
+        for (const std::string& name : names)
+            files.Add(name, id);
+        if (nameOfMain.empty()) return;
+        main.Add(nameOfMain, id);
         main.Get().SetAsMain();
     }
 
-    int Run() {
-        Text answer = options.id.has_value() ? AnswerId(*options.id) : AnswerKey(options.key);
-        for (const Replacement& replacement : options.replacements)
+    // `key` plays no part where an id is asked for.
+    int Run(const std::string& key, const std::vector<Replacement>& replacements, bool explain) {
+        Text answer = id.has_value() ? AnswerId(*id) : AnswerKey(key);
+        for (const Replacement& replacement : replacements)
             Replace(answer, replacement);
         std::string output;
         if (found || !answer.IsEmpty()) output = Utf8(UnitsOf(answer)) + '\n';
-        if (options.explain) output += explanation;
+        if (explain) output += explanation;
         WriteStandardOutput(output);
         return found ? kSuccess : kDifference;
     }
@@ -187,19 +196,19 @@ private:
         return files.Get().Lookup(asked.c_str(), nullptr);
     }
 
-    Text AnswerId(std::uint32_t id) {
-        const bool here = files.Get().ValidId(id);
-        found = here || main.Get().ValidId(id);
-        explanation = "id " + std::to_string(id) + ": ";
-        explanation += here    ? files.ExplainId(id, "")
-                       : found ? main.ExplainId(id, kInMain)
+    Text AnswerId(std::uint32_t asked) {
+        const bool here = files.Get().ValidId(asked);
+        found = here || main.Get().ValidId(asked);
+        explanation = "id " + std::to_string(asked) + ": ";
+        explanation += here    ? files.ExplainId(asked, "")
+                       : found ? main.ExplainId(asked, kInMain)
                                : "no entry has it\n";
-        return files.Get().Lookup(id, nullptr);
+        return files.Get().Lookup(asked, nullptr);
     }
 
     static constexpr char kInMain[] = " in the main dictionary";
 
-    const LookupOptions& options;
+    std::optional<std::uint32_t> id;
     Loaded files;
     Loaded main;
     std::string explanation;
@@ -208,6 +217,24 @@ private:
 
 }  // namespace
 
-int Lookup(const LookupOptions& options) { return Query(options).Run(); }
+int Lookup(const Arguments& arguments) {
+    const std::optional<std::uint32_t> id = arguments.Number("id");
+    std::vector<std::string> files = arguments.operands;
+    std::string key;
+    if (!id.has_value()) {
+        if (files.size() < 2) throw UsageFailure("KEY is required");
+        key = files.back();
+        files.pop_back();
+    }
+    std::vector<Replacement> replacements;
+    for (const std::string& given : arguments.All("replace")) {
+        const std::size_t equals = given.find('=');
+        if (equals == 0 || equals == std::string::npos) {
+            throw UsageFailure("--replace: N=TEXT is expected, not " + given);
+        }
+        replacements.push_back({given.substr(0, equals), given.substr(equals + 1)});
+    }
+    return Query(files, arguments.Get("main"), id).Run(key, replacements, arguments.Has("explain"));
+}
 
 }  // namespace tool

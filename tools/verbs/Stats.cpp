@@ -13,12 +13,12 @@ namespace tool {
 namespace {
 
 using lexon_private::kHashBucketCount;
-using Values = std::map<std::string, Text>;
+using Texts = std::map<std::string, Text>;
 
-template <class... Arguments>
-std::string Formatted(const char* format, Arguments... arguments) {
+template <class... Values>
+std::string Formatted(const char* format, Values... values) {
     char text[256];
-    std::snprintf(text, sizeof text, format, arguments...);
+    std::snprintf(text, sizeof text, format, values...);
     return text;
 }
 
@@ -55,7 +55,7 @@ std::string Occupancy(const Content& content) {
     return text;
 }
 
-std::string Translated(const Content& content, const Values& reference) {
+std::string Translated(const Content& content, const Texts& reference) {
     std::size_t translated = 0;
     std::size_t same = 0;
     for (const Entry& entry : content.entries) {
@@ -86,17 +86,18 @@ std::string Describe(const Content& content) {
 
 }  // namespace
 
-int Stats(const StatsOptions& options) {
-    Values reference;
-    if (!options.reference.empty()) {
-        for (Entry& entry : Load(options.reference).entries) {
+int Stats(const Arguments& arguments) {
+    const std::string& referenceName = arguments.Get("reference");
+    Texts reference;
+    if (!referenceName.empty()) {
+        for (Entry& entry : Load(referenceName).entries) {
             if (entry.keyed) reference.emplace(std::move(entry.key), std::move(entry.value));
         }
     }
-    for (const std::string& name : options.files) {
+    for (const std::string& name : arguments.operands) {
         const Content content = Load(name);
         std::string text = Describe(content);
-        if (!options.reference.empty()) text += Translated(content, reference);
+        if (!referenceName.empty()) text += Translated(content, reference);
         WriteStandardOutput(text);
     }
     return kSuccess;

@@ -31,26 +31,29 @@ bool IsTranslation(const std::string& name, const std::string& reference) {
 
 }  // namespace
 
-int Check(const CheckOptions& options) {
-    if (options.listRules) return ListRules();
-    const Format format = options.json               ? Format::kJson
-                          : MayColour(STDOUT_FILENO) ? Format::kColouredText
-                                                     : Format::kText;
+int Check(const Arguments& arguments) {
+    if (arguments.Has("list-rules")) return ListRules();
+    if (arguments.operands.empty()) throw UsageFailure("FILE is required");
+    const Format format = FormatOf(arguments.Get("format"), STDOUT_FILENO);
+    const Findings::Rules disabled = RulesOf(arguments.All("disable"));
+    const Severity failOn =
+        arguments.Get("fail-on") == "warning" ? Severity::kWarning : Severity::kError;
+    const std::string& referenceName = arguments.Get("reference");
     CheckedFile reference;
     Findings ofReference;
-    if (!options.reference.empty()) {
-        reference = CheckUsable(options.reference, ReadInput(options.reference), ofReference);
+    if (!referenceName.empty()) {
+        reference = CheckUsable(referenceName, ReadInput(referenceName), ofReference);
     }
     bool failed = false;
-    for (const std::string& name : options.files) {
-        Findings findings(options.disabled);
+    for (const std::string& name : arguments.operands) {
+        Findings findings(disabled);
         const CheckedFile file = CheckFile(name, ReadInput(name), findings);
-        if (file.usable && IsTranslation(name, options.reference)) {
+        if (file.usable && IsTranslation(name, referenceName)) {
             CheckAgainst(file, reference, ofReference, findings);
         }
         const std::vector<Finding> found = findings.Take();
         WriteStandardOutput(Print(found, format));
-        failed |= AnyAtOrAbove(found, options.failOn);
+        failed |= AnyAtOrAbove(found, failOn);
     }
     return failed ? kDifference : kSuccess;
 }

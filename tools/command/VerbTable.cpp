@@ -1,0 +1,173 @@
+#include "tools/command/VerbTable.h"
+
+#include <algorithm>
+
+#include "tools/base/Encodings.h"
+#include "tools/check/Rules.h"
+#include "tools/verbs/Verbs.h"
+
+namespace tool {
+
+namespace {
+
+std::vector<std::string> RuleNames() {
+    std::vector<std::string> names;
+    std::ranges::transform(AllRules(), std::back_inserter(names), &RuleInfo::name);
+    return names;
+}
+
+// Options that mean the same wherever they stand.
+
+OptionInfo Format(std::vector<std::string> choices, const std::string& help) {
+    return {.name = "format",
+            .takes = Takes::kChoice,
+            .value = "FORM",
+            .help = help,
+            .choices = std::move(choices),
+            .fallback = "text"};
+}
+
+// Without a fallback the option is required.
+OptionInfo Output(const std::string& help, const std::string& fallback = {}) {
+    return {.name = "output",
+            .letter = 'o',
+            .takes = Takes::kFile,
+            .value = "OUT",
+            .help = help,
+            .fallback = fallback};
+}
+
+OptionInfo Reference() {
+    return {.name = "reference",
+            .takes = Takes::kFile,
+            .value = "FILE",
+            .help = "The dictionary that the files translate"};
+}
+
+OptionInfo Disable() {
+    return {.name = "disable",
+            .takes = Takes::kChoices,
+            .value = "RULE,...",
+            .help = "Rules of \"check --list-rules\" to leave out; may be given again",
+            .choices = RuleNames()};
+}
+
+OptionInfo Encoding() {
+    return {.name = "encoding",
+            .takes = Takes::kChoice,
+            .value = "NAME",
+            .help = "The encoding of 8-bit files that do not name their own",
+            .choices = EncodingNames(),
+            .fallback = kDefaultEncoding};
+}
+
+const OperandInfo kFiles{.name = "FILE", .repeated = true};
+
+std::vector<VerbInfo> MakeVerbs() {
+    std::vector<VerbInfo> verbs = {
+        {.name = "check",
+         .operands = {{.name = "FILE", .optional = true, .repeated = true}},
+         .help = "Find what the loader would trip over or silently change",
+         .example = "wordlex check --reference=en.txt de.txt fr.txt",
+         .options = {Reference(),
+                     {.name = "fail-on",
+                      .takes = Takes::kChoice,
+                      .value = "SEVERITY",
+                      .help = "The least finding that makes the exit code 1",
+                      .choices = {"error", "warning"},
+                      .fallback = "error"},
+                     Disable(),
+                     Format({"text", "json"}, "Findings for people or for programs"),
+                     {.name = "list-rules", .help = "Print the rules and exit"}},
+         .run = Check},
+        {.name = "compile",
+         .operands = {kFiles},
+         .help = "Merge dictionaries into a binary one",
+         .example = "wordlex compile de.txt -o wdictionary.dat --locale=de",
+         .options = {Output("The binary dictionary; required"),
+                     {.name = "endian",
+                      .takes = Takes::kChoice,
+                      .value = "ORDER",
+                      .help = "The byte order of the output",
+                      .choices = {"little", "big", "host"},
+                      .fallback = "little"},
+                     {.name = "locale",
+                      .takes = Takes::kText,
+                      .value = "NAME",
+                      .help = "The locale of the output"},
+                     {.name = "id-base",
+                      .takes = Takes::kText,
+                      .value = "N",
+                      .help = "The id of the first entry"},
+                     {.name = "no-keys", .help = "Leave the keys out"},
+                     Disable(),
+                     Format({"text", "json"}, "Findings for people or for programs")},
+         .run = Compile},
+        {.name = "dump",
+         .operands = {{.name = "FILE"}},
+         .help = "Write a dictionary as text that compiles back to it",
+         .example = "wordlex dump --sort wdictionary.dat -o de.txt",
+         .options = {Output("The text", "-"),
+                     Format({"text", "json"}, "A text dictionary, or one JSON object a line"),
+                     {.name = "header",
+                      .help = "Begin with version, locale, id base and number of entries"},
+                     {.name = "sort", .help = "Order the entries by key"}},
+         .run = Dump},
+        {.name = "compare",
+         .operands = {{.name = "OLD"}, {.name = "NEW"}},
+         .help = "Report the keys added, removed and changed",
+         .example = "wordlex compare old.dat de.txt",
+         .options = {Format({"text", "json"}, "Differences for people or for programs")},
+         .run = Compare},
+        {.name = "lookup",
+         .operands = {kFiles, {.name = "KEY", .optional = true}},
+         .help = "Answer a key as the application would",
+         .example = "wordlex lookup de.txt '$$$/Saved' --replace 1=Photos",
+         .options = {{.name = "id",
+                      .takes = Takes::kText,
+                      .value = "N",
+                      .help = "Look up this id; there is no KEY then"},
+                     {.name = "main",
+                      .takes = Takes::kFile,
+                      .value = "FILE",
+                      .help = "The main dictionary, asked when the files lack the key"},
+                     {.name = "replace",
+                      .takes = Takes::kText,
+                      .value = "N=TEXT",
+                      .help = "Put TEXT in place of marker ^N, or of the parameter named N; may be "
+                              "given again"},
+                     {.name = "explain", .help = "Report where the answer came from"}},
+         .run = Lookup},
+        {.name = "stats",
+         .operands = {kFiles},
+         .help = "Count entries, bytes and buckets",
+         .example = "wordlex stats --reference=en.txt de.txt",
+         .options = {Reference()},
+         .run = Stats},
+        {.name = "completions",
+         .operands = {{.name = "SHELL", .choices = {"bash", "zsh", "fish"}}},
+         .help = "Write the completions of this command for a shell",
+         .example = "wordlex completions fish >~/.config/fish/completions/wordlex.fish",
+         .options = {Output("The completions", "-")},
+         .run = Completions},
+    };
+    for (VerbInfo& verb : verbs) {
+        verb.options.push_back(Encoding());
+        verb.options.push_back({.name = "help", .letter = 'h', .help = "Print this help and exit"});
+    }
+    return verbs;
+}
+
+}  // namespace
+
+const std::vector<VerbInfo>& Verbs() {
+    static const std::vector<VerbInfo> verbs = MakeVerbs();
+    return verbs;
+}
+
+const VerbInfo* FindVerb(std::string_view name) {
+    const auto found = std::ranges::find(Verbs(), name, &VerbInfo::name);
+    return found == Verbs().end() ? nullptr : &*found;
+}
+
+}  // namespace tool
