@@ -6,14 +6,14 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "wordlex/functionality/DictionaryEntry.h"
+#include "wordlex/functionality/Escapes.h"
 
 namespace tool {
 
 namespace {
 
 using lexon_private::ControlWord;
-using lexon_private::DictionaryEntry;
+using lexon_private::Escapes;
 
 constexpr std::string_view kName = "wordlex:";
 constexpr std::string_view kBlanks = " \t";
@@ -157,8 +157,7 @@ std::string WithMarks(std::string_view comment, const Annotations& marks) {
 
 std::string ReferenceDigest(Units written) {
     SectionObserver observer;
-    const auto converted = DictionaryEntry::ConvertEscapeSequences(
-        written.data(), static_cast<unsigned long>(written.size()), observer);
+    const auto converted = Escapes::Convert(written, observer);
     const std::string text = Utf8(observer.hasSections ? written : UnitsOf(converted));
     char digits[kDigestLength + 1];
     std::snprintf(digits, sizeof digits, "%06x",
