@@ -5,6 +5,7 @@
 #include "tools/base/Files.h"
 #include "tools/base/TextScanner.h"
 #include "wordlex/functionality/Dictionary.h"
+#include "wordlex/functionality/Escapes.h"
 #include "wordlex/functionality/UnicodeUtil.h"
 
 namespace tool {
@@ -116,9 +117,7 @@ std::optional<std::size_t> TextDocument::Find(std::string_view key) const {
 }
 
 Text TextDocument::Converted(const Line& line) const {
-    const Units written = Value(line);
-    const auto converted = lexon_private::DictionaryEntry::ConvertEscapeSequences(
-        written.data(), static_cast<unsigned long>(written.size()));
+    const auto converted = lexon_private::Escapes::Convert(Value(line));
     return {converted.GetData(), converted.GetLength()};
 }
 
@@ -166,6 +165,7 @@ void TextDocument::SetValue(const Line& line, Units written) {
 }
 
 void TextDocument::SetComment(const Line& line, Part part, std::string_view utf8) {
+    if (Comment(line, part) == utf8) return;
     Replace(line, part, Encoded(UnitsOf(FromUtf8(utf8))));
 }
 

@@ -16,5 +16,6 @@ int Completions(const Arguments& arguments);
 int Dump(const Arguments& arguments);
 int Lookup(const Arguments& arguments);
 int Stats(const Arguments& arguments);
+int Update(const Arguments& arguments);
 
 }  // namespace tool

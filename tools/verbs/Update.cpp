@@ -1,0 +1,297 @@
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <iostream>
+#include <vector>
+
+#include "tools/base/Annotations.h"
+#include "tools/base/Files.h"
+#include "tools/base/Progress.h"
+#include "tools/base/TextDocument.h"
+#include "tools/verbs/Verbs.h"
+#include "wordlex/functionality/BinaryHeader.h"
+
+namespace tool {
+
+namespace {
+
+namespace fs = std::filesystem;
+using Line = TextDocument::Line;
+
+constexpr std::string_view kStandardStream = "-";
+constexpr std::string_view kObsolete = ".obsolete";
+
+// "de.txt" -> "de.obsolete.txt"
+std::string ObsoleteName(const fs::path& name) {
+    return (name.parent_path() / name.stem()).string() + std::string(kObsolete) +
+           name.extension().string();
+}
+
+bool IsObsoleteName(const fs::path& name) { return name.stem().extension() == kObsolete; }
+
+// Refuses a file of which the loader would not have every line: an update of what it has would take
+// the rest for keys that are missing.
+TextDocument ReadDocument(const std::string& name) {
+    std::string bytes = ReadInput(name);
+    if (lexon_private::HasBinaryMagic(bytes.data(), bytes.size())) {
+        throw Failure(name + ": a binary dictionary; update needs the text that it was made from");
+    }
+    TextDocument document(std::move(bytes));
+    for (const Line& line : document.Lines()) {
+        const std::string place = name + ':' + std::to_string(line.number) + ": ";
+        if (line.kind == TextDocument::Kind::kLost) {
+            throw Failure(place + "these bytes are not text of the encoding; give its --encoding");
+        }
+        if (line.kind == TextDocument::Kind::kMalformed) {
+            throw Failure(place + "the key begins with \"$\" but not with \"$$$\"; write \"$$$\"");
+        }
+    }
+    if (!document.IsComplete()) {
+        throw Failure(name + ": a zero ends the file early; run wordlex check for the place");
+    }
+    return document;
+}
+
+// The texts that translations are updated to, with their digests.
+class Reference {
+public:
+    explicit Reference(const std::string& name) : document(ReadDocument(name)) {
+        for (const Line& line : document.Lines())
+            digests.push_back(ReferenceDigest(document.Value(line)));
+    }
+
+    const TextDocument& Document() const { return document; }
+    const std::string& Digest(std::size_t line) const { return digests[line]; }
+
+private:
+    TextDocument document;
+    std::vector<std::string> digests;  // of the lines
+};
+
+// A line of its own: comment, entry in quotation marks, comment.
+std::vector<unsigned short> MakeLine(Units before, Units entry, Units after) {
+    std::vector<unsigned short> line(before.begin(), before.end());
+    line.push_back(u'"');
+    line.insert(line.end(), entry.begin(), entry.end());
+    line.push_back(u'"');
+    line.insert(line.end(), after.begin(), after.end());
+    return line;
+}
+
+class Updater {
+public:
+    Updater(const Reference& updateTo, std::string fileName)
+        : reference(updateTo),
+          name(std::move(fileName)),
+          obsoleteName(ObsoleteName(name)),
+          document(ReadDocument(name)),
+          obsolete(name != kStandardStream && fs::exists(obsoleteName) ? ReadDocument(obsoleteName)
+                                                                       : document.EmptyLikeThis()) {
+        MoveGone();
+        obsoleteWithGone = obsolete.Bytes();
+        UpdatePresent();
+    }
+
+    bool Changes() const { return document.HasEdits() || obsolete.HasEdits(); }
+
+    // Whatever interrupts it, an entry that moves is in one of the files or in both.
+    void Write() const {
+        if (name == kStandardStream) return WriteStandard();
+        if (counts[kGone] != 0) WriteOutput(obsoleteName, obsoleteWithGone);
+        if (document.HasEdits()) WriteOutput(name, document.Bytes());
+        if (counts[kRestored] == 0) return;
+        const std::string left = obsolete.Bytes();
+        if (TextDocument(left).Lines().empty()) {
+            fs::remove(obsoleteName);
+        } else {
+            WriteOutput(obsoleteName, left);
+        }
+    }
+
+    // A filter has no place for entries that go.
+    void WriteStandard() const {
+        if (counts[kGone] != 0) {
+            throw Failure("standard input: " + std::to_string(counts[kGone]) +
+                          " entries are obsolete; give a file, so that they can be kept beside it");
+        }
+        WriteStandardOutput(document.Bytes());
+    }
+
+    // "FILE: 2 added, 1 stale"
+    std::string Summary() const {
+        static constexpr const char* kWhat[] = {"added", "restored", "refreshed",
+                                                "stale", "obsolete", "noted"};
+        static_assert(std::size(kWhat) == kCountedKinds);
+        std::string text;
+        for (std::size_t i = 0; i < kCountedKinds; ++i) {
+            if (counts[i] == 0) continue;
+            text += (text.empty() ? "" : ", ") + std::to_string(counts[i]) + ' ' + kWhat[i];
+        }
+        return name + ": " + (text.empty() ? "up to date" : text) + '\n';
+    }
+
+private:
+    enum Counted { kAdded, kRestored, kRefreshed, kStale, kGone, kNoted, kCountedKinds };
+
+    // A line without both quotation marks is hardly an entry that someone meant to write: it stays.
+    void MoveGone() {
+        for (const Line& line : document.Lines()) {
+            if (!line.quoted || reference.Document().Find(line.key).has_value()) continue;
+            if (const auto old = obsolete.Find(line.key)) {
+                obsolete.Remove(obsolete.Lines()[*old]);  // this text is newer
+            }
+            document.Remove(line);
+            obsolete.Append(MakeLine(document.UnitsOfPart(line, line.before),
+                                     document.UnitsOfPart(line, line.entry),
+                                     document.UnitsOfPart(line, line.after)));
+            ++counts[kGone];
+        }
+    }
+
+    void UpdatePresent() {
+        const TextDocument& wanted = reference.Document();
+        std::vector<std::size_t> missing;  // lines of the reference, since the last one present
+        const Line* before = nullptr;
+        for (std::size_t i = 0; i < wanted.Lines().size(); ++i) {
+            const Line& line = wanted.Lines()[i];
+            if (wanted.Find(line.key) != i) continue;
+            if (const auto at = document.Find(line.key)) {
+                const Line& present = document.Lines()[*at];
+                Insert(missing, before, &present, line.blankBefore);
+                missing.clear();
+                before = &present;
+                if (present.quoted) UpdateLine(present, i);
+            } else if (line.quoted) {
+                missing.push_back(i);
+            }
+        }
+        Insert(missing, before, nullptr, true);
+    }
+
+    // Puts lines of the reference between two lines of the translation that enclose them in the
+    // reference, either of which may be null. They keep the empty lines that separate them there:
+    // what such a line separates from `before`, but none from `after`, goes ahead of `after`.
+    void Insert(const std::vector<std::size_t>& missing, const Line* before, const Line* after,
+                bool blankBeforeAfter) {
+        const auto isBlankBefore = [this](std::size_t i) {
+            return reference.Document().Lines()[i].blankBefore;
+        };
+        std::size_t ofAfter = before == nullptr && after != nullptr ? 0 : missing.size();
+        if (before != nullptr && after != nullptr && !blankBeforeAfter) {
+            const auto last = std::find_if(missing.rbegin(), missing.rend(), isBlankBefore);
+            if (last != missing.rend()) {
+                ofAfter = static_cast<std::size_t>(missing.rend() - last) - 1;
+            }
+        }
+        for (std::size_t i = 0; i < missing.size(); ++i) {
+            const auto line = LineFor(missing[i]);
+            const bool blank =
+                isBlankBefore(missing[i]) && i != ofAfter && (i != 0 || before != nullptr);
+            if (after != nullptr && i >= ofAfter) {
+                if (blank) document.InsertBefore(*after, {});
+                document.InsertBefore(*after, line);
+            } else if (before != nullptr) {
+                if (blank) document.InsertAfter(*before, {});
+                document.InsertAfter(*before, line);
+            } else {
+                if (blank) document.Append({});
+                document.Append(line);
+            }
+        }
+    }
+
+    // The new line of the translation for a line of the reference: one that comes back, or its
+    // text.
+    std::vector<unsigned short> LineFor(std::size_t i) {
+        const Line& wanted = reference.Document().Lines()[i];
+        const Units entry = reference.Document().UnitsOfPart(wanted, wanted.entry);
+        const auto at = obsolete.Find(wanted.key);
+        if (!at.has_value() || !obsolete.Lines()[*at].quoted) {
+            ++counts[kAdded];
+            return MakeLine(
+                {}, entry,
+                UnitsOf(FromUtf8(WithMarks("", {true, false, false, reference.Digest(i), {}}))));
+        }
+        const Line& old = obsolete.Lines()[*at];
+        obsolete.Remove(old);
+        ++counts[kRestored];
+        const Commented now = Compare(obsolete, old, i);
+        return MakeLine(UnitsOf(FromUtf8(now.before)),
+                        now.refreshed ? entry : obsolete.UnitsOfPart(old, old.entry),
+                        UnitsOf(FromUtf8(now.after)));
+    }
+
+    void UpdateLine(const Line& line, std::size_t i) {
+        const Commented now = Compare(document, line, i);
+        if (!now.changed) return;
+        document.SetComment(line, line.before, now.before);
+        document.SetComment(line, line.after, now.after);
+        if (now.refreshed) {
+            document.SetValue(line, reference.Document().Value(reference.Document().Lines()[i]));
+        }
+    }
+
+    // The comments of an entry for the reference of today.
+    struct Commented {
+        std::string before;
+        std::string after;
+        bool changed = false;
+        bool refreshed = false;  // the value was the reference's text and becomes the new one
+    };
+    Commented Compare(const TextDocument& in, const Line& line, std::size_t i) {
+        Commented now{in.Comment(line, line.before), in.Comment(line, line.after)};
+        Annotations marks = ParseAnnotations(now.before, now.after);
+        const std::string& digest = reference.Digest(i);
+        if (marks.from == digest) return now;
+        if (marks.from.empty()) {
+            ++counts[kNoted];
+        } else if (marks.untranslated && ReferenceDigest(in.Value(line)) == marks.from) {
+            ++counts[kRefreshed];
+            now.refreshed = true;
+        } else {
+            ++counts[kStale];
+            marks.stale = true;
+            marks.untranslated = false;
+        }
+        marks.from = digest;
+        now.before = WithMarks(now.before, {});
+        now.after = WithMarks(now.after, marks);
+        now.changed = true;
+        return now;
+    }
+
+    const Reference& reference;
+    std::string name;
+    std::string obsoleteName;
+    TextDocument document;
+    TextDocument obsolete;
+    std::string obsoleteWithGone;  // with what goes, and still with what comes back
+    std::array<std::size_t, kCountedKinds> counts{};
+};
+
+}  // namespace
+
+int Update(const Arguments& arguments) {
+    const std::string& referenceName = arguments.Get("reference");
+    if (referenceName.empty()) throw UsageFailure("--reference is required");
+    const Reference reference(referenceName);
+    const bool onlyCheck = arguments.Has("check");
+    int exitCode = kSuccess;
+    for (const std::string& name : arguments.operands) {
+        std::error_code absent;
+        if (IsObsoleteName(name) || fs::equivalent(name, referenceName, absent)) continue;
+        try {
+            const Progress progress("updating", name);
+            const Updater updater(reference, name);
+            if (!onlyCheck) updater.Write();
+            if (onlyCheck || name != kStandardStream) WriteStandardOutput(updater.Summary());
+            if (onlyCheck && updater.Changes()) exitCode = std::max(exitCode, kDifference);
+        } catch (const Failure& failure) {  // the other files have nothing to do with it
+            std::cerr << "wordlex: " << failure.what() << '\n';
+            exitCode = kFailure;
+        }
+    }
+    return exitCode;
+}
+
+}  // namespace tool
