@@ -61,11 +61,11 @@ struct WORDLEX_CATALOG_API LoadError {
     };
 
     Code code = Code::kMissing;
-    std::filesystem::path file;           // empty for a dictionary in memory
-    std::size_t line = 0;                 // of a text dictionary, from 1; 0: none
-    std::size_t column = 0;               // from 1, in UTF-16 units; 0: none
-    std::optional<std::uint64_t> offset;  // of a binary dictionary, in bytes
-    std::string reason;                   // in English, without the place
+    std::filesystem::path file = {};           // empty for a dictionary in memory
+    std::size_t line = 0;                      // of a text dictionary, from 1; 0: none
+    std::size_t column = 0;                    // from 1, in UTF-16 units; 0: none
+    std::optional<std::uint64_t> offset = {};  // of a binary dictionary, in bytes
+    std::string reason = {};                   // in English, without the place
 
     // One line: "de.txt:3:8: REASON", "de.dat: byte 57: REASON" or "de.dat: REASON".
     std::string Message() const;
@@ -220,7 +220,9 @@ public:
     }
     const Catalog& operator*() const noexcept { return *std::get_if<0>(&content); }  // only if Ok()
     const Catalog* operator->() const noexcept { return std::get_if<0>(&content); }  // null if not
-    const LoadError& Error() const noexcept { return *std::get_if<1>(&content); }    // only if not
+    const LoadError& Error() const& noexcept { return *std::get_if<1>(&content); }   // only if not
+    LoadError&& Error() && noexcept { return std::move(*std::get_if<1>(&content)); }
+
 private:
     std::variant<Catalog, LoadError> content;
 };

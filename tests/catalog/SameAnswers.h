@@ -1,0 +1,95 @@
+#pragma once
+// Holds the catalog and the engine together: for tests and for the fuzzer alike.
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <set>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "wordlex/catalog/Catalog.h"
+#include "wordlex/functionality/Dictionary.h"
+
+namespace catalog_tests {
+
+inline std::span<const std::byte> BytesOf(std::string_view bytes) {
+    return std::as_bytes(std::span(bytes));
+}
+
+// The first question to which the two answer differently; empty when there is none.
+inline std::string Difference(const lexon::Catalog& catalog, lexon_private::Dictionary& engine) {
+    const auto same = [](std::optional<std::u16string_view> text, bool found,
+                         const unsigned short* units, unsigned long length) {
+        return text.has_value() == found &&
+               (!found || std::equal(text->begin(), text->end(), units, units + length));
+    };
+    std::set<std::string> keys = {"$$$", "$$$/nowhere", "$$$=", "$"};
+    unsigned long count = 0;
+    std::uint32_t idsEnd = 0;
+    engine.ForEachEntry([&](const lexon_private::EntryView& entry) {
+        const std::string key(entry.key.begin(), entry.key.end());
+        ++count;
+        idsEnd = entry.id + 1;
+        if (key.find('\0') != std::string::npos) return;  // cannot be asked
+        keys.insert("$$$" + key);
+        keys.insert("$$$" + key + "x");
+    });
+    const bool compact = engine.ReSetKeyEnumeration();
+    for (const std::string& key : keys) {
+        const unsigned short* units = nullptr;
+        unsigned long length = 0;
+        const bool found = engine.LookupReturnUTF16Ptr(key.c_str(), units, length, nullptr);
+        if (!same(catalog.Find(key), found, units, length)) return "text of " + key;
+        const unsigned long id = engine.GetNumericId(key.c_str());
+        if (compact && found && catalog.IdOf(key) != id) return "id of " + key;
+        if (!compact && found &&
+            catalog.KeyOf(catalog.IdOf(key).value()) != key.substr(3, key.find('=') - 3))
+            return "key of " + key;
+    }
+    unsigned long seen = 0;
+    for (const lexon::Entry& entry : catalog.All()) {
+        ++seen;
+        if (entry.text != catalog.Find(entry.id)) return "range at " + std::to_string(entry.id);
+    }
+    if (!compact) {
+        std::set<std::string> distinct;
+        engine.ForEachEntry([&](const lexon_private::EntryView& entry) {
+            distinct.emplace(entry.key.begin(), entry.key.end());
+        });
+        return seen == distinct.size() ? "" : "number of entries";
+    }
+    for (std::uint32_t id = 0; id <= idsEnd; ++id) {
+        const unsigned short* units = nullptr;
+        unsigned long length = 0;
+        const bool found = engine.LookupReturnUTF16Ptr(id, units, length, nullptr);
+        seen -= found;
+        if (!same(catalog.Find(id), found, units, length)) return "text of " + std::to_string(id);
+        lexon_private::Wordlex accelerator = engine.Accelerator(id, nullptr);
+        accelerator.BackDoorGetInternalData(units, length);
+        if (!same(catalog.Accelerator(id), length != 0, units, length))
+            return "accelerator of " + std::to_string(id);
+        const std::unique_ptr<char[]> key(engine.GetStringId(id));
+        const std::string_view text = catalog.KeyOf(id).value_or("");
+        if (text.substr(0, text.find('\0')) != (found && key != nullptr ? key.get() : ""))
+            return "key of " + std::to_string(id);
+    }
+    return seen == 0 ? "" : "number of entries";
+}
+
+// Loads the file into both. What the catalog refuses is a file of which the engine would hold
+// nothing, or would say that it is invalid; unless it is no dictionary at all.
+inline std::string DifferenceOf(const std::string& file) {
+    lexon_private::Dictionary engine;
+    engine.Read(file.data(), static_cast<int>(file.size()), true);
+    const lexon::LoadResult loaded = lexon::Catalog::TryLoad(BytesOf(file));
+    if (loaded.Ok())
+        return engine.IsValid() ? Difference(*loaded, engine) : "loaded what is invalid";
+    if (!engine.IsValid() || engine.NumKeys() == 0 ||
+        loaded.Error().code == lexon::LoadError::Code::kNotADictionary)
+        return "";
+    return "refused: " + loaded.Error().Message();
+}
+
+}  // namespace catalog_tests

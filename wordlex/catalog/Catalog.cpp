@@ -1,0 +1,90 @@
+#include "wordlex/catalog/Catalog.h"
+
+#include "wordlex/catalog/Store.h"
+
+namespace lexon {
+
+using namespace detail;
+
+Catalog::Catalog(std::shared_ptr<const CatalogStore> content) noexcept
+    : store(std::move(content)) {}
+
+std::optional<std::u16string_view> Catalog::Find(std::string_view key) const noexcept {
+    const WrittenKey written(key);
+    if (!written.valid || store == nullptr) return std::nullopt;
+    return store->Find(written.key);
+}
+
+std::u16string Catalog::Text(std::string_view key) const {
+    const WrittenKey written(key);
+    if (!written.valid) return {};
+    if (store != nullptr) {
+        if (const auto text = store->Find(written.key)) return std::u16string(*text);
+    }
+    return ConvertDefaultText(written.defaultText);
+}
+
+std::string Catalog::TextUtf8(std::string_view key) const {
+    if (const auto text = Find(key)) return ToUtf8(*text);
+    return ToUtf8(Text(key));
+}
+
+std::optional<std::u16string_view> Catalog::Find(std::uint32_t id) const noexcept {
+    if (store == nullptr) return std::nullopt;
+    return store->TextOf(id);
+}
+
+std::optional<std::uint32_t> Catalog::IdOf(std::string_view key) const noexcept {
+    const WrittenKey written(key);
+    if (!written.valid || store == nullptr) return std::nullopt;
+    return store->IdOf(written.key);
+}
+
+std::optional<std::string_view> Catalog::KeyOf(std::uint32_t id) const noexcept {
+    if (store == nullptr) return std::nullopt;
+    return store->KeyOf(id);
+}
+
+std::optional<std::u16string_view> Catalog::Accelerator(std::string_view key) const noexcept {
+    const auto id = IdOf(key);
+    return id.has_value() ? Accelerator(*id) : std::nullopt;
+}
+
+std::optional<std::u16string_view> Catalog::Accelerator(std::uint32_t id) const noexcept {
+    if (store == nullptr) return std::nullopt;
+    return store->AcceleratorOf(id);
+}
+
+Catalog::Entries Catalog::All() const noexcept { return Entries(store.get()); }
+
+std::string_view Catalog::Locale() const noexcept {
+    return store == nullptr ? std::string_view() : std::string_view(store->locale);
+}
+
+std::span<const LoadWarning> Catalog::Warnings() const noexcept {
+    if (store == nullptr) return {};
+    return store->warnings;
+}
+
+Catalog::Entries::Iterator Catalog::Entries::begin() const noexcept {
+    Iterator first(store, 0);
+    first.SkipDead();
+    return first;
+}
+
+Catalog::Entries::Iterator Catalog::Entries::end() const noexcept {
+    return {store, store == nullptr ? 0 : store->entryCount};
+}
+
+void Catalog::Entries::Iterator::SkipDead() noexcept {
+    while (store != nullptr && id < store->entryCount && !store->Has(id))
+        ++id;
+}
+
+Entry Catalog::Entries::Iterator::operator*() const noexcept {
+    return {id, store->KeyOf(id).value_or(std::string_view()),
+            store->TextOf(id).value_or(std::u16string_view()),
+            store->AcceleratorOf(id).value_or(std::u16string_view())};
+}
+
+}  // namespace lexon

@@ -1,0 +1,157 @@
+#include "wordlex/catalog/IndexSection.h"
+
+#include <bit>
+#include <concepts>
+
+#include "wordlex/catalog/ImageFile.h"
+
+namespace lexon::detail {
+
+namespace {
+
+// On disk: never change.
+constexpr std::string_view kMagic = "WlxIndex";
+constexpr std::uint32_t kVersion = 1;
+constexpr std::uint32_t kMostProbes = 64;  // a reader gives up after them
+constexpr std::uint32_t kSeeds = 16;       // tried by the writer
+struct Fixed {
+    std::uint32_t version;
+    std::uint32_t seed;
+    std::uint32_t slotCount;
+    std::uint32_t longestProbe;
+    std::uint64_t textsAt;  // in the file; even, as is the next one
+    std::uint64_t acceleratorTextsAt;
+    std::uint64_t acceleratorsAt;  // their number, in the image
+};
+static_assert(sizeof(Fixed) == 40 && sizeof(Slot) == 24);
+static_assert(kMagic.size() + sizeof(std::uint64_t) == kIndexTrailerSize);
+
+class Writer {
+public:
+    explicit Writer(bool swapBytes) noexcept : swap(swapBytes) {}
+
+    template <std::unsigned_integral... T>
+    void Put(T... values) {
+        (PutOne(values), ...);
+    }
+    void PutUnits(Bytes units) {
+        for (std::size_t at = 0; at + 2 <= units.size(); at += 2)
+            Put(LoadAt<std::uint16_t>(units, at));
+    }
+    std::string out;
+
+private:
+    template <class T>
+    void PutOne(T value) {
+        if (swap) value = lexon_private::ByteSwap(value);
+        out.append(reinterpret_cast<const char*>(&value), sizeof value);
+    }
+    bool swap;
+};
+
+OwnedBytes CopyOf(std::string_view image) {
+    auto block = std::make_unique_for_overwrite<std::byte[]>(image.size());
+    std::memcpy(block.get(), image.data(), image.size());
+    const std::span<std::byte> bytes(block.get(), image.size());
+    return {std::move(block), bytes};
+}
+
+}  // namespace
+
+std::string MakeIndexSection(std::string_view image) {
+    ImageParts parts;
+    std::shared_ptr<CatalogStore> store;
+    std::uint32_t seed = 0;
+    do {
+        if (seed == kSeeds) return {};
+        parts = {};
+        store = LoadImage(CopyOf(image), seed++, parts);
+    } while (store->index.longestProbe > kMostProbes);
+
+    // The texts themselves where they lie at even offsets of the file, else a copy.
+    const Index& index = store->index;
+    ImageParts inFile;
+    {
+        lexon_private::ImageReader reader = ReaderOf(std::as_bytes(std::span(image)));
+        inFile.ReadHead(reader);
+        inFile.ReadSlots(reader);
+        inFile.ReadAccelerators(reader);
+    }
+    const auto offsetOf = [&](Bytes part) {
+        return static_cast<std::uint64_t>(reinterpret_cast<const char*>(part.data()) -
+                                          image.data());
+    };
+    std::uint64_t textsAt = offsetOf(inFile.texts.area);
+    std::uint64_t acceleratorTextsAt =
+        inFile.acceleratorCount == 0 ? 0 : offsetOf(inFile.accelerators.area);
+    const std::uint64_t sectionAt = (image.size() + 3) / 4 * 4;
+    Writer writer(lexon_private::setEndian(inFile.header.order));
+    const std::uint64_t copiesAt = sectionAt + sizeof(Fixed) + index.slots.size();
+    Bytes textCopy;
+    Bytes acceleratorCopy;
+    if (textsAt % 2 != 0) {
+        textCopy = store->texts.area;
+        textsAt = copiesAt;
+    }
+    if (acceleratorTextsAt % 2 != 0) {
+        acceleratorCopy = store->accelerators.area;
+        acceleratorTextsAt = copiesAt + textCopy.size();
+    }
+
+    writer.out.append(sectionAt - image.size(), '\0');
+    writer.Put(kVersion, seed - 1, index.slotCount, index.longestProbe, textsAt, acceleratorTextsAt,
+               inFile.acceleratorsAt);
+    for (std::uint32_t i = 0; i < index.slotCount; ++i) {
+        const auto slot = LoadAt<Slot>(index.slots, i * sizeof(Slot));
+        writer.Put(slot.digest, slot.entry, slot.keyOffset, slot.keyLength, slot.textOffset,
+                   slot.textLength);
+    }
+    writer.PutUnits(textCopy);
+    writer.PutUnits(acceleratorCopy);
+    writer.Put(sectionAt);
+    writer.out += kMagic;
+    return std::move(writer.out);
+}
+
+bool EndsInIndex(Bytes tail) noexcept {
+    return std::string_view(reinterpret_cast<const char*>(tail.data()), tail.size())
+        .ends_with(kMagic);
+}
+
+std::shared_ptr<CatalogStore> OpenIndexed(Bytes file, std::shared_ptr<const void> keeper) {
+    if (file.size() < kIndexTrailerSize || !EndsInIndex(file)) return nullptr;
+    if (reinterpret_cast<std::uintptr_t>(file.data()) % alignof(char16_t) != 0) return nullptr;
+
+    ImageParts parts;
+    lexon_private::ImageReader reader = ReaderOf(file);
+    parts.ReadHead(reader);
+    if (!reader.Ok() || lexon_private::setEndian(parts.header.order)) return nullptr;
+    const auto sectionAt = LoadAt<std::uint64_t>(file, file.size() - kIndexTrailerSize);
+    const auto head = Part(file, sectionAt, sizeof(Fixed));
+    if (!head.has_value()) return nullptr;
+    const auto fixed = LoadAt<Fixed>(*head, 0);
+    if (fixed.version != kVersion || fixed.longestProbe > kMostProbes) return nullptr;
+    const auto slots =
+        Part(file, sectionAt + sizeof(Fixed), std::uint64_t{fixed.slotCount} * sizeof(Slot));
+    const auto texts = Part(file, fixed.textsAt, parts.texts.area.size());
+    const auto tables = Part(file, fixed.acceleratorsAt, file.size() - fixed.acceleratorsAt);
+    if (!slots.has_value() || !texts.has_value() || !tables.has_value()) return nullptr;
+
+    lexon_private::ImageReader rest = ReaderOf(*tables);
+    parts.ReadAccelerators(rest);
+    const auto acceleratorTexts =
+        Part(file, fixed.acceleratorTextsAt, parts.accelerators.area.size());
+    if (!rest.Ok() || !acceleratorTexts.has_value()) return nullptr;
+    parts.texts.area = *texts;
+    parts.accelerators.area = *acceleratorTexts;
+
+    auto store = std::make_shared<CatalogStore>();
+    Adopt(parts, *store);
+    if (parts.liveCount != 0 && parts.keyed) {
+        store->index = {*slots, fixed.slotCount, fixed.longestProbe, fixed.seed};
+    }
+    if (keeper != nullptr) store->keepers.push_back(std::move(keeper));
+    return store;
+}
+
+}  // namespace lexon::detail
