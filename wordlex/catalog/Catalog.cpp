@@ -1,10 +1,24 @@
 #include "wordlex/catalog/Catalog.h"
 
+#include "wordlex/catalog/Format.h"
 #include "wordlex/catalog/Store.h"
+#include "wordlex/functionality/Escapes.h"
 
 namespace lexon {
 
 using namespace detail;
+
+namespace {
+
+std::u16string ConvertDefaultText(std::string_view text) {
+    const std::u16string wide = ToUtf16(text);
+    const std::vector<unsigned short> written(wide.begin(), wide.end());
+    std::vector<unsigned short> room;
+    const auto converted = lexon_private::Escapes::Convert(written, room);
+    return {converted.begin(), converted.end()};
+}
+
+}  // namespace
 
 Catalog::Catalog(std::shared_ptr<const CatalogStore> content) noexcept
     : store(std::move(content)) {}

@@ -3,7 +3,7 @@
 #include "localeid/MuiLib.h"
 #include "localeid/MuiLibImpl.h"
 #include "wordlex/catalog/Catalog.h"
-#include "wordlex/catalog/Store.h"
+#include "wordlex/catalog/Format.h"
 
 namespace lexon {
 

@@ -85,8 +85,6 @@ struct WrittenKey {
 
     explicit WrittenKey(std::string_view text) noexcept;
 };
-std::u16string ConvertDefaultText(std::string_view text);
-std::string ToUtf8(std::u16string_view text);
 
 // The content of a catalog. Whatever made it, each access is checked where it is made: a damaged
 // file can make an answer wrong, but not reach outside of its bytes.
