@@ -22,6 +22,7 @@ public:
         std::vector<std::uint64_t> digests{0};  // of the first 0, 1, 2 ... events
         std::uint64_t textUnits = 0;
         long openElements = 0;
+        bool ended = false;
         bool thrown = false;
 
         std::size_t Events() const { return digests.size() - 1; }
@@ -56,7 +57,11 @@ public:
         result.textUnits += text.size();
         Note(8, {text});
     }
-    void EndDocument() override { Note(9, {}); }
+    void EndDocument() override {
+        REQUIRE(result.openElements == 0);
+        Note(9, {});
+        result.ended = true;
+    }
     void StartPrefixMapping(const UTF16String& prefix, const UTF16String& uri) override {
         Note(10, {prefix, uri});
     }
@@ -64,7 +69,9 @@ public:
 
 private:
     void Note(std::uint64_t kind, std::initializer_list<std::u16string_view> texts) {
-        REQUIRE(!result.thrown);  // no event behind the one that threw
+        REQUIRE(!result.thrown && !result.ended);                    // none follows
+        REQUIRE((result.Events() == 0) == (kind == 1));              // StartDocument comes first
+        REQUIRE(result.openElements > 0 || (kind < 5 || kind > 7));  // text is inside an element
         if (result.Events() == thrower) {
             result.thrown = true;
             throw std::runtime_error("handler");
@@ -103,7 +110,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const ByteString document(reinterpret_cast<const char*>(data), size);
     const auto [code, whole] = Parse(document, kNever);
     REQUIRE(code == xml::kParseSucceeded || code == xml::kParseFailed);
-    REQUIRE(code == xml::kParseFailed || whole.openElements == 0);
+    REQUIRE(whole.ended == (code == xml::kParseSucceeded));
     REQUIRE(whole.textUnits <= 1'000'000 + 12 * size);
     if (whole.Events() == 0) return 0;
 

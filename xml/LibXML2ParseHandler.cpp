@@ -32,7 +32,20 @@ constexpr std::size_t kReferenceCost = 3 * kAllowedFactor;
 // Honest documents repeat their namespace on every element: this many bytes of it are free.
 constexpr std::size_t kFreeUriLength = 128;
 // Attributes of one start tag, namespaces in scope, or entries of all attribute-list declarations.
-constexpr int kLongestList = 10'000;
+constexpr std::size_t kLongestList = 10'000;
+
+// What libxml2 2.9.14 does for a document without calling back, as measured there; a test bounds
+// the time. Each start tag compares its attributes with each other, with the namespaces in scope
+// and with the declared defaults; an entity copies the namespaces in scope. One byte of the budget
+// pays for so many of them.
+constexpr std::size_t kComparisonsPerByte = 128;
+constexpr std::size_t kNamespacesCopiedPerByte = 8;
+// Bytes of names, namespace URIs and declared defaults, which libxml2 keeps in 4608 lists. The last
+// block of memory that it takes for them may exceed the limit.
+constexpr std::size_t kDictionaryLimit = 340'000;
+// libxml2 crashes over a declared namespace that did not fit into its dictionary. A document that
+// declares one has no limit of the dictionary, but this limit of its length.
+constexpr std::size_t kDeclaredNamespaceLimit = 1'000'000;
 
 struct FreeContext {
     // The context does not own its document, which a malformed DTD leaves behind.
@@ -54,16 +67,30 @@ std::span<const xmlChar* const> Pointers(const xmlChar** first, int groups, std:
     return {first, static_cast<std::size_t>(groups) * groupSize};
 }
 
-// Whether the markup holds a list that is too long. libxml2 compares each entry with all before it,
-// and no callback comes between. An unquoted '<' begins each tag, a quoted one is an error in it.
-bool NeedsSquareTime(std::string_view text) {
-    int declared = 0;  // in all attribute-list declarations
-    for (std::size_t at = text.find('<'), next; at != text.npos; at = next) {
-        next = text.find('<', at + 1);
-        const std::string_view tag = text.substr(at, next - at);
+// Counts the entries that libxml2 compares with all before them, before it calls back. Each tag
+// begins with an unquoted '<'; a quoted one is an error in it.
+struct Lists {
+    std::size_t attributes = 0;  // of the longest tag
+    std::size_t declared = 0;    // defaults and tokens in all attribute-list declarations
+    bool namespaces = false;     // such a declaration may declare one
+
+    explicit Lists(std::string_view text) {
+        for (std::size_t at = text.find('<'), next; at != text.npos; at = next) {
+            next = text.find('<', at + 1);
+            Add(text.substr(at, next - at));
+        }
+    }
+    void Check() const {
+        if (std::max(attributes, declared) > kLongestList)
+            throw std::length_error("XML list is too long");
+    }
+
+private:
+    void Add(std::string_view tag) {
         const bool isDeclaration = tag.starts_with("<!ATTLIST");
-        if (!isDeclaration && tag.find_first_of("!?/ \t\r\n", 1) == 1) continue;
-        int attributes = 0;
+        if (!isDeclaration && tag.find_first_of("!?/ \t\r\n", 1) == 1) return;
+        namespaces |= isDeclaration && tag.find("xmlns") != tag.npos;
+        std::size_t values = 0;
         char quote = '\0', previous = '\0';
         for (const char c : tag) {
             if (quote != '\0') {
@@ -74,15 +101,41 @@ bool NeedsSquareTime(std::string_view text) {
             const bool isQuote = c == '"' || c == '\'';
             if (isQuote) quote = c;
             if (isDeclaration)
-                declared += isQuote || c == '|';
+                declared += isQuote || c == '|' || c == '#';
             else
-                attributes += isQuote && previous == '=';
+                values += isQuote && previous == '=';
             if (!std::strchr(" \t\r\n", c)) previous = c;
         }
-        if (std::max(attributes, declared) > kLongestList) return true;
+        attributes = std::max(attributes, values);
     }
-    return false;
+};
+
+// Decodes the rest of a document that is not in UTF-8, which libxml2 does a little later.
+void Decode(xmlParserInput& input) {
+    if (!input.buf || !input.buf->encoder) return;
+    const std::ptrdiff_t offset = input.cur - input.base;
+    while (xmlParserInputBufferGrow(input.buf, 1) > 0) {
+    }
+    input.base = xmlBufContent(input.buf->buffer);
+    input.cur = input.base + offset;
+    input.end = xmlBufEnd(input.buf->buffer);
 }
+
+// Sends the errors of libxml2 on this thread to one function instead of the standard error stream.
+class ErrorRedirection {
+public:
+    ErrorRedirection(void* receiver, xmlStructuredErrorFunc function)
+        : previousReceiver(xmlStructuredErrorContext), previousFunction(xmlStructuredError) {
+        xmlSetStructuredErrorFunc(receiver, function);
+    }
+    ~ErrorRedirection() { xmlSetStructuredErrorFunc(previousReceiver, previousFunction); }
+    ErrorRedirection(const ErrorRedirection&) = delete;
+    ErrorRedirection& operator=(const ErrorRedirection&) = delete;
+
+private:
+    void* previousReceiver;
+    xmlStructuredErrorFunc previousFunction;
+};
 
 }  // namespace
 
@@ -106,8 +159,7 @@ ResultCode LibXML2ParseHandler::ParseDocument(const UTF16String& path) {
 
 ResultCode LibXML2ParseHandler::ParseBuffer(const ByteString& document) {
     const std::size_t length = std::strlen(document.c_str());
-    if (length > kLongestDocument || NeedsSquareTime({document.data(), length}))
-        return kParseFailed;
+    if (context || length > kLongestDocument) return kParseFailed;
 
     // Before the context is made, which copies the setting; libxml2 keeps one for each thread.
     xmlSubstituteEntitiesDefault(1);
@@ -123,6 +175,7 @@ ResultCode LibXML2ParseHandler::ParseBuffer(const ByteString& document) {
     callbacks.startElementNs = startElementWithNamespace;
     callbacks.endElementNs = endElementWithNamespace;
 
+    const ErrorRedirection redirection(this, receiveError);
     const std::unique_ptr<xmlParserCtxt, FreeContext> owner(
         xmlCreateDocParserCtxt(reinterpret_cast<const xmlChar*>(document.c_str())));
     if (!owner) return kParseFailed;
@@ -131,6 +184,7 @@ ResultCode LibXML2ParseHandler::ParseBuffer(const ByteString& document) {
     context->options |= XML_PARSE_NOENT;
     xmlSAXHandler* const ownCallbacks = std::exchange(context->sax, &callbacks);
     failed = false;
+    namespacesInScope = declaredAttributes = 0;
     budget = kAllowedExpansion + kAllowedFactor * length;
 
     const int result = xmlParseDocument(context);
@@ -140,8 +194,8 @@ ResultCode LibXML2ParseHandler::ParseBuffer(const ByteString& document) {
     return result == 0 && !failed ? kParseSucceeded : kParseFailed;
 }
 
-// Runs the action of one callback. The first exception is the end of the parse: libxml2 is told to
-// stop, and what it still calls on its way out is not reported.
+// Runs the action of one callback. The first exception is the end of the parse, as the first fatal
+// error is: libxml2 is stopped, and what it still calls on its way out is not reported.
 template <class Action>
 void LibXML2ParseHandler::Report(void* parser, Action action) noexcept {
     auto& self = *static_cast<LibXML2ParseHandler*>(parser);
@@ -149,9 +203,30 @@ void LibXML2ParseHandler::Report(void* parser, Action action) noexcept {
     try {
         action(self);
     } catch (...) {
-        self.failed = true;
-        xmlStopParser(self.context);
+        self.Stop();
     }
+}
+
+// With this limit the dictionary of libxml2 2.9.14 refuses every name, so that the parse ends at
+// the next one. This reaches the context of an entity, which is not known here but shares the
+// dictionary. xmlStopParser would free the input, which may still be in use where an error is
+// reported.
+void LibXML2ParseHandler::Stop() noexcept {
+    failed = true;
+    if (!context) return;
+    context->instate = XML_PARSER_EOF;
+    xmlDictSetLimit(context->dict, 1);
+}
+
+// The context of an entity has the same user data as the document's. Errors of other parsers, which
+// the handler may use, do not count.
+void LibXML2ParseHandler::receiveError(void* parser, xmlError* error) {
+    auto& self = *static_cast<LibXML2ParseHandler*>(parser);
+    if (error->domain != XML_FROM_PARSER || error->level != XML_ERR_FATAL || !error->ctxt) return;
+    auto& failing = *static_cast<xmlParserCtxt*>(error->ctxt);
+    if (failing.userData != &self) return;
+    failing.instate = XML_PARSER_EOF;
+    self.Stop();
 }
 
 // Entities and default attributes make a short document yield a long one.
@@ -194,15 +269,27 @@ xmlEntity* LibXML2ParseHandler::getEntity(void* parser, const xmlChar* name) {
         // Given an external one, libxml2 would read the file or web address that it names.
         if (!entity || entity->etype == XML_EXTERNAL_GENERAL_PARSED_ENTITY) return;
         // Each reference is parsed anew, and an attribute value is put together before any event.
-        self.Spend(kReferenceCost + static_cast<std::size_t>(entity->length));
-        if (NeedsSquareTime(View(entity->content))) throw std::length_error("XML tag is too long");
+        self.Spend(kReferenceCost + static_cast<std::size_t>(entity->length) +
+                   self.namespacesInScope / kNamespacesCopiedPerByte);
+        Lists(View(entity->content)).Check();
         given = entity;
     });
     return given;
 }
 
 void LibXML2ParseHandler::startDocument(void* parser) {
-    Report(parser, [](auto& self) { self.handler->StartDocument(); });
+    Report(parser, [](auto& self) {
+        xmlParserInput& input = *self.context->input;
+        Decode(input);
+        const auto length = static_cast<std::size_t>(input.end - input.cur);
+        const Lists lists(View(input.cur, length));
+        lists.Check();
+        self.declaredAttributes = lists.declared;
+        if (lists.namespaces && length > kDeclaredNamespaceLimit)
+            throw std::length_error("XML document declares a namespace and is too long");
+        xmlDictSetLimit(self.context->dict, lists.namespaces ? 0 : kDictionaryLimit);
+        self.handler->StartDocument();
+    });
 }
 
 void LibXML2ParseHandler::endDocument(void* parser) {
@@ -233,10 +320,18 @@ void LibXML2ParseHandler::startElementWithNamespace(void* parser, const xmlChar*
                                                     int attributeCount, int,
                                                     const xmlChar** attributes) {
     Report(parser, [&](auto& self) {
-        self.Spend(kElementCost);
-        Attributes list;
         const auto given = Pointers(attributes, attributeCount, 5);
+        const auto declared = Pointers(namespaces, namespaceCount, 2);
+        self.namespacesInScope += declared.size() / 2;
+        if (self.namespacesInScope > kLongestList) throw std::length_error("too many namespaces");
+        const std::size_t listed = given.size() / 5;
+        self.Spend(kElementCost + (1 + listed) *
+                                      (listed + self.namespacesInScope + self.declaredAttributes) /
+                                      kComparisonsPerByte);
+
+        Attributes list;
         for (std::size_t i = 0; i < given.size(); i += 5) {
+            if (!given[i] || !given[i + 3]) throw std::length_error("XML dictionary is full");
             const std::string_view value(
                 View(given[i + 3], static_cast<std::size_t>(given[i + 4] - given[i + 3])));
             self.Spend(kAttributeCost);
@@ -246,7 +341,6 @@ void LibXML2ParseHandler::startElementWithNamespace(void* parser, const xmlChar*
         }
 
         Scope scope;
-        const auto declared = Pointers(namespaces, namespaceCount, 2);
         for (std::size_t i = 0; i < declared.size(); i += 2) {
             self.Spend(kAttributeCost);
             const UTF16String declaredPrefix = self.HandOn(View(declared[i]));
@@ -254,7 +348,6 @@ void LibXML2ParseHandler::startElementWithNamespace(void* parser, const xmlChar*
             scope[declaredPrefix] = declaredUri;
             self.handler->StartPrefixMapping(declaredPrefix, declaredUri);
         }
-        if (self.context->nsNr > 2 * kLongestList) throw std::length_error("too many namespaces");
         self.scopes.push_back(std::move(scope));
         self.handler->StartElement(self.HandOnQualifiedName(prefix, localName), self.HandOnUri(uri),
                                    self.HandOn(View(localName)), list);
@@ -268,6 +361,7 @@ void LibXML2ParseHandler::endElementWithNamespace(void* parser, const xmlChar* l
                                  self.HandOn(View(localName)));
         const Scope ended = std::move(self.scopes.back());
         self.scopes.pop_back();
+        self.namespacesInScope -= ended.size();
         for (const auto& [declaredPrefix, declaredUri] : ended)
             self.handler->EndPrefixMapping(declaredPrefix);
     });

@@ -8,6 +8,7 @@
 #include "host/vexacore/Xml.h"
 
 struct _xmlEntity;      // NOLINT(bugprone-reserved-identifier): libxml2 names them so
+struct _xmlError;       // NOLINT(bugprone-reserved-identifier)
 struct _xmlParserCtxt;  // NOLINT(bugprone-reserved-identifier)
 
 namespace vexacore::xml {
@@ -18,19 +19,28 @@ namespace vexacore::xml {
 // Invariant: one scope map for each open element, the declarations made on it. An element that a
 //           failed parse left open keeps its map until the parser goes.
 // Entities: internal ones are replaced by their text. References to external ones are refused:
-//           nothing but the given document is ever opened, and nothing process-wide is changed
-//           for it.
+//           no file or address that the document names is opened.
+// Encodings: libxml2 itself reads UTF-8, UTF-16, US-ASCII and ISO 8859-1. For any other encoding it
+//           has the C library's iconv load a conversion module from the folder of these modules.
 // Limits:   a document of more than 2 GiB is refused. A document has a budget of 1 MB plus twelve
 //           times its size, in bytes of UTF-8: what is handed on spends it (of a namespace URI
 //           that names repeat only what exceeds 128 bytes), and so does the text of an entity at
 //           each reference. Without entities, default attributes and longer URIs it suffices for
-//           any document. Refused as well: more than 10,000 attributes in a tag, namespaces in
-//           scope, or tokens and defaults in all attribute lists. libxml2's own limits are 257
-//           open elements in the document and again in each entity, entities in entities 20
-//           deep, names of 50,000 bytes, and 10 MB for an attribute value, a comment, a CDATA
-//           section, a processing instruction or an entity. Text has none.
-// Failure:  kParseFailed for a document that cannot be read as XML and for an exception of the
-//           handler, which is discarded; the events up to there have been delivered, none follows.
+//           any document with at most 100 attributes in a tag and namespaces in scope; more of
+//           them spend it too. Refused as well: more than 10,000 attributes in a tag, namespaces
+//           in scope, or tokens and defaults in all attribute lists; different names, namespace
+//           URIs and declared defaults of more than about 340,000 bytes together; a document of
+//           more than 1 MB whose attribute lists declare namespaces. All of this holds in every
+//           encoding and inside entities, and bounds the time in proportion to the size.
+//           libxml2's own limits are 257 open elements in the document and again in each entity,
+//           entities in entities 20 deep, names of 50,000 bytes, and 10 MB for an attribute value,
+//           a comment, a CDATA section, a processing instruction or an entity. Text has none.
+// Failure:  kParseFailed for a document that cannot be read as XML, for an exception of the
+//           handler, which is discarded, and for ParseBuffer called by the parser's own handler,
+//           which changes nothing. The events before the first fatal error have been delivered,
+//           none follows, not even EndDocument. Nothing is written to the standard error stream:
+//           ParseBuffer redirects the errors of libxml2 on its thread until it returns, also those
+//           of other parsers that the handler uses.
 //           Errors of the file layer leave ParseDocument as exceptions.
 // Threads:  none; separate parsers may work on separate threads.
 class LibXML2ParseHandler : public AbstractDocParser {
@@ -69,6 +79,8 @@ private:
 
     template <class Action>
     static void Report(void* parser, Action action) noexcept;
+    static void receiveError(void* parser, _xmlError* error);  // of any parser on this thread
+    void Stop() noexcept;
     // These convert for the handler and count against the budget; Spend only counts. They throw
     // when the budget is spent.
     void Spend(std::size_t cost);
@@ -78,8 +90,11 @@ private:
 
     _xmlParserCtxt* context = nullptr;  // null outside ParseBuffer
     std::deque<Scope> scopes;
-    bool failed = false;     // a callback of this parse has thrown
-    std::size_t budget = 0;  // what this parse may still spend, in bytes
+    // Of the parse under way:
+    bool failed = false;                 // by a fatal error, or a callback has thrown
+    std::size_t budget = 0;              // what it may still spend, in bytes
+    std::size_t namespacesInScope = 0;   // in the document and the entities that are open
+    std::size_t declaredAttributes = 0;  // defaults and tokens in the document's own declarations
 };
 
 // Makes LibXML2ParseHandlers.
