@@ -38,11 +38,13 @@ public:
     static NSFileManager& DefaultManager();
 
     // The folder of that role. The one that is known is the Application Support folder of the local
-    // domain: the first entry of XDG_DATA_DIRS, or /usr/local/share where that is not set. Folders
-    // are not created and need not exist, nor is any other URL taken into account:
-    // `appropriateForURL` is null and `create` false.
-    // Failure: gives nothing and fills `error`, when it is not null, for everything that is not
-    // known and when the first entry of XDG_DATA_DIRS is empty, not absolute or not UTF-8.
+    // domain: of the absolute entries of XDG_DATA_DIRS the first with a folder of this version
+    // of the application ("Norvale/Framewright Homeline/5.1"), else the first; relative entries do
+    // not count. Where the variable is not set or empty it stands for
+    // "/usr/local/share:/usr/share". Folders are not created and need not exist, nor is any other
+    // URL taken into account: `appropriateForURL` is null and `create` false. Failure: returns
+    // nothing and fills `error`, when it is not null, for everything that is not known, when no
+    // entry is absolute, and when the folder's name is not UTF-8.
     std::optional<NSURL> URLForDirectory(NSSearchPathDirectory directory,
                                          NSSearchPathDomainMask inDomain,
                                          const NSURL* appropriateForURL, bool create,

@@ -25,8 +25,6 @@ bool ErrorManager::ReleaseReserve() noexcept {
     return released != nullptr;
 }
 
-bool ErrorManager::HasReserve() const noexcept { return reserve != nullptr; }
-
 void ErrorManager::Set(ErrorManager* manager) noexcept {
     installedManager = manager;
     debug::HostEvents::Append(manager ? "error manager installed" : "error manager uninstalled");

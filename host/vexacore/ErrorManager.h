@@ -24,7 +24,6 @@ public:
 
     // Frees the reserve; false when it is gone already.
     virtual bool ReleaseReserve() noexcept;
-    bool HasReserve() const noexcept;
 
     static void Set(ErrorManager* manager) noexcept;  // null uninstalls
     static ErrorManager* Get() noexcept;              // null when none is installed

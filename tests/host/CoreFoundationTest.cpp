@@ -19,16 +19,16 @@ struct Release {
 };
 using String = std::unique_ptr<std::remove_pointer_t<CFStringRef>, Release>;
 
-String FromBytes(std::string_view bytes, CFStringEncoding encoding, bool external = false) {
+String FromBytes(std::string_view bytes, CFStringEncoding encoding) {
     return String(CFStringCreateWithBytes(kCFAllocatorDefault,
                                           reinterpret_cast<const UInt8*>(bytes.data()),
-                                          static_cast<CFIndex>(bytes.size()), encoding, external));
+                                          static_cast<CFIndex>(bytes.size()), encoding, false));
 }
 
 String FromUnits(std::u16string_view units) {
-    return String(CFStringCreateWithCharacters(kCFAllocatorDefault,
-                                               reinterpret_cast<const UniChar*>(units.data()),
-                                               static_cast<CFIndex>(units.size())));
+    return String(CFStringCreateWithCharactersNoCopy(
+        kCFAllocatorDefault, reinterpret_cast<const UniChar*>(units.data()),
+        static_cast<CFIndex>(units.size()), kCFAllocatorNull));
 }
 
 constexpr const char16_t* kNone = u"no string";
@@ -44,13 +44,12 @@ std::u16string Units(const String& string) {
 // How many units were converted, and what to.
 using Converted = std::pair<CFIndex, std::string>;
 
-Converted GetBytes(const String& string, CFStringEncoding encoding, UInt8 lossByte, CFIndex room,
-                   bool external = false) {
+Converted GetBytes(const String& string, CFStringEncoding encoding, UInt8 lossByte, CFIndex room) {
     char buffer[64];
     CFIndex used = 0;
     const CFIndex converted =
         CFStringGetBytes(string.get(), CFRangeMake(0, CFStringGetLength(string.get())), encoding,
-                         lossByte, external, reinterpret_cast<UInt8*>(buffer), room, &used);
+                         lossByte, false, reinterpret_cast<UInt8*>(buffer), room, &used);
     return {converted, std::string(buffer, static_cast<std::size_t>(used))};
 }
 
@@ -97,7 +96,7 @@ TEST_F(CoreFoundation, EncodingsConvertBothWaysUnderTheirNumbers) {
         EXPECT_EQ(Converted(1, "?"), GetBytes(FromUnits(u"\uFFFF"), other, '?', 64)) << other;
 }
 
-TEST_F(CoreFoundation, BytesAreTakenStrictlyAndMarksHonouredWhenExternal) {
+TEST_F(CoreFoundation, BytesAreTakenStrictlyAndMarksAsText) {
     const auto refuse = [](CFStringEncoding number, std::initializer_list<const char*> texts) {
         for (const char* text : texts)
             EXPECT_EQ(kNone, Units(FromBytes(text, number))) << number << ' ' << text;
@@ -109,19 +108,11 @@ TEST_F(CoreFoundation, BytesAreTakenStrictlyAndMarksHonouredWhenExternal) {
     refuse(kCFStringEncodingEUC_JP, {"\x8F\xA1"});
     refuse(kCFStringEncodingWindowsGreek, {"\xD2"});  // a hole in the table
     refuse(kCFStringEncodingUTF16, {"a"});
-    const auto check = [](CFStringEncoding number, bool external, std::string_view bytes,
-                          const char16_t* units) {
-        EXPECT_EQ(units, Units(FromBytes(bytes, number, external))) << number << ' ' << bytes;
+    const auto check = [](CFStringEncoding number, std::string_view bytes, const char16_t* units) {
+        EXPECT_EQ(units, Units(FromBytes(bytes, number))) << number << ' ' << bytes;
     };
-    check(kCFStringEncodingUTF16, true, "\0A\0B"sv, u"AB");
-    check(kCFStringEncodingUTF16, true, "\xFE\xFF\0A"sv, u"A");
-    check(kCFStringEncodingUTF16, true, "\xFF\xFE\x41\0"sv, u"A");
-    check(kCFStringEncodingUTF16BE, true, "\xFE\xFF\0A"sv, u"\uFEFFA");
-    check(kCFStringEncodingUTF16LE, false, "\xFF\xFE\x3D\xD8"sv, u"\uFEFF\xD83D");
-    check(kCFStringEncodingUTF8, true, "\xEF\xBB\xBF\x41"sv, u"A");
-    check(kCFStringEncodingUTF8, false, "\xEF\xBB\xBF\x41"sv, u"\uFEFFA");
-    const auto marked = GetBytes(FromUnits(u"A"), kCFStringEncodingUTF16, 0, 64, true).second;
-    check(kCFStringEncodingUTF16, true, marked, u"A");
+    check(kCFStringEncodingUTF16LE, "\xFF\xFE\x3D\xD8"sv, u"\uFEFF\xD83D");
+    check(kCFStringEncodingUTF8, "\xEF\xBB\xBF\x41"sv, u"\uFEFFA");
 }
 
 }  // namespace
