@@ -1,16 +1,20 @@
 #include "localizer/VEXALocalizer.h"
 
+#include <cerrno>
 #include <fstream>
+#include <system_error>
 #include <vector>
 
 #include "host/Ovis/Language.h"
 #include "host/Ovis/PathUtils.h"
+#include "host/vexacore/Debug.h"
 #include "host/vexacore/Threads.h"
 #include "host/vexacore/Utility.h"
 
 namespace FE {
 
 using vexacore::UTF16String;
+using vexacore::debug::HostEvents;
 
 namespace {
 
@@ -62,10 +66,20 @@ bool Localizer::LoadDictionary(const UTF16String& baseFolder) {
 bool Localizer::LoadWordlexDictionary(const UTF16String& baseFolder) {
     UTF16String path;
     if (!GetWordlexDictionaryFolder(baseFolder, path)) return false;
-    std::ifstream file(vexacore::utility::UTF16toStdString(path));
-    if (!file) return false;
+    const std::string name = vexacore::utility::UTF16toStdString(path);
+    std::ifstream file(name);
+    if (!file) {
+        HostEvents::Append("dictionary not opened: " + name + ": " +
+                           std::generic_category().message(errno));
+        return false;
+    }
+    HostEvents::Append("dictionary opened: " + name);
     const ScopedLock lock;
+    const bool wasValid = dictionary.IsValid();
     dictionary.Read(&file);
+    HostEvents::Append(
+        (!wasValid || dictionary.IsValid() ? "dictionary read: " : "dictionary made invalid by: ") +
+        name);
     return true;
 }
 
@@ -76,9 +90,11 @@ bool Localizer::GetWordlexDictionaryFolder(const UTF16String& baseFolder, UTF16S
     const UTF16String language = PathUtils::AddTrailingSlash(languages + Ovis::GetLanguageString());
     for (const UTF16String& candidate :
          {language + kDictionaryFileName, folder + kDictionaryFileName}) {
-        if (!PathUtils::ExistsOnDisk(candidate, false)) continue;
-        file = candidate;
-        return true;
+        if (PathUtils::ExistsOnDisk(candidate, false)) {
+            file = candidate;
+            return true;
+        }
+        HostEvents::Append("no dictionary: " + vexacore::utility::UTF16toStdString(candidate));
     }
     return false;
 }

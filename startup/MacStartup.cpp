@@ -1,15 +1,19 @@
 #include "startup/MacStartup.h"
 
 #include <boost/shared_ptr.hpp>
+#include <exception>
 #include <memory>
+#include <new>
 #include <string>
 
+#include "host/FWR/StartupReport.h"
 #include "host/HUIF/Initializer.h"
 #include "host/Ovis/Module.h"
 #include "host/vexacore/Debug.h"
 #include "host/vexacore/String.h"
 #include "startup/VEXAInitializer.h"
 
+using FWR::StartupStage;
 using vexacore::debug::GlobalTimeMeasurement;
 
 namespace {
@@ -18,7 +22,6 @@ using AppMain = std::int32_t(std::intptr_t, std::int32_t, std::int32_t);
 
 const vexacore::UTF16String kFrontendFrameworkName = u"Frontend.framework";
 const std::string kStrAppMain = "AppMain";
-constexpr auto kLaunchCookie = static_cast<std::int32_t>(0xC3A951E7);
 
 constexpr char kMeasurement[] = "StartupTime";
 
@@ -26,19 +29,25 @@ void EndMeasurement() {
     GlobalTimeMeasurement::EndMeasurement(kMeasurement, "Application closing", true);
 }
 
+// Null after an exception, which is reported.
 std::unique_ptr<Startup::VEXAInitializer> BringUpHost() noexcept {
     try {
         return std::make_unique<Startup::VEXAInitializer>();
+    } catch (const std::bad_alloc&) {
+        FWR::ReportStartup(StartupStage::kHostFailed, "out of memory");
+    } catch (const std::exception& error) {
+        FWR::ReportStartup(StartupStage::kHostFailed, error.what());
     } catch (...) {
-        return nullptr;
+        FWR::ReportStartup(StartupStage::kHostFailed, {});
     }
+    return nullptr;
 }
 
 }  // namespace
 
 extern "C" [[gnu::visibility("default")]] std::int32_t Run(std::intptr_t first, std::int32_t second,
                                                            std::int32_t cookie) {
-    if (cookie != kLaunchCookie) return 1;
+    if (cookie != Startup::kLaunchCookie) return 1;
 
     // Destroyed in reverse, whichever way Run ends: first the module handle, then the host.
     const auto host = BringUpHost();
@@ -54,8 +63,10 @@ extern "C" [[gnu::visibility("default")]] std::int32_t Run(std::intptr_t first, 
     void* const entry = loaded ? frontend->GetProcAddress(kStrAppMain.c_str()) : nullptr;
     if (!entry) {
         EndMeasurement();
+        FWR::ReportStartup(StartupStage::kNoFrontEnd, Ovis::Module::LastFailure());
         return 1;
     }
+    FWR::ReportStartup(StartupStage::kFrontEndReached, {});
 
     const HUIF::Initializer userInterface;
     const std::int32_t result = reinterpret_cast<AppMain*>(entry)(first, second, 0);

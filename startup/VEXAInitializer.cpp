@@ -7,6 +7,7 @@
 #include "host/Ovis/Language.h"
 #include "host/Ovis/PathUtils.h"
 #include "host/vexacore/Config.h"
+#include "host/vexacore/Debug.h"
 #include "host/vexacore/FileSupport.h"
 #include "host/vexacore/Locale.h"
 #include "host/vexacore/Utility.h"
@@ -19,6 +20,7 @@ namespace config = vexacore::config;
 namespace utility = vexacore::utility;
 namespace xml = vexacore::xml;
 using vexacore::UTF16String;
+using vexacore::debug::HostEvents;
 using vexacore::filesupport::Dir;
 
 namespace {
@@ -42,6 +44,7 @@ UTF16String SharedSupportPath() {
     std::optional<NSError> error;
     const auto url = NSFileManager::DefaultManager().URLForDirectory(
         NSApplicationSupportDirectory, NSLocalDomainMask, nullptr, false, &error);
+    if (error) HostEvents::Append("no Application Support folder: " + error->localizedDescription);
     const UTF16String support = error ? UTF16String() : utility::MACtoVEXA(url->Path());
 
     const UTF16String separator = Ovis::PathUtils::GetPathSeparator();
@@ -71,31 +74,25 @@ VEXAInitializer::VEXAInitializer() {
     errorManager = std::make_unique<config::ErrorManager>();
     newHandlerInitializer = std::make_unique<config::ErrorManager::NewHandlerInitializer>();
     localizer = std::make_unique<FE::Localizer>();
+    config::ErrorManager::Set(errorManager.get());
+    bool localizerInstalled = false;
     try {
-        SetUpHost();
+        const UTF16String applicationPath = Dir::AppDir().FullPath();
+        InstallParserFactory();
+        localizer->LoadWordlexDictionary(applicationPath);
+        localizer->LoadWordlexDictionary(SharedSupportPath());
+        config::Localizer::Set(localizer.get(), Dir());
+        localizerInstalled = true;
+        vexacore::Locale::Initialize(Ovis::GetLanguageString(), Dir());
     } catch (...) {
-        Uninstall();
+        config::ErrorManager::Set(nullptr);
+        if (localizerInstalled) config::Localizer::Set(nullptr, Dir());
         throw;
     }
 }
 
 VEXAInitializer::~VEXAInitializer() {
     UninstallParserFactory();
-    Uninstall();
-}
-
-void VEXAInitializer::SetUpHost() {
-    config::ErrorManager::Set(errorManager.get());
-    const UTF16String applicationPath = Dir::AppDir().FullPath();
-    InstallParserFactory();
-    localizer->LoadWordlexDictionary(applicationPath);
-    localizer->LoadWordlexDictionary(SharedSupportPath());
-    config::Localizer::Set(localizer.get(), Dir());
-    vexacore::Locale::Initialize(Ovis::GetLanguageString(), Dir());
-}
-
-// What the host refers to without owning it.
-void VEXAInitializer::Uninstall() noexcept {
     config::ErrorManager::Set(nullptr);
     config::Localizer::Set(nullptr, Dir());
 }

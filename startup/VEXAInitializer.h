@@ -14,7 +14,8 @@ namespace Startup {
 // Owns:     the error manager, the new-handler initializer and the localizer. The host refers to
 //           them only while this object lives; it owns the parser factory itself.
 // Failure:  any exception of the host leaves the constructor. The host then refers to nothing that
-//           goes with this object; the identity, and the factory if it was installed, stay.
+//           goes with this object; the identity, and the factory if it was installed, stay. What
+//           somebody else has installed, and the start had not yet replaced, stays too.
 // Threads:  made and destroyed on the launcher's thread.
 class VEXAInitializer {
 public:
@@ -24,9 +25,6 @@ public:
     VEXAInitializer& operator=(const VEXAInitializer&) = delete;
 
 private:
-    void SetUpHost();
-    static void Uninstall() noexcept;
-
     // Deleted in reverse: the localizer first.
     std::unique_ptr<vexacore::config::ErrorManager> errorManager;
     std::unique_ptr<vexacore::config::ErrorManager::NewHandlerInitializer> newHandlerInitializer;

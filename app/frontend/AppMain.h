@@ -7,12 +7,15 @@
 // The first argument is the address of one.
 // Owns:     nothing; the path outlives the call.
 struct LaunchRequest {
-    const char* documentPath;  // UTF-8
+    const char* documentPath;  // as the system names it
 };
 
 // Bits of the second argument.
 constexpr std::int32_t kLaunchTrace = 1;  // tell on standard error what the host holds
 
+constexpr std::int32_t kOutputFailed = 1;
+constexpr std::int32_t kDocumentUnusable = 4;  // shown without the document all the same
+
 // Runs the application on the launcher's thread. The host is up: a localizer and a parser factory
-// are installed. Returns the process's exit code.
+// are installed. Returns the process's exit code: 0, or one of those below.
 extern "C" std::int32_t AppMain(std::intptr_t request, std::int32_t flags, std::int32_t unused);

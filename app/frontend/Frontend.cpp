@@ -148,16 +148,36 @@ void PrintProject(const Project& project) {
               << "\n\n";
 }
 
-void PrintDocument(const vexacore::UTF16String& path) {
-    if (const auto project = ReadProject(path)) {
-        PrintProject(*project);
-        return;
+// A name with what is not printable ASCII or UTF-8 in it written as "\xE9".
+std::string Printable(const std::string& path) {
+    std::ostringstream text;
+    const bool isUtf8 =
+        vexacore::utility::UTF16toStdString(vexacore::utility::StdToUTF16String(path)) == path;
+    for (const char c : path) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < ' ' || byte == 0x7F || (!isUtf8 && byte > 0x7F))
+            text << "\\x" << std::hex << std::uppercase << std::setw(2) << std::setfill('0')
+                 << int{byte};
+        else
+            text << c;
     }
+    return text.str();
+}
+
+// Returns what AppMain is to return.
+std::int32_t PrintDocument(const std::string& path) {
+    const auto [project, failure] = ReadProject(path);
+    if (project) {
+        PrintProject(*project);
+        return 0;
+    }
+    std::cerr << "framewright: cannot use '" << Printable(path) << "': " << failure << '\n';
     std::cout << Filled(Localized(R"($$$/Framewright/Message/CannotRead=)"
                                   R"(The document "^1" could not be read as a project.\n)"
                                   R"(The application goes on without it.)"),
-                        {FromUTF16(path)})
+                        {FromUTF16(vexacore::utility::StdToUTF16String(path))})
               << "\n\n";
+    return kDocumentUnusable;
 }
 
 void PrintStatus() {
@@ -183,9 +203,9 @@ extern "C" [[gnu::visibility("default")]] std::int32_t AppMain(std::intptr_t req
 
     frontend::PrintProduct();
     frontend::PrintMenus();
-    frontend::PrintDocument(vexacore::utility::StdToUTF16String(launch.documentPath));
+    const auto result = frontend::PrintDocument(launch.documentPath);
     frontend::PrintStatus();
-    if (std::cout.flush()) return 0;
+    if (std::cout.flush()) return result;
     std::cerr << "framewright: standard output cannot be written\n";
-    return 1;
+    return kOutputFailed;
 }

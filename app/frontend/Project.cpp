@@ -1,10 +1,13 @@
 #include "app/frontend/Project.h"
 
 #include <algorithm>
+#include <new>
 #include <system_error>
 #include <utility>
 
 #include "app/frontend/Texts.h"
+#include "host/vexacore/FileSupport.h"
+#include "host/vexacore/Utility.h"
 #include "host/vexacore/Xml.h"
 
 namespace frontend {
@@ -41,7 +44,7 @@ long SecondsOf(const Attributes& attributes) {
     const auto digits = ValueOf(u"seconds", attributes);
     long seconds = 0;
     const bool valid = digits.size() <= kMostSecondDigits && FromUTF16(digits).ToInteger(seconds);
-    return valid ? seconds : 0;
+    return valid && seconds > 0 ? seconds : 0;
 }
 
 // Fills a project as its document is parsed.
@@ -119,16 +122,25 @@ private:
 
 }  // namespace
 
-std::optional<Project> ReadProject(const UTF16String& path) {
-    Project project;
-    vexacore::Owner<vexacore::xml::AbstractParseHandler> handler(new ProjectHandler(project));
-    const auto parser = vexacore::xml::GetParserFactory()->GetParser(handler);
+ReadResult ReadProject(const std::string& path) {
+    namespace utility = vexacore::utility;
     try {
-        if (parser->ParseDocument(path) != vexacore::xml::kParseSucceeded) return {};
-    } catch (const std::system_error&) {  // the file layer could not read it
-        return {};
+        const auto name = utility::StdToUTF16String(path);
+        if (utility::UTF16toStdString(name) != path) return {{}, "its name is not UTF-8"};
+        if (auto cause = utility::FileUtils::WhyUnreadable(path); !cause.empty())
+            return {{}, std::move(cause)};
+        Project project;
+        vexacore::Owner<vexacore::xml::AbstractParseHandler> handler(new ProjectHandler(project));
+        const auto parser = vexacore::xml::GetParserFactory()->GetParser(handler);
+        if (parser->ParseDocument(name) == vexacore::xml::kParseSucceeded)
+            return {std::move(project), {}};
+        const auto& cause = parser->LastFailure();
+        return {{}, cause.empty() ? "no well-formed XML document" : cause};
+    } catch (const std::system_error& error) {  // of the file layer
+        return {{}, error.code().message()};
+    } catch (const std::bad_alloc&) {
+        return {{}, "out of memory"};
     }
-    return project;
 }
 
 }  // namespace frontend

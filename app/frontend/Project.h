@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "host/vexacore/String.h"
@@ -32,8 +33,13 @@ struct Project {
     std::vector<OutlineLine> outline;
 };
 
-// Parses the document with the host's installed parser factory. Nothing when it cannot be read or
-// is no well-formed XML.
-std::optional<Project> ReadProject(const vexacore::UTF16String& path);
+struct ReadResult {
+    std::optional<Project> project;
+    std::string failure;  // why there is no project: one line for people, in UTF-8
+};
+
+// Parses the document with the host's installed parser factory. `path` is what the system names it.
+// Throws nothing but what a second lack of memory, for the failure's text, does.
+ReadResult ReadProject(const std::string& path);
 
 }  // namespace frontend

@@ -1,6 +1,8 @@
 #include "app/launcher/CommandLine.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <string_view>
 
 namespace launcher {
 namespace {
@@ -8,7 +10,15 @@ namespace {
 constexpr const char* kAccepted =
     " (accepted: --language X, --trace, --help, --version, the path of a document)";
 
+constexpr std::string_view kEndOfOptions = "--";
+
 Ending Refused(const std::string& what) { return {what + kAccepted, kBadCommandLine}; }
+
+// "--language=", for which the parser would take the argument after it.
+bool LacksName(int argc, const char* const* argv) {
+    const auto end = std::find(argv, argv + argc, kEndOfOptions);
+    return std::find(argv, end, std::string_view("--language=")) != end;
+}
 
 }  // namespace
 
@@ -22,14 +32,17 @@ std::variant<Options, Ending> ParseCommandLine(int argc, const char* const* argv
                    "LC_MESSAGES, LANG)")
         ->type_name("X");
     app.add_flag("--trace", options.trace,
-                 "tell on standard error what the host holds before, during and after the run, and "
-                 "the timing marks");
+                 "tell on standard error what the host holds before, during and after the run, "
+                 "the dictionary files that were looked for and read, and the timing marks");
     app.add_option("document", options.document, "project document; a sample without one")
         ->type_name("PATH");
     app.footer(
-        "Exit codes: the front end's (0 when all went well), 1 when start-up fails, 2 for a bad "
-        "command line, 3 when no localized resources are found.");
+        "Options end at \"--\".\n"
+        "Exit codes: the front end's (0 when all went well, 4 when the document cannot be used), 1 "
+        "when start-up fails, 2 for a bad command line, 3 when there is no dictionary, 255 for a "
+        "result of the front end that is not from 0 to 255.");
     app.allow_extras();
+    if (LacksName(argc, argv)) return Refused("--language= lacks the name of a language");
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
@@ -39,9 +52,11 @@ std::variant<Options, Ending> ParseCommandLine(int argc, const char* const* argv
     } catch (const CLI::ParseError& error) {
         return Refused(error.what());
     }
-    const auto unknown = app.remaining();
+    auto unknown = app.remaining();  // the end of the options is among them
+    const auto end = std::ranges::find(unknown, kEndOfOptions);
+    const bool isOption = end != unknown.begin() && unknown.front().starts_with('-');
+    if (end != unknown.end()) unknown.erase(end);
     if (unknown.empty()) return options;
-    const bool isOption = unknown.front().starts_with('-');
     return Refused((isOption ? "unknown option '" : "unexpected argument '") + unknown.front() +
                    '\'');
 }

@@ -21,6 +21,7 @@ struct Ending {
 constexpr int kStartupFailed = 1;
 constexpr int kBadCommandLine = 2;
 constexpr int kNoResources = 3;
+constexpr int kResultOutOfRange = 255;
 
 // Takes the command line apart; what the options name is not looked at.
 std::variant<Options, Ending> ParseCommandLine(int argc, const char* const* argv,

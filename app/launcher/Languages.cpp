@@ -11,14 +11,16 @@ namespace launcher {
 namespace {
 
 constexpr std::string_view kOwnLanguage = "en";
+constexpr const char* kDictionariesFolder = "Dictionaries";
+constexpr const char* kDictionary = "wdictionary.dat";
 
 }  // namespace
 
-std::vector<std::string> ShippedLanguages(const std::filesystem::path& dictionaries) {
+std::vector<std::string> ShippedLanguages(const std::filesystem::path& appFolder) {
     std::vector<std::string> names;
     std::error_code ignored;  // a folder that cannot be read ships nothing
-    for (std::filesystem::directory_iterator entry(dictionaries, ignored), end; entry != end;
-         entry.increment(ignored)) {
+    for (std::filesystem::directory_iterator entry(appFolder / kDictionariesFolder, ignored), end;
+         entry != end; entry.increment(ignored)) {
         if (entry->is_directory(ignored)) names.push_back(entry->path().filename());
     }
     std::ranges::sort(names, {}, [](const std::string& name) {
@@ -27,12 +29,25 @@ std::vector<std::string> ShippedLanguages(const std::filesystem::path& dictionar
     return names;
 }
 
+bool HasDictionary(const std::filesystem::path& appFolder,
+                   const std::vector<std::string>& languages) {
+    const auto isFile = [](const std::filesystem::path& path) {
+        std::error_code unreachable;
+        return std::filesystem::is_regular_file(path, unreachable);
+    };
+    return isFile(appFolder / kDictionary) ||
+           std::ranges::any_of(languages, [&](const std::string& language) {
+               return isFile(appFolder / kDictionariesFolder / language / kDictionary);
+           });
+}
+
 void PreferLanguage(const std::string& language) {
     const char* const only[] = {language.c_str(), nullptr};
     MuiForceOrderOfOsLocales(only);
 }
 
 std::string BestLanguage(const std::vector<std::string>& shipped) {
+    if (shipped.empty()) return std::string(kOwnLanguage);
     std::vector<const char*> names;
     names.reserve(shipped.size() + 1);
     for (const auto& name : shipped)

@@ -7,12 +7,11 @@
 #include <cstdint>
 #include <exception>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
+#include <new>
 #include <optional>
 #include <stdexcept>
 #include <string>
-#include <system_error>
 #include <variant>
 
 #include "app/frontend/AppMain.h"
@@ -20,10 +19,8 @@
 #include "app/launcher/Languages.h"
 #include "app/trace/HostTrace.h"
 #include "host/FWR/Application.h"
+#include "host/FWR/StartupReport.h"
 #include "host/Ovis/Language.h"
-#include "host/Ovis/Module.h"
-#include "host/vexacore/Config.h"
-#include "host/vexacore/Debug.h"
 #include "host/vexacore/FileSupport.h"
 #include "host/vexacore/Utility.h"
 #include "startup/MacStartup.h"
@@ -33,7 +30,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr auto kLaunchCookie = static_cast<std::int32_t>(0xC3A951E7);
 constexpr const char* kStartupLibrary = FRAMEWRIGHT_STARTUP_LIBRARY;  // its file name
 
 std::string Version() {
@@ -54,25 +50,22 @@ decltype(Run)* FindRun(const fs::path& appFolder) {
     return reinterpret_cast<decltype(Run)*>(run);
 }
 
-bool IsReadable(const fs::path& document) {
-    std::error_code unknown;
-    return fs::is_regular_file(document, unknown) && std::ifstream(document).is_open();
-}
-
 // Settles the UI language; what keeps the application from starting in one, if anything does.
 std::optional<Ending> ChooseLanguage(const std::optional<std::string>& wanted,
                                      const fs::path& appFolder) {
-    const auto shipped = ShippedLanguages(appFolder / "Dictionaries");
+    const auto shipped = ShippedLanguages(appFolder);
     if (wanted) PreferLanguage(*wanted);
-    if (shipped.empty()) return Ending{NoResourcesMessage(), kNoResources};
-    if (wanted && std::ranges::find(shipped, *wanted) == shipped.end()) {
+    if (!HasDictionary(appFolder, shipped)) return Ending{NoResourcesMessage(), kNoResources};
+    // Without language folders, the one dictionary is for all languages.
+    const bool any = shipped.empty() && wanted != "";
+    if (wanted && !any && std::ranges::find(shipped, *wanted) == shipped.end()) {
         std::string accepted;
         for (const auto& name : shipped)
             accepted += (accepted.empty() ? "" : ", ") + name;
         return Ending{"unknown language '" + *wanted + "' (accepted: " + accepted + ')',
                       kBadCommandLine};
     }
-    const auto language = BestLanguage(shipped);
+    const auto language = wanted ? *wanted : BestLanguage(shipped);
     Ovis::SetLanguageString(vexacore::utility::StdToUTF16String(language));
     return {};
 }
@@ -102,26 +95,38 @@ private:
 std::int32_t RunApplication(decltype(Run)* run, const fs::path& document, bool traced) {
     const Trace tracing(traced);
     const LaunchRequest request{document.c_str()};
-    return run(reinterpret_cast<std::intptr_t>(&request), traced ? kLaunchTrace : 0, kLaunchCookie);
+    return run(reinterpret_cast<std::intptr_t>(&request), traced ? kLaunchTrace : 0,
+               Startup::kLaunchCookie);
 }
 
-// Why `Run` failed, as far as the host can tell; nothing when it was the front end that failed.
-// This launcher passes the right cookie, but the start-up library may be of another version.
+// Why `Run` did not reach the front end, as it reports; nothing when it did.
 std::optional<std::string> StartupFailure() {
-    if (auto failure = Ovis::Module::LastFailure(); !failure.empty()) return failure;
-    if (!vexacore::debug::GlobalTimeMeasurement::Marks().empty()) return {};
-    if (vexacore::config::GetIdentity().empty()) return "the launch cookie was refused";
-    return "the host framework could not be set up";
+    const auto [stage, cause] = FWR::GetStartupReport();
+    switch (stage) {
+        case FWR::StartupStage::kNone:
+            // This launcher passes the cookie of its own version's start-up library.
+            return "the launch cookie was refused: the start-up library is of another version";
+        case FWR::StartupStage::kHostFailed:
+            return "the host framework could not be set up: " + cause;
+        case FWR::StartupStage::kNoFrontEnd:
+            return cause;
+        case FWR::StartupStage::kFrontEndReached:
+            break;
+    }
+    return {};
 }
 
 int Start(const Options& options) {
     const fs::path appFolder =
         vexacore::utility::UTF16toStdString(vexacore::filesupport::Dir::AppDir().FullPath());
     const fs::path document = options.document.value_or(appFolder / "sample.project.xml");
-    if (options.document && !IsReadable(document)) {
-        return Fail({"cannot read '" + *options.document +
-                         "' (accepted: the path of a readable project document)",
-                     kBadCommandLine});
+    if (options.document) {
+        const auto cause = vexacore::utility::FileUtils::WhyUnreadable(document);
+        if (!cause.empty()) {
+            return Fail({"cannot read '" + *options.document + "': " + cause +
+                             " (accepted: the path of a readable project document)",
+                         kBadCommandLine});
+        }
     }
     if (const auto ending = ChooseLanguage(options.language, appFolder)) return Fail(*ending);
 
@@ -129,7 +134,9 @@ int Start(const Options& options) {
     if (result == kStartupFailed) {
         if (const auto failure = StartupFailure()) return Fail({*failure, kStartupFailed});
     }
-    return result;
+    // The system keeps eight bits, which would let 256 pass for success.
+    constexpr std::int32_t kLargestExitCode = 255;
+    return result >= 0 && result <= kLargestExitCode ? result : kResultOutOfRange;
 }
 
 }  // namespace
@@ -145,6 +152,8 @@ int main(int argc, char** argv) {
         if (!(std::cout << ending.text << std::flush))
             return Fail({"cannot write", kStartupFailed});
         return 0;
+    } catch (const std::bad_alloc&) {
+        return Fail({"out of memory", kStartupFailed});
     } catch (const std::exception& error) {
         return Fail({error.what(), kStartupFailed});
     } catch (...) {

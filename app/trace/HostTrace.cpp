@@ -23,15 +23,22 @@ const char* Presence(const void* object) { return object != nullptr ? "installed
 
 std::string Quoted(const UTF16String& text) { return '"' + utility::UTF16toStdString(text) + '"'; }
 
+// Nothing for the folder without a path.
+std::string InFolder(const filesupport::Dir& folder) {
+    return folder.FullPath().empty() ? "" : ", folder " + Quoted(folder.FullPath());
+}
+
 }  // namespace
 
 void PrintHost(std::string_view when) {
     std::clog << when << ":\n"
-              << "  localizer: " << Presence(config::Localizer::Get()) << '\n'
+              << "  localizer: " << Presence(config::Localizer::Get())
+              << InFolder(config::Localizer::GetFolder()) << '\n'
               << "  error manager: " << Presence(config::ErrorManager::Get()) << '\n'
               << "  parser factory: " << Presence(xml::GetParserFactory()) << '\n'
               << "  UI language: " << Quoted(Ovis::GetLanguageString()) << '\n'
-              << "  locale: " << Quoted(Locale::GetLanguage()) << '\n';
+              << "  locale: " << Quoted(Locale::GetLanguage()) << InFolder(Locale::GetFolder())
+              << '\n';
     for (const auto& [setting, value] : config::GetIdentity()) {
         std::clog << "  " << setting << ": " << Quoted(value) << '\n';
     }
@@ -52,7 +59,7 @@ void PrintHistory() {
     const auto marks = debug::GlobalTimeMeasurement::Marks();
     std::clog << "timing marks:\n";
     for (const auto& mark : marks) {
-        printLine(mark.time - marks.front().time, mark.measurement + ": " + mark.label);
+        printLine(mark.time - marks.front().time, mark.Text());
     }
     std::clog.flush();
 }

@@ -63,7 +63,8 @@ std::int32_t Module::LoadRelative(const vexacore::UTF16String& name, PathType pa
     const auto path = PathUtils::AddTrailingSlash(PathUtils::AddTrailingSlash(appFolder) + name) +
                       name.substr(0, name.size() - kFrameworkSuffix.size());
     const std::string filePath = vexacore::utility::UTF16toStdString(path);
-    if (!PathUtils::ExistsOnDisk(path, false)) return Fail(kMissing, filePath + ": no such module");
+    if (const auto cause = vexacore::utility::FileUtils::WhyUnreadable(filePath); !cause.empty())
+        return Fail(kMissing, filePath + ": " + cause);
     const boost::shared_ptr<Module> loaded(new Module(filePath, shownName));
     if (loaded->handle == nullptr) return Fail(kNotLoadable, LoaderError());
     vexacore::debug::HostEvents::Append("module loaded: " + shownName);

@@ -1,10 +1,6 @@
 #include "host/Ovis/PathUtils.h"
 
-#include <filesystem>
-#include <system_error>
-
 #include "host/vexacore/FileSupport.h"
-#include "host/vexacore/Utility.h"
 
 namespace Ovis {
 
@@ -17,10 +13,8 @@ vexacore::UTF16String PathUtils::AddTrailingSlash(const vexacore::UTF16String& p
     return path.substr(0, path.find_last_not_of(kSeparator) + 1) + kSeparator;
 }
 
-bool PathUtils::ExistsOnDisk(const vexacore::UTF16String& path, bool folder) {
-    if (!folder) return vexacore::utility::FileUtils::FileExists(path);
-    std::error_code unreachable;
-    return std::filesystem::is_directory(vexacore::utility::UTF16toStdString(path), unreachable);
+bool PathUtils::ExistsOnDisk(const vexacore::UTF16String& path, bool) {
+    return vexacore::utility::FileUtils::FileExists(path);
 }
 
 vexacore::UTF16String PathUtils::GetPathSeparator() { return {kSeparator}; }

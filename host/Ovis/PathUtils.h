@@ -10,8 +10,8 @@ public:
     // that a path built on a folder that could not be had never leads into the working folder.
     static vexacore::UTF16String AddTrailingSlash(const vexacore::UTF16String& path);
 
-    // Whether the path names a folder, when `folder` is set, or else something that is no folder.
-    static bool ExistsOnDisk(const vexacore::UTF16String& path, bool folder);
+    // Whether the path names a regular file; see FileUtils::FileExists. The flag is not used.
+    static bool ExistsOnDisk(const vexacore::UTF16String& path, bool flag);
 
     static vexacore::UTF16String GetPathSeparator();
 };

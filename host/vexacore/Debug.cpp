@@ -3,37 +3,44 @@
 #include <mutex>
 #include <new>
 #include <utility>
+#include <variant>
 
 namespace vexacore::debug {
 
 namespace {
 
-std::mutex eventsMutex;
-std::vector<HostEvent> events;
-
-std::mutex marksMutex;
-std::vector<Mark> marks;
+std::mutex mutex;
+std::vector<std::variant<HostEvent, Mark>> list;
 
 void Record(Mark mark) {
-    const std::string text = mark.measurement + ": " + mark.label;
-    const std::lock_guard lock(marksMutex);
-    marks.push_back(std::move(mark));
-    HostEvents::Append(text);
+    const std::lock_guard lock(mutex);
+    list.emplace_back(std::move(mark));
 }
 
 }  // namespace
 
 void HostEvents::Append(std::string_view text) noexcept {
-    const std::lock_guard lock(eventsMutex);
+    const std::lock_guard lock(mutex);
     try {
-        events.push_back({Clock::now(), std::string(text)});
+        list.emplace_back(HostEvent{Clock::now(), std::string(text)});
     } catch (const std::bad_alloc&) {  // lost
     }
 }
 
 std::vector<HostEvent> HostEvents::All() {
-    const std::lock_guard lock(eventsMutex);
+    const std::lock_guard lock(mutex);
+    std::vector<HostEvent> events;
+    for (const auto& entry : list) {
+        const auto* const mark = std::get_if<Mark>(&entry);
+        events.push_back(mark ? HostEvent{mark->time, mark->Text()} : std::get<HostEvent>(entry));
+    }
     return events;
+}
+
+std::string Mark::Text() const {
+    std::string text = measurement + ": " + label + (flag ? " (true" : " (false");
+    if (kind != MarkKind::kEnd) text += ", " + std::to_string(value);
+    return text + ')';
 }
 
 void GlobalTimeMeasurement::BeginMeasurement(const std::string& name, const std::string& label,
@@ -53,7 +60,11 @@ void GlobalTimeMeasurement::EndMeasurement(const std::string& name, const std::s
 }
 
 std::vector<Mark> GlobalTimeMeasurement::Marks() {
-    const std::lock_guard lock(marksMutex);
+    const std::lock_guard lock(mutex);
+    std::vector<Mark> marks;
+    for (const auto& entry : list) {
+        if (const auto* const mark = std::get_if<Mark>(&entry)) marks.push_back(*mark);
+    }
     return marks;
 }
 

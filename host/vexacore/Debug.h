@@ -14,7 +14,7 @@ using Clock = std::chrono::steady_clock;
 
 struct HostEvent {
     Clock::time_point time;
-    std::string text;  // "localizer installed", "StartupTime: Starting"
+    std::string text;  // "localizer installed"; of a mark "StartupTime: Starting (true, 1000)"
 };
 
 // The one ordered list of host events: what is installed and uninstalled, loaded and released, each
@@ -33,11 +33,13 @@ struct Mark {
     std::string measurement;
     std::string label;
     bool flag;  // recorded as given, like `value`
-    int value;  // 0 for an end mark
+    int value;  // 0 for an end mark, which has none
     Clock::time_point time;
+
+    std::string Text() const;  // as HostEvent::text has it
 };
 
-// Named measurements of the process. Each mark is also a host event "name: label".
+// Named measurements of the process. Each mark stands in the list of host events.
 //
 // Failure:  std::bad_alloc; the mark is not recorded then.
 class GlobalTimeMeasurement {

@@ -27,7 +27,8 @@ File::File(const UTF16String& newPath, StorageType) : path(newPath) {}
 IPlatformByteStream::IPlatformByteStream(const File& file, std::uint32_t flags)
     : path(utility::UTF16toStdString(file.Path())), descriptor(-1) {
     if (flags != kRead) Fail(EINVAL);
-    descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    // Without waiting for the writer of a pipe.
+    descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0) Fail(errno);
 }
 
@@ -61,7 +62,16 @@ namespace vexacore::utility {
 bool FileUtils::FileExists(const UTF16String& path) {
     std::error_code unreadable;
     const auto status = std::filesystem::status(UTF16toStdString(path), unreadable);
-    return std::filesystem::exists(status) && !std::filesystem::is_directory(status);
+    return std::filesystem::is_regular_file(status);
+}
+
+std::string FileUtils::WhyUnreadable(const std::string& path) {
+    const auto system = [] { return std::generic_category().message(errno); };
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0) return system();
+    if (S_ISDIR(status.st_mode)) return "a folder";
+    if (!S_ISREG(status.st_mode)) return "not a regular file";
+    return access(path.c_str(), R_OK) == 0 ? std::string() : system();
 }
 
 }  // namespace vexacore::utility

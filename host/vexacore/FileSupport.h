@@ -70,8 +70,13 @@ namespace vexacore::utility {
 
 class FileUtils {
 public:
-    // True for anything that a path names and that is no folder.
+    // True for a regular file, also through links. A pipe or a device is none: opening or reading
+    // one may never come to an end.
     static bool FileExists(const UTF16String& path);
+
+    // Why a path, as the system names it, is no regular file that can be read: one line for people.
+    // Empty when it is one.
+    static std::string WhyUnreadable(const std::string& path);
 };
 
 }  // namespace vexacore::utility

@@ -6,6 +6,7 @@
 //           the launcher's thread.
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "host/vexacore/Owner.h"
@@ -63,8 +64,12 @@ public:
     virtual ResultCode ParseDocument(const UTF16String& path) = 0;
     virtual ResultCode ParseBuffer(const ByteString& document) = 0;
 
+    // Why the last parse failed, one line for people in UTF-8; empty when the parser cannot say.
+    const std::string& LastFailure() const noexcept { return failure; }
+
 protected:
     Owner<AbstractParseHandler> handler;
+    std::string failure;
 };
 
 class DocParserFactory {

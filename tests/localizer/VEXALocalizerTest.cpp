@@ -1,8 +1,11 @@
 #include "localizer/VEXALocalizer.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 
 #include "host/Ovis/Language.h"
+#include "host/vexacore/Debug.h"
 #include "host/vexacore/Utility.h"
 #include "tests/Environment.h"
 #include "tests/TemporaryFolder.h"
@@ -33,7 +36,8 @@ TEST_F(LocalizerTest, FindsTheLanguageFirstThenTheNeutralFile) {
     base.Write("Dictionaries/fr/wdictionary.dat", "");
     EXPECT_FALSE(localizer.GetWordlexDictionaryFolder(Text(base.path), file));
     EXPECT_EQ(u"untouched", file);
-    std::filesystem::create_directories(base / kGerman);  // such a folder is no dictionary
+    std::filesystem::create_directories((base / kGerman).parent_path());
+    ASSERT_EQ(0, mkfifo((base / kGerman).c_str(), S_IRUSR | S_IWUSR));  // nobody writes into it
     for (const char* const expected : {kNeutral, kGerman}) {
         if (expected == kGerman) std::filesystem::remove(base / kGerman);
         base.Write(expected, "");
@@ -47,6 +51,14 @@ TEST_F(LocalizerTest, FindsTheLanguageFirstThenTheNeutralFile) {
 TEST_F(LocalizerTest, LoadReportsWhetherAFileWasOpened) {
     EXPECT_FALSE(Load());
     base.Write(kNeutral, "\"$$$/A=neutral\"\n\"$$$/N=neutral\"");
+    rlimit files{};
+    ASSERT_EQ(0, getrlimit(RLIMIT_NOFILE, &files));
+    const rlimit noMore{0, files.rlim_max};  // a limit that binds root too
+    ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &noMore));
+    EXPECT_FALSE(Load());
+    ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &files));
+    EXPECT_EQ("dictionary not opened: " + (base / kNeutral).string() + ": Too many open files",
+              vexacore::debug::HostEvents::All().back().text);
     EXPECT_TRUE(Load());
     EXPECT_EQ(u"neutral", localizer.GetLocalizedString("$$$/A=default"));
     base.Write(kGerman, "\"$$$/A=deutsch\"");  // takes the place of the first text, adds no other

@@ -1,10 +1,11 @@
 // Calls Run with the first three numbers of the command line, while the allocation of the fourth
-// number fails, and prints the host events and the outcome, one a line.
+// number fails, and prints the host events, what Run reports and the outcome, one a line.
 
 #include <cstdlib>
 #include <exception>
 #include <iostream>
 
+#include "host/FWR/StartupReport.h"
 #include "host/vexacore/Config.h"
 #include "host/vexacore/Debug.h"
 #include "startup/MacStartup.h"
@@ -23,5 +24,8 @@ int main(int, char** arguments) {
     }
     for (const auto& event : vexacore::debug::HostEvents::All())
         std::cout << event.text << '\n';
-    std::cout << vexacore::config::GetIdentity().size() << " identity values\n" << outcome << '\n';
+    const auto report = FWR::GetStartupReport();
+    std::cout << vexacore::config::GetIdentity().size() << " identity values\n"
+              << "stage " << static_cast<int>(report.stage) << ' ' << report.cause << '\n'
+              << outcome << '\n';
 }
