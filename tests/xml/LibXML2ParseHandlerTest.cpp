@@ -13,35 +13,29 @@
 #include "tests/TemporaryFolder.h"
 
 // Stand in front of the C library's own for all that this program links to, and count their calls.
-static int opened = 0;
-static int connected = 0;
+static int opened = 0, connected = 0;
 static int loaded = 0;  // conversions, for which the C library may load a module
 
-template <class... Arguments>
-static auto Forward(int& calls, const char* function, Arguments... arguments) {
+template <class Result, class... Arguments>
+static Result Call(int& calls, const char* function, Arguments... arguments) {
     ++calls;
-    using Result = std::conditional_t<(sizeof...(Arguments) == 2), void*, int>;
     return reinterpret_cast<Result (*)(Arguments...)>(dlsym(RTLD_NEXT, function))(arguments...);
 }
 #pragma GCC visibility push(default)
 extern "C" {
-FILE* fopen(const char* path, const char* mode) {
-    return static_cast<FILE*>(Forward(opened, "fopen", path, mode));
-}
-FILE* fopen64(const char* path, const char* mode) {
-    return static_cast<FILE*>(Forward(opened, "fopen64", path, mode));
-}
+FILE* fopen(const char* name, const char* mode) { return Call<FILE*>(opened, "fopen", name, mode); }
+FILE* fopen64(const char* name, const char* m) { return Call<FILE*>(opened, "fopen64", name, m); }
 iconv_t iconv_open(const char* to, const char* from) {
-    return Forward(loaded, "iconv_open", to, from);
+    return Call<iconv_t>(loaded, "iconv_open", to, from);
 }
-int open(const char* path, int flags, unsigned mode) {
-    return Forward(opened, "open", path, flags, mode);
+int open(const char* name, int flags, unsigned mode) {
+    return Call<int>(opened, "open", name, flags, mode);
 }
-int open64(const char* path, int flags, unsigned mode) {
-    return Forward(opened, "open64", path, flags, mode);
+int open64(const char* name, int flags, unsigned mode) {
+    return Call<int>(opened, "open64", name, flags, mode);
 }
 int connect(int socket, const sockaddr* address, socklen_t size) {
-    return Forward(connected, "connect", socket, address, size);
+    return Call<int>(connected, "connect", socket, address, size);
 }
 }
 #pragma GCC visibility pop
@@ -142,51 +136,41 @@ TEST(Events, ComeInOrder) {
     check({"<a/>\0<b", 7}, "start[a][][a] end[a][][a] ");
     check("<!DOCTYPE a [<!ENTITY lt 'x'><!ENTITY e ''><!ENTITY e 'y'>]><a>&lt;&e;</a>",
           "start[a][][a] text[<] end[a][][a] ");
-    check("<p:a q:x=''/>", "start[p:a][][a][q:x][][x][] end[p:a][][a] ");
 }
 
 TEST(Malformed, DocumentsGiveTheEventsBeforeTheFirstErrorOnly) {
     const auto check = [](std::string_view document, const std::string& expected) {
         EXPECT_EQ((Outcome{kParseFailed, expected}), ObserveText(document)) << document;
     };
+    const std::string open = "doc start[a][][a] ", one = open + "text[one] ";
     check("", "");
     check({"\0<a/>", 5}, "");
-    check(" <?xml version='1.0'?><a/>", "doc ");
     check("<?xml version='1.0' standalone='maybe'?><a>one<b>three</b></a>", "");
     check("<?xml version='1.0' encoding='unknown'?><a>one</a>", "");
-    check("<?xml version='1.0'><a>one</a>", "");
     check({"\xFF\xFE<\0a\0/\0>\0", 10}, "doc ");  // the first NUL ends it
     check("one<a>two</a>", "doc ");
     check("<!DOCTYPE a [<!ENTITY e 'x'><!ENTITY f 'y'><!ENTITY", "doc ");
     check("<!DOCTYPE a [<!ELEMENT a>]><a>one<!--two--></a>", "doc ");
     check("<!--one--><?xml version='1.0'?><a/>", "doc comment[one] ");
-    check("<a>one & two<b>three</b></a>", "doc start[a][][a] text[one ] ");
-    check("<a>&unknown;<b>two</b></a>", "doc start[a][][a] ");
-    check("<a>one<![CDATA", "doc start[a][][a] text[one] ");
-    check("<a>one<![CDATA[two]]<b/></a>", "doc start[a][][a] text[one] ");
-    check("<a>one<!--two--three--><b/></a>", "doc start[a][][a] text[one] ");
-    check("<a><b x=1>two</b>x</a>", "doc start[a][][a] ");
-    check("<a><b x='1' x='2'>two</b>x</a>", "doc start[a][][a] ");
+    check("<a>&unknown;<b>two</b></a>", open);
+    check("<a><b x=1>two</b>x</a>", open);
+    check("<a><b x='1' x='2'>two</b>x</a>", open);
+    check("<a>one]]>two<b/></a>", open);  // found before the text is handed on
+    check("<a>one & two<b>three</b></a>", open + "text[one ] ");
+    check("<a>one<![CDATA", one);
+    check("<a>one<!--two--three--><b/></a>", one);
+    check("<a>one\x01two<b/></a>", one);
+    check("<a>one\xFFtwo<b>three</b></a>", one);
+    check("<a>one<b", one + "start[b][][b] ");
+    check("<a>one</a>two<b/><!--three-->", one + "end[a][][a] ");
     check("<a xmlns='u'><b></a>two<c/>", "doc map[][u] start[a][u][a] start[b][u][b] ");
-    check("<a>one]]>two<b/></a>", "doc start[a][][a] ");
-    check("<a>one\x01two<b/></a>", "doc start[a][][a] text[one] ");
-    check("<a>one<b", "doc start[a][][a] text[one] start[b][][b] ");
-    check("<a>one</a>two<b/><!--three-->", "doc start[a][][a] text[one] end[a][][a] ");
-    check("<a/><b/>", "doc start[a][][a] end[a][][a] ");
-    check("<a>one\xFFtwo<b>three</b></a>", "doc start[a][][a] text[one] ");
-    check("<?xml version='1.0' encoding='EUC-JP'?><a>one<b/>\xFFtwo</a>",
-          "doc start[a][][a] text[one] start[b][][b] end[b][][b] ");
-    check("<?xml version='1.0' encoding='Big5'?><a>one<b/>\xFFtwo</a>",
-          "doc start[a][][a] text[one] start[b][][b] end[b][][b] ");
-    check("<?xml version='1.0' encoding='ISO-2022-JP'?><a>one<b/>\xFFtwo</a>",
-          "doc start[a][][a] text[one] start[b][][b] end[b][][b] ");
-    check("<!DOCTYPE a [<!ENTITY e 'one<b>two'>]><a>&e;three</b></a>",
-          "doc start[a][][a] text[one] start[b][][b] text[two] ");
-    check("<!DOCTYPE a [<!ENTITY e 'one&#38; two<b/>'>]><a>&e;three<c/></a>",
-          "doc start[a][][a] text[one] ");
-    check("<!DOCTYPE a [<!ENTITY e '&#60;b x=1>two&#60;/b>x'><!ENTITY f '&e;<c/>'>]><a>&f;</a>",
-          "doc start[a][][a] ");
-    check("<!DOCTYPE a [<!ENTITY e '&e;'>]><a>one&e;two<b/></a>", "doc start[a][][a] text[one] ");
+    for (const char* encoding : {"EUC-JP", "Big5", "ISO-2022-JP"})
+        check("<?xml version='1.0' encoding='"s + encoding + "'?><a>one<b/>\xFFtwo</a>",
+              one + "start[b][][b] end[b][][b] ");
+    const std::string entity = "<!DOCTYPE a [<!ENTITY e ";
+    check(entity + "'one<b>two'>]><a>&e;three</b></a>", one + "start[b][][b] text[two] ");
+    check(entity + "'one&#38; two<b/>'><!ENTITY f '&e;<c/>'>]><a>&f;three<c/></a>", one);
+    check(entity + "'&e;'>]><a>one&e;two<b/></a>", one);
 }
 
 TEST(Handler, ThrowingAtAnyEventEndsTheParse) {
@@ -220,32 +204,23 @@ TEST(Parser, ServesOneParseAfterAnother) {
 }
 
 TEST(Parser, RefusesToParseFromItsOwnHandler) {
-    int events = 0;
-    xml::AbstractDocParser* parsing = nullptr;
-    const auto nested = [&] {
-        ++events;
-        EXPECT_EQ(kParseFailed, parsing->ParseBuffer("<b/>"));
-        EXPECT_EQ("doc start[c][][c] ",
-                  Observe([](auto& another) { return another.ParseBuffer("<c>"); }).second);
-    };
     constexpr std::string_view kDocument = "<a x='y'>one<b/></a>";
-    EXPECT_EQ(ObserveText(kDocument), Observe(
-                                          [&](auto& parser) {
-                                              parsing = &parser;
-                                              return parser.ParseBuffer(ByteString(kDocument));
-                                          },
-                                          nested));
-    EXPECT_EQ(7, events);
-}
-
-TEST(Parser, LeavesTheErrorFunctionOfTheThreadAsItWas) {
     int errors = 0;
-    const xmlStructuredErrorFunc count = [](void* counter, auto) { ++*static_cast<int*>(counter); };
-    xmlSetStructuredErrorFunc(&errors, count);
-    EXPECT_EQ(kParseFailed, ObserveText("<a>").first);
+    xmlSetStructuredErrorFunc(&errors, [](void* counter, auto) { ++*static_cast<int*>(counter); });
+    const xmlStructuredErrorFunc counting = xmlStructuredError;
+    xml::AbstractDocParser* parsing = nullptr;
+    const auto parse = [&](auto& parser) {
+        parsing = &parser;
+        return parser.ParseBuffer(ByteString(kDocument));
+    };
+    EXPECT_EQ(ObserveText(kDocument), Observe(parse, [&] {
+                  EXPECT_EQ(kParseFailed, parsing->ParseBuffer("<b/>"));
+                  const auto fail = [](auto& another) { return another.ParseBuffer("<c>"); };
+                  EXPECT_EQ((Outcome{kParseFailed, "doc start[c][][c] "}), Observe(fail));
+              }));
     EXPECT_EQ(0, errors);
-    EXPECT_EQ(&errors, xmlStructuredErrorContext);
-    EXPECT_EQ(count, xmlStructuredError);
+    EXPECT_EQ(std::pair(counting, static_cast<void*>(&errors)),
+              std::pair(xmlStructuredError, xmlStructuredErrorContext));
     xmlSetStructuredErrorFunc(nullptr, nullptr);
 }
 
@@ -273,9 +248,7 @@ TEST(Entities, ExternalOnesAreRefused) {
     };
     check(kParseFailed, "[<!ENTITY e SYSTEM '" + file + "'>]><a>&e;</a>");
     check(kParseFailed, "[<!ENTITY e SYSTEM 'file://" + file + "'>]><a>&e;</a>");
-    check(kParseFailed, "[<!ENTITY e SYSTEM 'secret'>]><a>&e;</a>");
     check(kParseFailed, "[<!ENTITY e PUBLIC 'id' 'http://localhost/x'>]><a>&e;</a>");
-    check(kParseFailed, "[<!ENTITY e SYSTEM 'ftp://localhost/x'>]><a>&e;</a>");
     check(kParseFailed, "[<!NOTATION n SYSTEM 'n'><!ENTITY e SYSTEM 'x' NDATA n>]><a>&e;</a>");
     check(kParseFailed, "[<!ENTITY % p '<!ENTITY &#37; q SYSTEM \"" + file + "\">%q;'>%p;]><a/>");
     check(kParseSucceeded, "PUBLIC 'id' 'http://localhost/x.dtd'><a/>");
@@ -286,14 +259,11 @@ TEST(Entities, ExternalOnesAreRefused) {
 }
 
 TEST(Encodings, OnlyUnusualOnesAreLeftToTheCLibrary) {
-    const auto count = [](const std::string& encoding) {
+    for (const std::string encoding : {"UTF-8", "UTF-16", "US-ASCII", "ISO-8859-1", "EUC-JP"}) {
         loaded = 0;
-        ObserveText("<?xml version='1.0' encoding='" + encoding + "'?><a>\xE9</a>");
-        return loaded;
-    };
-    for (const char* own : {"UTF-8", "UTF-16", "US-ASCII", "ISO-8859-1"})
-        EXPECT_EQ(0, count(own)) << own;
-    EXPECT_LT(0, count("EUC-JP"));
+        ObserveText("<?xml version='1.0' encoding='" + encoding + "'?><a/>");
+        EXPECT_EQ(encoding == "EUC-JP", loaded > 0) << encoding;
+    }
 }
 
 // The piece as often as said, each '#' in it being the number of the piece.
@@ -340,7 +310,7 @@ TEST(Budget, EndsDocumentsThatYieldTooMuch) {
               "<" + thai + "/>", "</a>");
 }
 
-constexpr const char* kUtf7 = "<?xml version='1.0' encoding='UTF-7'?>";
+const std::string kUtf7 = "<?xml version='1.0' encoding='UTF-7'?>";
 
 TEST(Limits, EndDocumentsThatNestOrListTooMuch) {
     CheckCode(kParseSucceeded, Repeat(257, "<a>"), 257, "</a>", "");
@@ -350,7 +320,7 @@ TEST(Limits, EndDocumentsThatNestOrListTooMuch) {
     for (const int extra : {0, 1}) {
         const xml::ResultCode expected = extra == 0 ? kParseSucceeded : kParseFailed;
         CheckCode(expected, "<a", 10'000 + extra, " a# =\n'\">='", "/>");
-        CheckCode(expected, kUtf7 + "<a"s, 10'000 + extra, " attribute#+AD0-''", "/>");
+        CheckCode(expected, kUtf7 + "<a", 10'000 + extra, " attribute#+AD0-''", "/>");
         CheckCode(expected, "<a" + scope + "><b", 1'000 + extra, " xmlns:b#='u'", "/></a>");
         CheckCode(expected, entity + "b", 1'000 + extra, " xmlns:b#=\"u\"",
                   "/>'>]><a" + scope + ">&e;</a>");
@@ -366,35 +336,34 @@ TEST(Limits, EndDocumentsThatNestOrListTooMuch) {
 // libxml2 2.9.14 stores null for a default value that its dictionary has no room for, and crashes
 // itself where that is a namespace.
 TEST(Limits, FullDictionaryEndsTheDocument) {
-    CheckCode(kParseSucceeded, "<a>", 15'000, "<b#/>", "</a>");
     const std::string dtd = "<!DOCTYPE a [<!ATTLIST a ", large(200'000, 'u');
+    CheckCode(kParseSucceeded, "<a>", 15'000, "<b#/>", "</a>");
     CheckCode(kParseFailed, "<a>", 300'000, "<b#/>", "</a>");
     CheckCode(kParseFailed, "<a>", 300'000, "<?p#?>", "</a>");
     CheckCode(kParseSucceeded, dtd, 1, "a# CDATA '#" + large + "' ", ">]><a/>");
     CheckCode(kParseFailed, dtd, 10, "a# CDATA '#" + large + "' ", ">]><a/>");
-    CheckCode(kParseSucceeded, dtd + "b CDATA '" + large + large + "' ", 1,
-              "xmlns CDATA '" + large + "' ", ">]><a/>");
-    CheckCode(kParseFailed, dtd, 20, "b# CDATA '#" + large + large + "' ",
-              "xmlns CDATA 'u' >]><a/>");
+    const std::string named = "xmlns CDATA '#" + large + large + "' ";
+    CheckCode(kParseSucceeded, dtd, 2, named, ">]><a/>");
+    CheckCode(kParseFailed, dtd, 20, named, ">]><a/>");
 }
 
 // Each took libxml2 2.9.14 from 7 seconds to more than a minute before it was limited, and takes
 // less than a tenth of the allowed time now.
 TEST(Limits, BoundTheTime) {
-    const std::string entity = "<!DOCTYPE a [<!ENTITY e 'x'>]><a";
-    const std::string prefixes = Repeat(50, " xmlns:p#='u#'");
     std::string pairs;
     for (int i = 0; i < 50; ++i)
         pairs += Repeat(1'000, " p" + std::to_string(i) + ":a#+AD0-''");
-    const auto check = [](const std::string& document) {
+    for (const std::string& document : {
+             "<!DOCTYPE a [<!ENTITY e 'x'>]><a" + Repeat(9'990, " xmlns:p#='u'") + ">" +
+                 Repeat(300'000, "&e;") + "</a>",
+             "<!DOCTYPE a [<!ELEMENT a (a" + Repeat(300'000, "|b#") + ")>]><a/>",
+             kUtf7 + "<a" + Repeat(50, " xmlns:p#='u#'") + pairs + "/>",
+         }) {
         const std::clock_t start = std::clock();
         EXPECT_EQ(kParseFailed, ObserveText(document).first);
         EXPECT_GT(4.0, static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC)
             << document.substr(0, 60);
-    };
-    check(entity + Repeat(9'990, " xmlns:p#='u'") + ">" + Repeat(300'000, "&e;") + "</a>");
-    check("<!DOCTYPE a [<!ELEMENT a (a" + Repeat(300'000, "|b#") + ")>]><a/>");
-    check(kUtf7 + "<a"s + prefixes + pairs + "/>");
+    }
 }
 
 TEST(Documents, AreReadFromTheFile) {
