@@ -115,5 +115,42 @@ TEST(FailingStream, TakesWhatIsWrittenUpToTheFault) {
     }
 }
 
+// Larger than what is handed to the stream at once.
+TEST(FailingStream, TakesBlocksUpToTheFaultAndThrowsWhatItThrew) {
+    for (const bool compact : {false, true}) {
+        Dictionary dictionary(compact);
+        for (int i = 0; i < 3'000; ++i)
+            Load(dictionary, "/key" + std::to_string(i) + "=a text of some words");
+        for (const lexon::SaveType type : {lexon::SaveType::kBinary, lexon::SaveType::kText}) {
+            const auto write = [&](std::size_t faultAt, std::string& taken, bool thrown) {
+                FaultySink sink(taken, faultAt, Fault::kThrows);
+                std::ostream stream(&sink);
+                if (thrown) stream.exceptions(std::ios_base::badbit);
+                dictionary.Serialize(stream, type, nullptr, lexon::EndianT::kBig, 0);
+                return stream.good();
+            };
+            std::string whole;
+            EXPECT_TRUE(write(std::string::npos, whole, true));
+            EXPECT_GT(whole.size(), 0x10000U);
+            for (std::size_t at = 1; at < whole.size(); at += 0x3FFD) {
+                SCOPED_TRACE(at);
+                std::string taken;
+                EXPECT_FALSE(write(at, taken, false));
+                EXPECT_EQ(whole.substr(0, at), taken);
+                taken.clear();
+                if (compact && at > 40) {  // after the header
+                    testing::internal::CaptureStderr();
+                    EXPECT_FALSE(write(at, taken, true));
+                    EXPECT_EQ("Serialize2: Caught exception\n",
+                              testing::internal::GetCapturedStderr());
+                } else {
+                    EXPECT_THROW(write(at, taken, true), std::runtime_error);
+                }
+                EXPECT_EQ(whole.substr(0, at), taken);
+            }
+        }
+    }
+}
+
 }  // namespace
 }  // namespace hardening

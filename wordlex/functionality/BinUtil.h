@@ -1,5 +1,8 @@
 #pragma once
+#include <algorithm>
+#include <array>
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <iosfwd>
 
@@ -30,6 +33,19 @@ constexpr T ByteSwap(T value) noexcept {
     if constexpr (sizeof(T) == 2) return __builtin_bswap16(value);
     if constexpr (sizeof(T) == 4) return __builtin_bswap32(value);
     if constexpr (sizeof(T) == 8) return __builtin_bswap64(value);
+}
+
+// Calls write(bytes, byteCount) with the units in the other byte order, some at a time.
+template <class Write>
+void WriteSwapped(const unsigned short* units, std::size_t count, Write write) {
+    std::array<unsigned short, 256> swapped;
+    while (count != 0) {
+        const std::size_t step = std::min(count, swapped.size());
+        std::transform(units, units + step, swapped.begin(), ByteSwap<unsigned short>);
+        write(reinterpret_cast<const char*>(swapped.data()), step * sizeof *units);
+        units += step;
+        count -= step;
+    }
 }
 
 // What the head of a written file says of it, ahead of the byte order.

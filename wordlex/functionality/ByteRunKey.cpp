@@ -4,16 +4,9 @@
 #include <ostream>
 
 #include "wordlex/functionality/BinUtil.h"
+#include "wordlex/functionality/TextLine.h"
 
 namespace lexon_private {
-
-namespace {
-
-void WriteUnit(std::ostream& out, unsigned short unit) {
-    out.write(reinterpret_cast<const char*>(&unit), sizeof unit);
-}
-
-}  // namespace
 
 const unsigned char* ByteRunKey::CopyBytes(const unsigned char* bytes, unsigned long byteCount) {
     auto* const copy = new unsigned char[byteCount];
@@ -28,10 +21,9 @@ std::uint32_t ByteRunKey::Serialize(std::ostream& out, bool binary,
         out.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(length));
         return static_cast<std::uint32_t>(length);
     }
-    WriteUnit(out, u'"');
-    for (unsigned long i = 0; i < length; ++i)
-        WriteUnit(out, data[i]);
-    WriteUnit(out, u'=');
+    TextLine line(out);
+    line.PutKey({data, length});
+    line.Write();
     return 0;
 }
 

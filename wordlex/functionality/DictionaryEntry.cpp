@@ -1,12 +1,11 @@
 #include "wordlex/functionality/DictionaryEntry.h"
 
 #include <algorithm>
-#include <array>
 #include <ostream>
 #include <vector>
 
 #include "wordlex/functionality/BinUtil.h"
-#include "wordlex/functionality/UnicodeChar.h"
+#include "wordlex/functionality/TextLine.h"
 
 namespace lexon_private {
 
@@ -44,13 +43,15 @@ void DictionaryEntry::operator delete(DictionaryEntry* entry, std::destroying_de
 
 std::uint32_t DictionaryEntry::Serialize(std::ostream& out, bool binary,
                                          const lexon::EncodingInfo* encoding) const {
-    const std::uint32_t keyBytes = ByteRunKey::Serialize(out, binary, encoding);
-    if (!binary && GetLength() == 0) {
-        // An empty key writes nothing; the line needs its opening mark all the same.
-        static constexpr std::array<char16_t, 2> kEmptyKey{u'"', u'='};
-        out.write(reinterpret_cast<const char*>(kEmptyKey.data()), sizeof kEmptyKey);
+    if (binary) {
+        const std::uint32_t keyBytes = SerializeKey(out, true, encoding);
+        return keyBytes + value.Serialize(out, true, encoding);
     }
-    return keyBytes + value.Serialize(out, binary, encoding);
+    TextLine line(out);
+    line.PutKey({GetData(), GetLength()});  // an empty one, too: the line needs its opening mark
+    const std::uint32_t valueBytes = line.PutValue({value.GetData(), value.GetLength()});
+    line.Write();
+    return valueBytes;
 }
 
 std::uint32_t DictionaryEntry::SerializeKey(std::ostream& out, bool binary,
@@ -62,10 +63,9 @@ std::uint32_t DictionaryEntry::SerializeValue(std::ostream& out, bool binary,
                                               const lexon::EncodingInfo* encoding,
                                               lexon::EndianT order) const {
     if (!binary || !setEndian(order)) return value.Serialize(out, binary, encoding);
-    for (const unsigned short unit : Escapes::Units(value.GetData(), value.GetLength())) {
-        const unsigned short swapped = UnicodeChar::ByteSwap(unit);
-        out.write(reinterpret_cast<const char*>(&swapped), sizeof swapped);
-    }
+    WriteSwapped(value.GetData(), value.GetLength(), [&out](const char* bytes, std::size_t count) {
+        out.write(bytes, static_cast<std::streamsize>(count));
+    });
     return static_cast<std::uint32_t>(2 * value.GetLength());
 }
 

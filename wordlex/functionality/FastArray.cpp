@@ -6,8 +6,8 @@
 #include <istream>
 #include <ostream>
 
-#include "wordlex/functionality/ByteRunKey.h"
 #include "wordlex/functionality/ImageWriter.h"
+#include "wordlex/functionality/TextLine.h"
 
 namespace lexon_private {
 
@@ -363,7 +363,7 @@ std::uint32_t FastArray::Read(const char* begin, const char* end, bool /*copyKey
 // Writing
 
 std::uint32_t FastArray::Serialize2(std::ostream& out, lexon::SaveType type,
-                                    const lexon::EncodingInfo* encoding, lexon::EndianT order,
+                                    const lexon::EncodingInfo* /*encoding*/, lexon::EndianT order,
                                     unsigned int idBase) const try {
     switch (type) {
         case lexon::SaveType::kBinary:
@@ -373,7 +373,7 @@ std::uint32_t FastArray::Serialize2(std::ostream& out, lexon::SaveType type,
         case lexon::SaveType::kNothing:
             return 0;
         default:
-            SerializeText(out, encoding);
+            SerializeText(out);
             return 0;
     }
 } catch (...) {
@@ -429,7 +429,8 @@ std::uint32_t FastArray::bSerialize(std::ostream& out, bool withKeys, lexon::End
     const auto usedSlots = std::count_if(slots.begin(), slots.end(),
                                          [](const IdList& slot) { return slot.Count() != 0; });
 
-    ImageWriter writer(out, order);
+    BlockStream blocks(out);
+    ImageWriter writer(blocks, order);
     writer.write4(idBase);
     writer.WriteByte(keyed ? kKeyed : kNotKeyed);
     writer.write4(totalCount);
@@ -460,6 +461,7 @@ std::uint32_t FastArray::bSerialize(std::ostream& out, bool withKeys, lexon::End
     });
     if (keyed) WriteHashIndex(writer);
     WriteAccelerators(writer);
+    blocks.Finish();
     return writer.Written();
 }
 
@@ -513,21 +515,19 @@ void FastArray::WriteAccelerators(ImageWriter& writer) const {
 
 // The line of an entry, as a hash-table entry writes it, but of one with the empty key the value
 // alone: the value's writer closes the quotation that the key's opens.
-void FastArray::SerializeText(std::ostream& out, const lexon::EncodingInfo* encoding) const {
-    static constexpr char kEndOfLine[] = {'"', 0, '\n', 0};
+void FastArray::SerializeText(std::ostream& out) const {
+    BlockStream blocks(out);
+    TextLine line(blocks);
     ForEach([&](const cFarray& array, std::uint32_t entry) {
         const std::uint16_t keyLength = array.keyed ? array.keys.Length(entry) : std::uint16_t{0};
         const std::uint16_t valueLength = array.values.Length(entry);
-        if (keyLength != 0) {
-            ByteRunKey(array.keys.Data(entry), keyLength, false).Serialize(out, false, encoding);
-        }
-        if (valueLength != 0) {
-            RunOf(array.values.Data(entry), valueLength / sizeof(unsigned short))
-                .Serialize(out, false, encoding);
-        } else if (keyLength != 0) {
-            out.write(kEndOfLine, sizeof kEndOfLine);
+        if (keyLength != 0) line.PutKey({array.keys.Data(entry), keyLength});
+        if (keyLength != 0 || valueLength != 0) {
+            line.PutValue({array.values.Data(entry), valueLength / sizeof(unsigned short)});
         }
     });
+    line.Write();
+    blocks.Finish();
 }
 
 }  // namespace lexon_private

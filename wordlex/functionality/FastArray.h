@@ -153,7 +153,7 @@ private:
                              std::uint32_t idBase) const;
     void WriteHashIndex(ImageWriter& writer) const;
     void WriteAccelerators(ImageWriter& writer) const;
-    void SerializeText(std::ostream& out, const lexon::EncodingInfo* encoding) const;
+    void SerializeText(std::ostream& out) const;
     // Calls visit(array, entry) for every entry in the order of ids.
     template <class Visit>
     void ForEach(Visit visit) const;

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <vector>
 
 #include "wordlex/functionality/BinUtil.h"
 #include "wordlex/functionality/HashItem.h"
@@ -105,8 +106,10 @@ private:
         std::uint32_t capacity = 0;
     };
 
+    HashItem* Head(std::size_t bucket) const noexcept { return buckets[bucket].Head(); }
     bool EnterChainFrom(std::size_t firstBucket) const;
     std::uint32_t SerializeBinary(std::ostream& out, const lexon::EncodingInfo* encoding) const;
+    std::vector<const HashItem*> ItemsInOrder() const;
     void WriteHashIndex(ImageWriter& writer) const;
 
     std::array<Bucket, kHashBucketCount> buckets;

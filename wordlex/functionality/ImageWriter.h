@@ -1,8 +1,8 @@
 #pragma once
 #include <cstdint>
-#include <iosfwd>
 
 #include "wordlex/functionality/BinUtil.h"
+#include "wordlex/functionality/BlockStream.h"
 
 namespace lexon_private {
 
@@ -10,11 +10,14 @@ namespace lexon_private {
 // Failure: carried by the stream's state.
 class ImageWriter {
 public:
-    ImageWriter(std::ostream& destination, lexon::EndianT order) noexcept
+    ImageWriter(BlockStream& destination, lexon::EndianT order) noexcept
         : out(destination), swap(setEndian(order)) {}
 
     void WriteByte(std::uint8_t value) { WriteBytes(&value, sizeof value); }
-    void WriteBytes(const void* bytes, std::size_t byteCount);
+    void WriteBytes(const void* bytes, std::size_t byteCount) {
+        out.Append(bytes, byteCount);
+        written += static_cast<std::uint32_t>(byteCount);
+    }
     void write2(std::uint16_t value) {
         if (swap) value = ByteSwap(value);
         WriteBytes(&value, sizeof value);
@@ -23,7 +26,7 @@ public:
         if (swap) value = ByteSwap(value);
         WriteBytes(&value, sizeof value);
     }
-    // The size of an area. One that 32 bits cannot tell makes the stream fail.
+    // The size of an area. One that 32 bits cannot hold makes the stream fail.
     void WriteSize(std::uint64_t byteCount);
     // The whole units of `byteCount` bytes.
     void writearr2(const unsigned short* units, std::size_t byteCount);
@@ -31,7 +34,7 @@ public:
     std::uint32_t Written() const noexcept { return written; }  // bytes
 
 private:
-    std::ostream& out;
+    BlockStream& out;
     bool swap;
     std::uint32_t written = 0;
 };
