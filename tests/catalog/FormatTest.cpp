@@ -6,7 +6,7 @@
 #include <random>
 
 #include "wordlex/catalog/Catalog.h"
-#include "wordlex/catalog/Message.h"
+#include "wordlex/catalog/MessagePattern.h"
 #include "wordlex/functionality/Wordlex.h"
 
 namespace catalog {
@@ -289,10 +289,16 @@ TEST(MessageShape, NamesPlacesAndFaults) {
         ASSERT_TRUE(faulty.fault);
         EXPECT_EQ(row.position, faulty.fault->position) << faulty.fault->reason;
     }
-    EXPECT_EQ((std::vector<std::string>{"zero", "one", "two", "few", "many", "other"}),
-              lexon::detail::PluralCategories("ar", false));
-    EXPECT_EQ((std::vector<std::string>{"one", "two", "few", "other"}),
-              lexon::detail::PluralCategories("en_GB", true));
+    const auto names = [](const char* language, bool ordinal) {
+        std::string list;
+        for (const auto& category : lexon::detail::PluralCategories(language, ordinal))
+            list += category.name + (category.only ? '=' + std::to_string(*category.only) : "") + ' ';
+        return list;
+    };
+    EXPECT_EQ("zero=0 one=1 two=2 few many other ", names("ar", false));
+    EXPECT_EQ("one few many other ", names("ru", false));
+    EXPECT_EQ("one two few other ", names("en_GB", true));
+    EXPECT_EQ("", names("texts", false));
 }
 
 }  // namespace

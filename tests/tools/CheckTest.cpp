@@ -81,27 +81,32 @@ const Row kTextRows[] = {
     {__LINE__, "\"A=#{macos}c#{macos}d\"", "1:12 dropped-text "},
     {__LINE__, "\"/M/A=&File\"\n\"/M/B=O(&f)\"\n\"/N/C=&F\"\n\"/M/D=F && &G\"",
      "2:2 same-accelerator "},
+    {__LINE__, "\"A={b\" wordlex: message\n\"B={b, select, c {}}\" wordlex: message",
+     "1:4 message-syntax 2:4 message-default "},
+    {__LINE__, "\"A={b, plural, two {} other {}}\" wordlex: message",
+     "1:5 message-category 1:5 message-unused-form "},
     {__LINE__, "\"/M/B=&x\"\n\"/M/A=&x\"", "2:2 same-accelerator "},
 };
 
-// Against "/A=^1 <param name="x"/>", "/B=b" and "/C=c".
+// Against "/A=^1 <param name="x"/>", "/B=b" and the message "/C={n, number}{o}".
 const Row kTranslationRows[] = {
-    {__LINE__, "\"/A=<param name=\\\"x\\\"/> ^1\"\n\"/B=x\"\n\"/C=c\"", ""},
+    {__LINE__, "\"/A=<param name=\\\"x\\\"/> ^1\"\n\"/B=x\"\n\"/C={n, number}{o}\"", ""},
     {__LINE__, "\"/A=<param name=\\\"x\\\"/> ^1\"\n\"/B=b\"\n\"/D=c\"",
      "2:2 same-as-reference 3:2 obsolete-key  warning missing-key "},
-    {__LINE__, "\"/A=^2 <param name=\\\"y\\\"/>\"\n\"/B=x\"\n\"/C=x\"",
-     "1:2 missing-marker 1:2 extra-marker 1:2 missing-parameter 1:2 extra-parameter "},
+    {__LINE__, "\"/A=^2 <param name=\\\"y\\\"/>\"\n\"/B=x\"\n\"/C={m}{n, date}\"",
+     "1:2 missing-marker 1:2 extra-marker 1:2 missing-parameter 1:2 extra-parameter "
+     "3:5 missing-argument 3:6 extra-argument 3:9 argument-type "},
 };
 
 TEST_F(CheckTest, EachRuleFiresWhereItShould) {
-    Write(
-        "reference.txt",
-        "\"/A=^1 <param name=\\\"x\\\"/>\"\n\"/B=b\"\n\"/C=c\" wordlex: ignore same-as-reference");
+    Write("reference.txt",
+          "\"/A=^1 <param name=\\\"x\\\"/>\"\n\"/B=b\"\n"
+          "\"/C={n, number}{o}\" wordlex: message; ignore same-as-reference");
     std::string all;
     for (const Row& row : kTextRows) {
         SCOPED_TRACE(row.line);
-        Write("m", row.bytes);
-        EXPECT_EQ(Found("m"), row.found);
+        Write("en.txt", row.bytes);
+        EXPECT_EQ(Found("en.txt"), row.found);
         all += row.found;
     }
     for (const Row& row : kTranslationRows) {

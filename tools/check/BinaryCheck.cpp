@@ -79,6 +79,7 @@ void CheckFault(const BinaryFile& binary, CheckedFile& file, Findings& findings)
 CheckedFile CheckBinary(const std::string& name, const std::string& bytes, Findings& findings) {
     CheckedFile file{name, {}};
     const BinaryFile binary(bytes);
+    file.locale = binary.Header().locale.value_or("");
     EntryCheck entries(file, findings);
     binary.ForEachEntry([&](const BinaryEntry& entry) { entries.Check(entry); });
     CheckFault(binary, file, findings);
@@ -91,6 +92,7 @@ CheckedFile CheckFile(const std::string& name, const std::string& bytes, Finding
     CheckedFile file =
         binary ? CheckBinary(name, bytes, findings) : CheckText(name, bytes, findings, progress);
     CheckAccelerators(file, findings);
+    CheckMessages(file, findings);
     return file;
 }
 

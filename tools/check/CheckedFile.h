@@ -1,6 +1,7 @@
 #pragma once
 #include <map>
 #include <string>
+#include <vector>
 
 #include "tools/base/Progress.h"
 #include "tools/base/Text.h"
@@ -17,12 +18,17 @@ inline constexpr std::size_t kMergeableKeyBytes = 1023;
 struct Definition {
     Place place;  // of the key; in binary files the file alone
     Text value;
+    bool isMessage = false;  // by its own line
+    // The value as it is written, where that is not the value itself, and the column it begins at.
+    std::vector<unsigned short> written = {};
+    std::uint64_t valueColumn = 0;
 };
 
 // A file that `check` has gone through.
 struct CheckedFile {
     std::string name;
     std::map<std::string, Definition> entries;  // those that a look-up of their key finds
+    std::string locale = {};                         // as the file itself says, empty where it does not
     bool usable = true;  // false where the entries are not what the author wrote, or are none
 };
 
@@ -34,6 +40,8 @@ CheckedFile CheckBinary(const std::string& name, const std::string& bytes, Findi
 
 // Accelerators that entries beside each other share.
 void CheckAccelerators(const CheckedFile& file, Findings& findings);
+// The values whose own lines say that they are message patterns.
+void CheckMessages(const CheckedFile& file, Findings& findings);
 // What tells a translation from its reference. What a line of the reference has ignored (a name
 // that is not translated) is ignored in its translations.
 void CheckAgainst(const CheckedFile& file, const CheckedFile& reference,

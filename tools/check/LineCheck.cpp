@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "tools/base/Annotations.h"
 #include "tools/check/EscapeCheck.h"
 #include "wordlex/functionality/Dictionary.h"
 
@@ -10,8 +11,6 @@ namespace tool {
 namespace {
 
 using lexon_private::Dictionary;
-
-constexpr std::string_view kIgnore = "wordlex: ignore ";
 
 bool IsBlank(unsigned short unit) { return unit == ' ' || unit == '\t' || unit == 0x00A0; }
 
@@ -27,8 +26,6 @@ std::string Narrow(Units key) {
 std::string Counted(std::size_t count, const char* thing) {
     return std::to_string(count) + ' ' + thing + (count == 1 ? "" : "s");
 }
-
-bool IsNamePart(char c) { return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-'; }
 
 }  // namespace
 
@@ -47,7 +44,7 @@ void LineCheck::Check() {
     const unsigned short* const line = scanner.Line().data();
     parts.opening = Dictionary::FindQuoteMark(line);
     if (parts.opening != nullptr) parts.closing = Dictionary::FindQuoteMark(parts.opening + 1);
-    IgnoreAsTold(parts);
+    Annotate(parts);
 
     const unsigned short* key = nullptr;
     const unsigned short* value = nullptr;
@@ -67,8 +64,8 @@ void LineCheck::Check() {
     Define(parts, CheckValue(parts));
 }
 
-// "wordlex: ignore RULE, RULE" ahead of the opening mark or behind the closing one.
-void LineCheck::IgnoreAsTold(const Parts& parts) {
+// Does what the comments on the line say.
+void LineCheck::Annotate(Parts& parts) {
     if (parts.opening == nullptr) return;
     const unsigned short* const begin = scanner.Line().data();
     const Units outside[] = {{begin, parts.opening},
@@ -78,20 +75,14 @@ void LineCheck::IgnoreAsTold(const Parts& parts) {
     Findings::Rules rules;
     for (const Units part : outside) {
         if (part.empty()) continue;
-        const std::string comment = Utf8(part);
-        std::size_t at = comment.find(kIgnore);
-        if (at == std::string::npos) continue;
-        at += kIgnore.size();
-        while (at < comment.size() && IsNamePart(comment[at])) {
-            const auto end = std::find_if_not(comment.begin() + static_cast<std::ptrdiff_t>(at),
-                                              comment.end(), IsNamePart);
-            const std::string name(comment.begin() + static_cast<std::ptrdiff_t>(at), end);
-            if (const auto rule = FindRule(name)) {
+        const Annotations annotations = ParseAnnotations(Utf8(part));
+        parts.isMessage |= annotations.message;
+        for (const Annotations::Rule& named : annotations.ignored) {
+            if (const auto rule = FindRule(named.name)) {
                 rules.set(static_cast<std::size_t>(*rule));
             } else {
-                Add(Rule::kUnknownRule, part.data(), "there is no rule \"" + name + '"');
+                Add(Rule::kUnknownRule, part.data(), "there is no rule \"" + named.name + '"');
             }
-            at = comment.find_first_not_of(", ", at + name.size());
         }
     }
     if (rules.any()) findings.Ignore(scanner.LineNumber(), rules);
@@ -191,7 +182,15 @@ void LineCheck::Define(const Parts& parts, Text value) {
                          (same ? " is defined first at " : " is the same bytes as the one at ") +
                          Show(first.place) + "; this text replaces that one");
     }
-    file.entries.insert_or_assign(key, Definition{place, std::move(value)});
+    Definition definition{place, std::move(value)};
+    definition.isMessage = parts.isMessage;
+    // Only a message pattern has places inside its value, and none is one without a brace.
+    if (std::ranges::find(parts.value, u'{') != parts.value.end() &&
+        !std::ranges::equal(UnitsOf(definition.value), parts.value)) {
+        definition.written.assign(parts.value.begin(), parts.value.end());
+    }
+    definition.valueColumn = scanner.Column(parts.value.data());
+    file.entries.insert_or_assign(key, std::move(definition));
 }
 
 void LineCheck::Finish() {

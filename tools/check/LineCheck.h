@@ -29,10 +29,11 @@ private:
         Units key;
         Units value;
         bool hasEquals = false;
+        bool isMessage = false;
     };
 
     void Add(Rule rule, const unsigned short* position, std::string text);
-    void IgnoreAsTold(const Parts& parts);
+    void Annotate(Parts& parts);
     void CheckMarks(const Parts& parts);
     void CheckKey(const Parts& parts);
     void CheckEquals(const Parts& parts);

@@ -4,6 +4,7 @@
 #include <set>
 
 #include "tools/check/CheckedFile.h"
+#include "tools/check/MessageCheck.h"
 
 namespace tool {
 
@@ -70,6 +71,17 @@ void ComparePlaceholders(const std::string& key, const Text& text, const Text& r
     }
 }
 
+// The comment on the reference's line counts for its translations.
+void CheckTranslatedMessage(const std::string& key, const Definition& entry,
+                            const Definition& reference, const MessageCheck& messages,
+                            const MessageCheck::Add& add) {
+    const MessageCheck::Add drop = [](Rule, const Place&, const std::string&) {};
+    // An entry whose own line has the comment was checked by itself.
+    const auto here = messages.Check(key, entry, entry.isMessage ? drop : add);
+    const auto there = messages.Check(key, reference, drop);
+    if (here && there) messages.Compare(key, entry, *here, *there, add);
+}
+
 // Upper and lower case of Latin, Greek and Cyrillic letters mark the same key.
 unsigned short FoldCase(unsigned short unit) {
     const bool oneBlock = (unit >= 'A' && unit <= 'Z') ||
@@ -103,6 +115,7 @@ void CheckAccelerators(const CheckedFile& file, Findings& findings) {
 
 void CheckAgainst(const CheckedFile& file, const CheckedFile& reference,
                   const Findings& ofReference, Findings& findings) {
+    const MessageCheck messages(file);
     for (const auto& entry : reference.entries) {
         const std::string& key = entry.first;
         const Definition& there = entry.second;
@@ -119,6 +132,13 @@ void CheckAgainst(const CheckedFile& file, const CheckedFile& reference,
         }
         const Text& text = here->second.value;
         ComparePlaceholders(key, text, there.value, add);
+        if (there.isMessage) {
+            CheckTranslatedMessage(key, here->second, there, messages,
+                                   [&](Rule rule, Place place, std::string what) {
+                                       if (ofReference.Ignores(there.place.line, rule)) return;
+                                       findings.Add(rule, std::move(place), std::move(what));
+                                   });
+        }
         if (text == there.value && !text.IsEmpty()) {
             add(Rule::kSameAsReference, "the text of " + ShowKey(key) + " equals the reference's");
         }

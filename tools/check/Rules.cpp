@@ -57,6 +57,13 @@ constexpr RuleInfo kRules[] = {
      "\"^^\" ahead of a digit, which leaves a marker and no \"^\""},
     {Rule::kDroppedText, "dropped-text", kNote,
      "text that a platform section or #{comment} keeps out of the value"},
+    {Rule::kMessageSyntax, "message-syntax", kError, "a message pattern that cannot be parsed"},
+    {Rule::kMessageDefault, "message-default", kError,
+     "a plural or select of a message without the form \"other\""},
+    {Rule::kMessageCategory, "message-category", kWarning,
+     "a plural of a message without a form that the language needs"},
+    {Rule::kMessageUnusedForm, "message-unused-form", kWarning,
+     "a plural of a message with a form that the language does not have"},
 
     {Rule::kMalformedBinary, "malformed-binary", kError,
      "a binary file that the loader refuses, whole or in part"},
@@ -73,6 +80,12 @@ constexpr RuleInfo kRules[] = {
      "a parameter tag of the reference that is missing"},
     {Rule::kExtraParameter, "extra-parameter", kError,
      "a parameter tag that the reference does not have"},
+    {Rule::kMissingArgument, "missing-argument", kError,
+     "a message argument of the reference that is missing"},
+    {Rule::kExtraArgument, "extra-argument", kError,
+     "a message argument that the reference does not have"},
+    {Rule::kArgumentType, "argument-type", kError,
+     "a message argument that needs another type than in the reference"},
     {Rule::kSameAsReference, "same-as-reference", kNote, "a text that equals the reference's"},
 };
 static_assert(std::size(kRules) == static_cast<std::size_t>(Rule::kCount));

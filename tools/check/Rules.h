@@ -40,6 +40,10 @@ enum class Rule : std::uint8_t {
     kUnknownEscape,
     kDoubledHat,
     kDroppedText,
+    kMessageSyntax,
+    kMessageDefault,
+    kMessageCategory,
+    kMessageUnusedForm,
     // binary files
     kMalformedBinary,
     kUnreachableEntry,
@@ -51,6 +55,9 @@ enum class Rule : std::uint8_t {
     kExtraMarker,
     kMissingParameter,
     kExtraParameter,
+    kMissingArgument,
+    kExtraArgument,
+    kArgumentType,
     kSameAsReference,
     kCount
 };

@@ -1,53 +1,24 @@
 #pragma once
-// Message patterns: what one has places for, and how one is filled. ICU parses and fills them.
+// How message patterns are filled: ICU does it, with patterns that are parsed once.
 #include <unicode/locid.h>
 
 #include <cstddef>
-#include <cstdint>
 #include <memory>
-#include <optional>
 #include <shared_mutex>
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <vector>
 
 #include "wordlex/catalog/Catalog.h"
+#include "wordlex/catalog/MessagePattern.h"
 
 namespace lexon::detail {
 
 class LanguageFormats;
 class ParsedMessage;
 
-// One use of an argument in a pattern, those inside other arguments included.
-struct MessagePlace {
-    std::u16string name;
-    // What follows the name: "plural", "selectordinal", "select", "number", "date", ... or nothing.
-    std::u16string type;
-    std::vector<std::u16string> selectors;  // "one", "other", "=0", ... as written
-    std::size_t position = 0;               // of the name in the pattern, in units
-};
-
-struct MessageFault {
-    enum class Kind : std::uint8_t { kSyntax, kNoOther };
-    Kind kind = Kind::kSyntax;
-    std::size_t position = 0;  // in units
-    std::string reason;        // in English, without the place
-};
-
-struct MessageShape {
-    std::vector<MessagePlace> places;  // those before the fault where there is one
-    std::optional<MessageFault> fault;
-};
-
-MessageShape ParseMessage(std::u16string_view pattern);
-
 // Whether ICU has data of the language. It takes that of the environment for any other.
 bool IsKnownLanguage(const icu::Locale& locale);
-// The plural categories that a language has, "other" included, in the order of CLDR. Empty for a
-// language that is not known.
-std::vector<std::string> PluralCategories(const std::string& language, bool ordinal);
-
 // The patterns that one language has filled, parsed.
 // Lives as long as the process.
 // Threads: all members may be called at once.

@@ -1,0 +1,196 @@
+#include "tools/check/MessageCheck.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <set>
+
+#include "wordlex/functionality/DictionaryEntry.h"
+
+namespace tool {
+
+namespace {
+
+using lexon::detail::MessageFault;
+using lexon::detail::MessagePlace;
+using lexon::detail::MessageShape;
+using lexon_private::DictionaryEntry;
+
+std::u16string_view PatternOf(const Text& value) {
+    const Units units = UnitsOf(value);
+    return {reinterpret_cast<const char16_t*>(units.data()), units.size()};
+}
+
+std::string Utf8(std::u16string_view text) {
+    const std::vector<unsigned short> units(text.begin(), text.end());
+    return tool::Utf8(units);
+}
+
+std::string Braced(std::u16string_view name) { return '{' + Utf8(name) + '}'; }
+
+// Where the unit of a converted value is written. Only the conversion knows, so this one converts
+// ever more of the value: the last beginning of it that ends at the unit is the place.
+std::size_t WrittenPosition(Units written, std::size_t position) {
+    constexpr std::size_t kMostUnits = 4096;  // the search takes the square of them
+    if (written.size() > kMostUnits) return 0;
+    const auto converted = [written](std::size_t length) {
+        return DictionaryEntry::ConvertEscapeSequences(written.data(), length).GetLength();
+    };
+    std::size_t end = converted(written.size());
+    if (end <= position) return written.size();
+    for (std::size_t at = written.size(); at > 0; --at) {
+        const std::size_t begin = converted(at - 1);
+        if (begin <= position && position < end) return at - 1;
+        end = begin;
+    }
+    return 0;
+}
+
+// The place of a unit of the value; in binary files that of the entry.
+Place PlaceOf(const Definition& entry, std::size_t position) {
+    Place place = entry.place;
+    if (place.line == 0) return place;
+    const bool isConverted = !entry.written.empty();
+    const Units written = isConverted ? Units(entry.written) : UnitsOf(entry.value);
+    const std::size_t end = isConverted ? WrittenPosition(written, position) : position;
+    place.column = entry.valueColumn;
+    for (std::size_t i = 0; i < end; ++i) {
+        if (!IsSecondHalf(written, i)) ++place.column;
+    }
+    return place;
+}
+
+// What an argument has to be for a place to show it.
+enum class Need { kAnything, kNumber, kDate, kText };
+
+Need NeedOf(const MessagePlace& place) {
+    if (place.type.empty()) return Need::kAnything;
+    if (place.type == u"select") return Need::kText;
+    return place.type == u"date" || place.type == u"time" ? Need::kDate : Need::kNumber;
+}
+
+const char* Name(Need need) {
+    static constexpr const char* kNames[] = {"any argument", "a number", "a date", "a text"};
+    return kNames[static_cast<std::size_t>(need)];
+}
+
+using Needs = std::map<std::u16string, std::set<Need>>;
+Needs NeedsOf(const MessageShape& shape) {
+    Needs needs;
+    for (const MessagePlace& place : shape.places)
+        needs[place.name].insert(NeedOf(place));
+    return needs;
+}
+
+bool IsLanguage(const std::string& name) {
+    const std::size_t length = std::min(name.find_first_of("_-"), name.size());
+    return (length == 2 || length == 3) && !lexon::detail::PluralCategories(name, false).empty();
+}
+
+}  // namespace
+
+std::string LanguageOf(const CheckedFile& file) {
+    if (IsLanguage(file.locale)) return file.locale;
+    const std::filesystem::path path(file.name);
+    for (std::string name : {path.stem().string(), path.parent_path().filename().string()}) {
+        while (!IsLanguage(name)) {
+            const std::size_t separator = name.find_first_of("._-");
+            if (separator == name.npos) break;
+            name.erase(0, separator + 1);
+        }
+        if (IsLanguage(name)) return name;
+    }
+    return {};
+}
+
+MessageCheck::MessageCheck(const CheckedFile& checkedFile)
+    : language(LanguageOf(checkedFile)),
+      cardinals(lexon::detail::PluralCategories(language, false)),
+      ordinals(lexon::detail::PluralCategories(language, true)) {}
+
+std::optional<MessageShape> MessageCheck::Check(const std::string& key, const Definition& entry,
+                                                const Add& add) const {
+    MessageShape shape = lexon::detail::ParseMessage(PatternOf(entry.value));
+    if (shape.fault) {
+        const bool noOther = shape.fault->kind == MessageFault::Kind::kNoOther;
+        add(noOther ? Rule::kMessageDefault : Rule::kMessageSyntax,
+            PlaceOf(entry, shape.fault->position),
+            "the message of " + ShowKey(key) + " has " + shape.fault->reason);
+        return std::nullopt;
+    }
+    for (const MessagePlace& place : shape.places) {
+        if (place.type == u"plural") CheckForms(key, entry, place, cardinals, add);
+        if (place.type == u"selectordinal") CheckForms(key, entry, place, ordinals, add);
+    }
+    return shape;
+}
+
+void MessageCheck::CheckForms(const std::string& key, const Definition& entry,
+                              const MessagePlace& place, const Categories& categories,
+                              const Add& add) const {
+    if (categories.empty()) return;
+    const std::string argument = Braced(place.name) + " of " + ShowKey(key);
+    const auto has = [&place](const std::string& selector) {
+        return std::ranges::any_of(place.selectors, [&selector](const std::u16string& written) {
+            return Utf8(written) == selector;
+        });
+    };
+    for (const auto& category : categories) {
+        if (has(category.name) || (category.only && has('=' + std::to_string(*category.only)))) {
+            continue;
+        }
+        add(Rule::kMessageCategory, PlaceOf(entry, place.position),
+            argument + " has no form \"" + category.name + "\", which " + language + " needs");
+    }
+    for (const std::u16string& written : place.selectors) {
+        const std::string selector = Utf8(written);
+        if (selector.starts_with('=') ||
+            std::ranges::find(categories, selector, &lexon::detail::PluralCategory::name) !=
+                categories.end()) {
+            continue;
+        }
+        add(Rule::kMessageUnusedForm, PlaceOf(entry, place.position),
+            argument + " has a form \"" + selector + "\", which " + language + " does not have");
+    }
+}
+
+void MessageCheck::Compare(const std::string& key, const Definition& entry,
+                           const MessageShape& shape, const MessageShape& reference,
+                           const Add& add) const {
+    const Needs here = NeedsOf(shape);
+    const Needs there = NeedsOf(reference);
+    const std::string text = "the message of " + ShowKey(key);
+    for (const auto& [name, needs] : there) {
+        if (!here.contains(name)) {
+            add(Rule::kMissingArgument, PlaceOf(entry, 0),
+                text + " does not have the reference's argument " + Braced(name));
+        }
+    }
+    std::set<std::u16string> told;
+    for (const MessagePlace& place : shape.places) {
+        const auto known = there.find(place.name);
+        const Need need = NeedOf(place);
+        if (known == there.end()) {
+            if (told.insert(place.name).second) {
+                add(Rule::kExtraArgument, PlaceOf(entry, place.position),
+                    text + " has the argument " + Braced(place.name) +
+                        ", which the reference does not have");
+            }
+        } else if (need != Need::kAnything && !known->second.contains(need)) {
+            add(Rule::kArgumentType, PlaceOf(entry, place.position),
+                text + " needs " + Name(need) + " for " + Braced(place.name) + ", the reference " +
+                    Name(*known->second.rbegin()));
+        }
+    }
+}
+
+void CheckMessages(const CheckedFile& file, Findings& findings) {
+    const MessageCheck messages(file);
+    for (const auto& [key, entry] : file.entries) {
+        if (!entry.isMessage) continue;
+        messages.Check(key, entry, [&findings](Rule rule, Place place, std::string text) {
+            findings.Add(rule, std::move(place), std::move(text));
+        });
+    }
+}
+
+}  // namespace tool

@@ -1,0 +1,44 @@
+#pragma once
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/check/CheckedFile.h"
+#include "wordlex/catalog/MessagePattern.h"
+
+namespace tool {
+
+// The language of a dictionary: what the file says itself, else what its name ("pt_BR.txt",
+// "texts.de.txt") or its folder ("de/wdictionary.dat") says. Empty where none is one.
+std::string LanguageOf(const CheckedFile& file);
+
+// Looks at the values that are message patterns.
+class MessageCheck {
+public:
+    // The file outlives the check.
+    explicit MessageCheck(const CheckedFile& checkedFile);
+
+    // Takes what is wrong: its rule, its place and a text.
+    using Add = std::function<void(Rule, Place, std::string)>;
+    // Checks one entry by itself. Nothing where the pattern cannot be parsed.
+    std::optional<lexon::detail::MessageShape> Check(const std::string& key,
+                                                     const Definition& entry, const Add& add) const;
+    // Checks what an entry has places for against its reference's.
+    void Compare(const std::string& key, const Definition& entry,
+                 const lexon::detail::MessageShape& shape,
+                 const lexon::detail::MessageShape& reference, const Add& add) const;
+
+private:
+    using Categories = std::vector<lexon::detail::PluralCategory>;
+
+    void CheckForms(const std::string& key, const Definition& entry,
+                    const lexon::detail::MessagePlace& place, const Categories& categories,
+                    const Add& add) const;
+
+    std::string language;
+    Categories cardinals;
+    Categories ordinals;
+};
+
+}  // namespace tool

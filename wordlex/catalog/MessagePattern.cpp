@@ -1,0 +1,153 @@
+#include "wordlex/catalog/MessagePattern.h"
+
+#include <unicode/locid.h>
+#include <unicode/messagepattern.h>
+#include <unicode/plurrule.h>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <span>
+#include <utility>
+
+#include "wordlex/catalog/Message.h"
+
+namespace lexon::detail {
+
+namespace {
+
+using icu::MessagePattern;
+
+icu::UnicodeString Copied(std::u16string_view text) {
+    return {text.data(), static_cast<std::int32_t>(text.size())};
+}
+
+std::u16string Copied(const icu::UnicodeString& text) {
+    return {text.getBuffer(), static_cast<std::size_t>(text.length())};
+}
+
+const char16_t* TypeName(UMessagePatternArgType type) {
+    switch (type) {
+        case UMSGPAT_ARG_TYPE_CHOICE:
+            return u"choice";
+        case UMSGPAT_ARG_TYPE_PLURAL:
+            return u"plural";
+        case UMSGPAT_ARG_TYPE_SELECT:
+            return u"select";
+        case UMSGPAT_ARG_TYPE_SELECTORDINAL:
+            return u"selectordinal";
+        case UMSGPAT_ARG_TYPE_NONE:
+        case UMSGPAT_ARG_TYPE_SIMPLE:
+            break;
+    }
+    return u"";
+}
+
+// Collects the places of a pattern, also of one whose parse ended early. `open` gets the part that
+// begins the innermost argument without an end.
+std::vector<MessagePlace> Places(const MessagePattern& pattern, std::int32_t& open) {
+    std::vector<MessagePlace> places;
+    std::vector<std::pair<std::size_t, std::int32_t>> around;  // place and part of its beginning
+    const auto text = [&](const MessagePattern::Part& part) {
+        return Copied(pattern.getSubstring(part));
+    };
+    for (std::int32_t i = 0; i < pattern.countParts(); ++i) {
+        const MessagePattern::Part& part = pattern.getPart(i);
+        switch (part.getType()) {
+            case UMSGPAT_PART_TYPE_ARG_START:
+                around.emplace_back(places.size(), i);
+                places.push_back(
+                    {.name = {}, .type = TypeName(part.getArgType()), .selectors = {}});
+                break;
+            case UMSGPAT_PART_TYPE_ARG_NAME:
+            case UMSGPAT_PART_TYPE_ARG_NUMBER:
+                places[around.back().first].name = text(part);
+                places[around.back().first].position = static_cast<std::size_t>(part.getIndex());
+                break;
+            case UMSGPAT_PART_TYPE_ARG_TYPE:
+                places[around.back().first].type = text(part);
+                break;
+            case UMSGPAT_PART_TYPE_ARG_SELECTOR:
+                places[around.back().first].selectors.push_back(text(part));
+                break;
+            case UMSGPAT_PART_TYPE_ARG_LIMIT:
+                around.pop_back();
+                break;
+            default:
+                break;
+        }
+    }
+    open = around.empty() ? -1 : around.back().second;
+    return places;
+}
+
+const char* Reason(UErrorCode status) {
+    switch (status) {
+        case U_UNMATCHED_BRACES:
+            return "braces without their counterpart";
+        case U_DEFAULT_KEYWORD_MISSING:
+            return "no \"other\" form";
+        case U_INDEX_OUTOFBOUNDS_ERROR:
+            return "a part that is too long";
+        case U_ARGUMENT_TYPE_MISMATCH:
+            return "an argument name or number that cannot be one";
+        default:
+            return "not the syntax of a message pattern";
+    }
+}
+
+}  // namespace
+
+MessageShape ParseMessage(std::u16string_view pattern) {
+    UErrorCode status = U_ZERO_ERROR;
+    UParseError error{};
+    MessagePattern parsed(status);
+    parsed.parse(Copied(pattern), &error, status);
+    MessageShape shape;
+    std::int32_t open = -1;
+    shape.places = Places(parsed, open);
+    if (U_SUCCESS(status)) return shape;
+    // ICU names no place for what is missing at the end of an argument: it begins the argument.
+    const bool atEnd = status == U_DEFAULT_KEYWORD_MISSING || status == U_UNMATCHED_BRACES;
+    const std::int32_t position =
+        atEnd && open >= 0 ? parsed.getPart(open).getIndex() : std::max(error.offset, 0);
+    MessageFault fault{.kind = status == U_DEFAULT_KEYWORD_MISSING ? MessageFault::Kind::kNoOther
+                                                                   : MessageFault::Kind::kSyntax,
+                       .position = static_cast<std::size_t>(position),
+                       .reason = Reason(status)};
+    shape.fault = std::move(fault);
+    return shape;
+}
+
+bool IsKnownLanguage(const icu::Locale& locale) {
+    for (std::int32_t i = 0; i < uloc_countAvailable(); ++i) {
+        const std::string_view known = uloc_getAvailable(i);
+        if (known.substr(0, known.find('_')) == locale.getLanguage()) return true;
+    }
+    return false;
+}
+
+std::vector<PluralCategory> PluralCategories(const std::string& language, bool ordinal) {
+    const icu::Locale locale = icu::Locale::createCanonical(language.c_str());
+    if (!IsKnownLanguage(locale)) return {};
+    UErrorCode status = U_ZERO_ERROR;
+    const std::unique_ptr<icu::PluralRules> rules(icu::PluralRules::forLocale(
+        locale, ordinal ? UPLURAL_TYPE_ORDINAL : UPLURAL_TYPE_CARDINAL, status));
+    if (U_FAILURE(status)) return {};
+    std::vector<PluralCategory> categories;
+    for (const char* const name : {"zero", "one", "two", "few", "many", "other"}) {
+        const auto keyword = icu::UnicodeString::fromUTF8(name);
+        if (!rules->isKeyword(keyword)) continue;
+        std::array<double, 8> samples{};
+        const std::int32_t count = rules->getSamples(
+            keyword, samples.data(), static_cast<std::int32_t>(samples.size()), status);
+        const auto all = std::span(samples).first(static_cast<std::size_t>(std::max(count, 0)));
+        const bool same =
+            !all.empty() && std::ranges::all_of(all, [&](double n) { return n == all.front(); });
+        categories.push_back(
+            {name, same ? std::optional(static_cast<int>(all.front())) : std::nullopt});
+    }
+    return categories;
+}
+
+}  // namespace lexon::detail
