@@ -11,7 +11,8 @@ target_compile_options(house INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion
   $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast -Woverloaded-virtual -Wnon-virtual-dtor>
   # With -O2 and more g++ 12 takes `"text" + std::string` for a copy onto itself (GCC bug 105651).
-  $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
+  $<$<BOOL:${FRAMEWRIGHT_WERROR}>:-Werror>)
 
 # house_library(NAME STATIC|SHARED SOURCES...): a library of the house, headers found from the root.
 function(house_library name kind)
@@ -19,6 +20,36 @@ function(house_library name kind)
   set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
   target_include_directories(${name} PUBLIC "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>")
   target_link_libraries(${name} PRIVATE $<BUILD_INTERFACE:house>)
+endfunction()
+
+# house_installed_library(NAME): the library is installed as Wordlex::NAME. With BUILD_SHARED_LIBS
+# that is a shared library of the same objects. It exports what NAME.map, beside the caller, lists
+# and nothing else. Other targets of the house link with the static one, which shows them all of it.
+function(house_installed_library name)
+  if(NOT BUILD_SHARED_LIBS)
+    add_library(Wordlex::${name} ALIAS ${name})
+    return()
+  endif()
+  set_target_properties(${name} PROPERTIES CXX_VISIBILITY_PRESET default)
+  get_target_property(libraries ${name} LINK_LIBRARIES)
+  get_target_property(output ${name} OUTPUT_NAME)
+  if(NOT output)
+    set(output ${name})
+  endif()
+  add_library(${name}-shared SHARED $<TARGET_OBJECTS:${name}>)
+  add_library(Wordlex::${name} ALIAS ${name}-shared)
+  target_include_directories(${name}-shared INTERFACE "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>")
+  target_link_libraries(${name}-shared PRIVATE ${libraries})
+  set(map "${CMAKE_CURRENT_SOURCE_DIR}/${name}.map")
+  target_link_options(${name}-shared PRIVATE
+    "LINKER:--exclude-libs,ALL" "LINKER:--version-script=${map}")
+  set_target_properties(${name}-shared PROPERTIES
+    LINKER_LANGUAGE CXX
+    LINK_DEPENDS "${map}"
+    OUTPUT_NAME ${output}
+    EXPORT_NAME ${name}
+    VERSION ${PROJECT_VERSION}
+    SOVERSION ${PROJECT_VERSION})
 endfunction()
 
 # house_executable(NAME SOURCES...): a program of the house.

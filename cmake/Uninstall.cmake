@@ -1,0 +1,13 @@
+# Removes the files that the last install of this build tree wrote; folders stay.
+file(GLOB manifests "${BINARY_DIR}/install_manifest*.txt")
+if(NOT manifests)
+  message(FATAL_ERROR "Nothing was installed from ${BINARY_DIR}")
+endif()
+foreach(manifest IN LISTS manifests)
+  file(STRINGS "${manifest}" files)
+  foreach(file IN LISTS files)
+    message(STATUS "Removing $ENV{DESTDIR}${file}")
+    file(REMOVE "$ENV{DESTDIR}${file}")
+  endforeach()
+  file(REMOVE "${manifest}")
+endforeach()
