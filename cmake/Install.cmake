@@ -91,7 +91,10 @@ endif()
 if(TARGET wordlex-tool)
   file(RELATIVE_PATH libraries
     "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
-  set_target_properties(wordlex-tool PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
+  # The system finds what stands in its own folders; anything else is found from the command.
+  if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+    set_target_properties(wordlex-tool PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
+  endif()
   install(TARGETS wordlex-tool EXPORT WordlexToolTargets
     RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT tools)
   install(EXPORT WordlexToolTargets NAMESPACE Wordlex:: DESTINATION "${package_dir}"
