@@ -2,8 +2,9 @@
 
 #include <cerrno>
 #include <fstream>
+#include <string>
+#include <string_view>
 #include <system_error>
-#include <vector>
 
 #include "host/Ovis/Language.h"
 #include "host/Ovis/PathUtils.h"
@@ -37,26 +38,26 @@ Localizer::Localizer() { lexon::Wordlex::SetDefaultApplicationEncoding(lexon::en
 Localizer::~Localizer() = default;
 
 UTF16String Localizer::GetLocalizedString(const char* key) const {
-    std::string text(key);
-    if (text.find('=') == std::string::npos)
+    const std::string_view text(key);
+    if (text.find('=') == std::string_view::npos)
         return vexacore::utility::AsciiToUTF16(text.data(), text.size());
-    if (text.starts_with("($$$")) {
-        text.erase(0, 1);
-        if (text.ends_with(')')) text.pop_back();
-        return PerformWordlexLookup(text);
-    }
-    if (text.starts_with("$$$")) return PerformWordlexLookup(text);
-    return vexacore::utility::UTF8to16(text);
+    if (text.starts_with("$$$")) return PerformWordlexLookup(key);
+    if (!text.starts_with("($$$")) return vexacore::utility::UTF8to16(text);
+    if (!text.ends_with(')')) return PerformWordlexLookup(key + 1);
+    return PerformWordlexLookup(std::string(text.substr(1, text.size() - 2)).c_str());
 }
 
-UTF16String Localizer::PerformWordlexLookup(const std::string& key) const {
-    // Locked to the end: the found string shares its count with the dictionary.
+UTF16String Localizer::PerformWordlexLookup(const char* key) const {
+    // Locked to the end: the units lie in the dictionary.
     const ScopedLock lock;
-    if (!dictionary.IsValid()) return vexacore::utility::AsciiToUTF16(key.data(), key.size());
-    const lexon::Wordlex found = dictionary.Lookup(key.c_str(), nullptr);
-    std::vector<unsigned short> units(found.GetUnicodeSize());
-    found.GetUnicode(units.data(), units.size(), true);
-    return UTF16String(units.begin(), units.end() - 1);
+    if (!dictionary.IsValid()) return vexacore::utility::AsciiToUTF16(key);
+    const unsigned short* units = nullptr;
+    unsigned long length = 0;
+    if (dictionary.LookupReturnUTF16Ptr(key, units, length))
+        return UTF16String(units, units + length);
+    const lexon::Wordlex defaultText = dictionary.Lookup(key, nullptr);
+    defaultText.GetInternalData(&units, &length);
+    return UTF16String(units, units + length);
 }
 
 bool Localizer::LoadDictionary(const UTF16String& baseFolder) {

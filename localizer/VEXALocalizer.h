@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string>
-
 #include "host/vexacore/Localizer.h"
 #include "host/vexacore/String.h"
 #include "wordlex/staticlib/Wordlexlib.h"
@@ -42,7 +40,7 @@ public:
                                     vexacore::UTF16String& file) const;
 
 private:
-    vexacore::UTF16String PerformWordlexLookup(const std::string& key) const;
+    vexacore::UTF16String PerformWordlexLookup(const char* key) const;
 
     mutable lexon::Dictionary dictionary;  // even its look-ups write; guarded by the lock
 };

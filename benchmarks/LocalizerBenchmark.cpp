@@ -1,0 +1,47 @@
+// One text of a catalog, from the host's request to the host's string, with the lock.
+#include <benchmark/benchmark.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "benchmarks/Corpus.h"
+#include "host/vexacore/Utility.h"
+#include "localizer/VEXALocalizer.h"
+
+namespace benchmarks {
+namespace {
+
+enum class Store { kHash, kCompact };
+
+template <Store kStore>
+void GetLocalizedString(benchmark::State& state, const char* tail) {
+    const Corpus corpus(static_cast<std::size_t>(state.range(0)));
+    const auto folder = std::filesystem::temp_directory_path() /
+                        ("localizer-benchmark-" + std::to_string(getpid()));
+    std::filesystem::create_directories(folder);
+    std::ofstream(folder / "wdictionary.dat", std::ios::binary)
+        << (kStore == Store::kHash ? corpus.TextFile() : corpus.BinaryFile());
+    FE::Localizer localizer;
+    if (!localizer.LoadDictionary(vexacore::utility::StdToUTF16String(folder.native())))
+        state.SkipWithError("the dictionary was not found");
+    std::filesystem::remove_all(folder);
+
+    const std::vector<std::string> requests = corpus.Requests(tail);
+    std::size_t next = 0;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(localizer.GetLocalizedString(requests[next].c_str()));
+        if (++next == requests.size()) next = 0;
+    }
+}
+
+#define LOCALIZER_BENCHMARK(store)                                            \
+    BENCHMARK_CAPTURE(GetLocalizedString<store>, Hit, "=The text in English") \
+        ->RangeMultiplier(10)                                                 \
+        ->Range(1'000, 100'000);                                              \
+    BENCHMARK_CAPTURE(GetLocalizedString<store>, Miss, "Absent=The text in English")->Arg(10'000)
+LOCALIZER_BENCHMARK(Store::kHash);
+LOCALIZER_BENCHMARK(Store::kCompact);
+
+}  // namespace
+}  // namespace benchmarks
