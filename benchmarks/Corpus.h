@@ -52,6 +52,23 @@ struct Corpus {
         return {reinterpret_cast<const char*>(text.data()), 2 * text.size()};
     }
 
+    // Without a mark, so 8-bit text: UTF-8.
+    std::string EightBitFile(const char* endOfLine) const {
+        std::string text;
+        for (std::size_t i = 0; i < keys.size(); ++i) {
+            text += "\"$$$" + keys[i] + "=";
+            for (const char16_t unit : values[i]) {
+                if (unit == u'\u00E9') {
+                    text += "\xC3\xA9";
+                } else {
+                    text += static_cast<char>(unit);
+                }
+            }
+            text += std::string("\"") + endOfLine;
+        }
+        return text;
+    }
+
     void AddTo(lexon::Dictionary& dictionary) const {
         for (std::size_t i = 0; i < keys.size(); ++i) {
             dictionary.Add(keys[i].c_str(),

@@ -104,6 +104,27 @@ void LoadFile(benchmark::State& state) {
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(file.size()));
 }
 
+void LoadEightBit(benchmark::State& state, const char* endOfLine) {
+    lexon::Wordlex::SetDefaultApplicationEncoding(lexon::encodings::kUtf8);
+    const std::string file = CorpusOf(state).EightBitFile(endOfLine);
+    for (auto _ : state) {
+        lexon::Dictionary dictionary;
+        dictionary.Read(file.data(), static_cast<int>(file.size()), true);
+        benchmark::DoNotOptimize(dictionary.IsValid());
+    }
+}
+
+// A stream read byte by byte.
+void GetText(benchmark::State& state) {
+    const std::string file = CorpusOf(state).TextFile();
+    for (auto _ : state) {
+        std::istringstream in(file);
+        char byte = 0;
+        while (in.get(byte))
+            benchmark::DoNotOptimize(byte);
+    }
+}
+
 void AddAll(benchmark::State& state) {
     for (auto _ : state) {
         lexon::Dictionary dictionary(true);
@@ -163,6 +184,9 @@ BENCHMARK(LoadFile<Store::kHash, true>) SIZES;
 BENCHMARK(LoadFile<Store::kHash, false>) SIZES;
 BENCHMARK(LoadFile<Store::kCompact, true>) SIZES;
 BENCHMARK(LoadFile<Store::kCompact, false>) SIZES;
+BENCHMARK(GetText) SIZES;
+BENCHMARK_CAPTURE(LoadEightBit, Lf, "\n")->Arg(10'000);
+BENCHMARK_CAPTURE(LoadEightBit, CrLf, "\r\n")->Arg(10'000);
 #define ADDED_SIZES ->Arg(10'000)->Arg(50'000)->Arg(100'000)->Arg(200'000)
 BENCHMARK(AddAll) ADDED_SIZES;
 BENCHMARK(LookupAdded) ADDED_SIZES;

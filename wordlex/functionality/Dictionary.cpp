@@ -43,17 +43,7 @@ std::unique_ptr<char[]> CopyText(const char* text, std::size_t length) {
 // The low byte of each unit. `bytes` may be where the units are: every byte lies ahead of the units
 // still to be read.
 void Narrow(const unsigned short* units, unsigned long count, unsigned char* bytes) {
-    constexpr unsigned long kLanes = 8;  // at a time, which GCC would not do over one memory
-    typedef unsigned short Wide __attribute__((vector_size(kLanes * sizeof(unsigned short))));
-    typedef unsigned char Bytes __attribute__((vector_size(kLanes)));
-    unsigned long i = 0;
-    for (; count - i >= kLanes; i += kLanes) {
-        Wide wide;
-        std::memcpy(&wide, units + i, sizeof wide);
-        const Bytes narrow = __builtin_convertvector(wide, Bytes);
-        std::memcpy(bytes + i, &narrow, sizeof narrow);
-    }
-    for (; i < count; ++i)
+    for (unsigned long i = 0; i < count; ++i)
         bytes[i] = static_cast<unsigned char>(units[i]);
 }
 

@@ -92,10 +92,4 @@ void DictionaryReader::ReadDataBuffer(char* buffer, long* count) {
     imageCursor += *count;
 }
 
-unsigned short* DictionaryReader::EndLine() {
-    lineLength = line.GetLength();
-    line.Append(0);
-    return line.GetData();
-}
-
 }  // namespace lexon_private

@@ -41,12 +41,9 @@ public:
 protected:
     // Reads up to `*count` bytes and sets `*count` to those read.
     void ReadDataStream(char* buffer, long* count);
-    // Ends the line with a 0 and gives its units.
-    unsigned short* EndLine();
 
     Buffer<unsigned short> line;
     std::size_t lineLength = 0;
-    bool ended = false;  // a 0 was met
     std::uint64_t offset = 0;
 
 private:

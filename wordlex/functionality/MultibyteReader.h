@@ -1,7 +1,6 @@
 #pragma once
-#include <array>
-
 #include "wordlex/functionality/DictionaryReader.h"
+#include "wordlex/functionality/LineSplitter.h"
 
 namespace lexon_private {
 
@@ -16,14 +15,8 @@ public:
 
 private:
     static constexpr std::size_t kFirstLineBytes = 256;
-    static constexpr std::size_t kBlockBytes = 0x10000;
-
-    bool CollectLine();
-
-    Buffer<unsigned char> bytes{kFirstLineBytes};  // the line before its conversion
-    std::array<unsigned char, kBlockBytes> block;  // read ahead
-    std::size_t blockCursor = 0;
-    std::size_t blockLength = 0;
+    Buffer<unsigned char> bytes{kFirstLineBytes};  // a line that crosses blocks
+    LineSplitter<unsigned char> lines;
 };
 
 }  // namespace lexon_private

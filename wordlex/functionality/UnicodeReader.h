@@ -1,7 +1,6 @@
 #pragma once
-#include <array>
-
 #include "wordlex/functionality/DictionaryReader.h"
+#include "wordlex/functionality/LineSplitter.h"
 
 namespace lexon_private {
 
@@ -16,12 +15,7 @@ public:
     virtual std::size_t ReadCharacters(unsigned short* units, std::size_t count);
 
 private:
-    // Each read costs a call of the system: few of them, and no more memory than is touched.
-    static constexpr std::size_t kBlockUnits = 0x8000;
-
-    std::array<unsigned short, kBlockUnits> block;  // read ahead
-    std::size_t blockCursor = 0;
-    std::size_t blockLength = 0;
+    LineSplitter<unsigned short> lines;
 };
 
 }  // namespace lexon_private
