@@ -100,6 +100,8 @@ std::vector<VerbInfo> MakeVerbs() {
                       .value = "N",
                       .help = "The id of the first entry"},
                      {.name = "no-keys", .help = "Leave the keys out"},
+                     {.name = "indexed",
+                      .help = "Add the index with which a catalog opens the file at once"},
                      Disable(),
                      Format({"text", "json"}, "Findings for people or for programs")},
          .run = Compile},

@@ -9,6 +9,7 @@
 #include "tools/base/EntryLine.h"
 #include "tools/base/Files.h"
 #include "tools/verbs/Verbs.h"
+#include "wordlex/catalog/IndexSection.h"
 
 namespace tool {
 
@@ -164,7 +165,15 @@ int Compile(const Arguments& arguments) {
         throw Failure(output +
                       ": more text than a version 2 file has room for, or than memory has");
     }
-    WriteOutput(output, image.view());
+    std::string file = std::move(image).str();
+    if (arguments.Has("indexed")) {
+        const std::string index = lexon::detail::MakeIndexSection(file);
+        if (index.empty()) {
+            throw Failure(output + ": too many keys collide for an index; leave out --indexed");
+        }
+        file += index;
+    }
+    WriteOutput(output, file);
     return kSuccess;
 }
 

@@ -24,18 +24,13 @@ Catalog::Catalog(std::shared_ptr<const CatalogStore> content) noexcept
     : store(std::move(content)) {}
 
 std::optional<std::u16string_view> Catalog::Find(std::string_view key) const noexcept {
-    const WrittenKey written(key);
-    if (!written.valid || store == nullptr) return std::nullopt;
-    return store->Find(written.key);
+    if (store == nullptr) return std::nullopt;
+    return store->Find(key);
 }
 
 std::u16string Catalog::Text(std::string_view key) const {
-    const WrittenKey written(key);
-    if (!written.valid) return {};
-    if (store != nullptr) {
-        if (const auto text = store->Find(written.key)) return std::u16string(*text);
-    }
-    return ConvertDefaultText(written.defaultText);
+    if (const auto text = Find(key)) return std::u16string(*text);
+    return ConvertDefaultText(WrittenKey(key).defaultText);
 }
 
 std::string Catalog::TextUtf8(std::string_view key) const {
@@ -49,9 +44,8 @@ std::optional<std::u16string_view> Catalog::Find(std::uint32_t id) const noexcep
 }
 
 std::optional<std::uint32_t> Catalog::IdOf(std::string_view key) const noexcept {
-    const WrittenKey written(key);
-    if (!written.valid || store == nullptr) return std::nullopt;
-    return store->IdOf(written.key);
+    if (store == nullptr) return std::nullopt;
+    return store->IdOf(key);
 }
 
 std::optional<std::string_view> Catalog::KeyOf(std::uint32_t id) const noexcept {

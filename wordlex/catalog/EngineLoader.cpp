@@ -62,26 +62,22 @@ public:
             const auto keyAt = static_cast<std::uint32_t>(entry.keyAt);
             const auto textAt = static_cast<std::uint32_t>(entry.textAt * sizeof(char16_t));
             const auto textLength = static_cast<std::uint32_t>(entry.textCount * sizeof(char16_t));
-            Slot& slot = builder.Claim({content->keys.data() + keyAt, entry.keyLength}, keyArea);
-            if (slot.entry == 0) {
+            const auto [record, isNew] =
+                builder.Claim({content->keys.data() + keyAt, entry.keyLength}, keyArea);
+            if (isNew) {
+                record = {static_cast<std::uint32_t>(lines.size()), keyAt,
+                          static_cast<std::uint32_t>(entry.keyLength), textAt, textLength};
                 content->keyOffsets.push_back(keyAt);
-                content->keyLengths.push_back(slot.keyLength);
+                content->keyLengths.push_back(record.keyLength);
                 content->textOffsets.push_back(textAt);
                 content->textLengths.push_back(textLength);
                 lines.push_back(entry.line);
-                slot.entry = static_cast<std::uint32_t>(lines.size());
-                slot.keyOffset = keyAt;
             } else if (counts == OfTwo::kLast) {
-                const std::uint32_t id = slot.entry - 1;
-                replaced(lines[id], entry.line);
-                content->textOffsets[id] = textAt;
-                content->textLengths[id] = textLength;
-                lines[id] = entry.line;
-            } else {
-                continue;
+                replaced(lines[record.entry], entry.line);
+                record.textOffset = content->textOffsets[record.entry] = textAt;
+                record.textLength = content->textLengths[record.entry] = textLength;
+                lines[record.entry] = entry.line;
             }
-            slot.textOffset = textAt;
-            slot.textLength = textLength;
         }
         store->entryCount = static_cast<std::uint32_t>(lines.size());
         store->keys = {std::as_bytes(std::span(content->keyOffsets)),

@@ -161,13 +161,11 @@ private:
         if (key.empty()) return;  // was removed
         const auto* const bytes = reinterpret_cast<const unsigned char*>(key.data());
         if (lexon_private::HashFunc(bytes, key.size()) != slotNumber) return;
-        Slot& slot =
+        const auto [record, isNew] =
             builder.Claim({reinterpret_cast<const char*>(bytes), key.size()}, parts.keys.area);
-        if (slot.entry != 0) return;
-        slot.entry = id + 1;
-        slot.keyOffset = parts.keys.Offset(id);
-        slot.textOffset = parts.texts.Offset(id);
-        slot.textLength = parts.texts.Length(id);
+        if (!isNew) return;
+        record = {id, parts.keys.Offset(id), static_cast<std::uint32_t>(key.size()),
+                  parts.texts.Offset(id), parts.texts.Length(id)};
     }
 
     const ImageParts& parts;

@@ -1,56 +1,52 @@
 #include "wordlex/catalog/IndexBuilder.h"
 
-#include <limits>
+#include <algorithm>
+#include <bit>
 #include <random>
-
-#include "wordlex/catalog/Loaders.h"
 
 namespace lexon::detail {
 
-namespace {
-
-std::uint32_t SlotCount(std::uint32_t most) {
-    const std::uint64_t count = std::uint64_t{most} + most / 2 + 1;
-    if (count <= std::numeric_limits<std::uint32_t>::max())
-        return static_cast<std::uint32_t>(count);
-    throw LoadFault{
-        {.code = LoadError::Code::kMalformed, .reason = "more entries than an index has room for"}};
-}
-
-}  // namespace
-
 IndexBuilder::IndexBuilder(std::uint32_t most, std::uint64_t hashSeed)
-    : slotCount(SlotCount(most)), seed(hashSeed) {
-    slots = std::make_unique<Slot[]>(slotCount);
+    : bucketCount(
+          static_cast<std::uint32_t>((std::uint64_t{most} + most / 2) / Index::kBucketKeys) + 1),
+      seed(hashSeed) {
+    const std::size_t places = std::size_t{bucketCount} * Index::kBucketKeys;
+    digests = std::make_unique<Index::Digest[]>(places);
+    records = std::make_unique<IndexRecord[]>(places);  // zeros, on disk too
 }
 
-Slot& IndexBuilder::Claim(std::string_view key, Bytes keyArea) noexcept {
+IndexBuilder::Claimed IndexBuilder::Claim(std::string_view key, Bytes keyArea) noexcept {
     const std::uint64_t hash = Index::Hash(key, seed);
-    const auto digest = static_cast<std::uint32_t>(hash);
-    std::uint32_t at = Index::Home(hash, slotCount);
+    const Index::Digest digest = Index::DigestOf(hash);
+    std::uint32_t bucket = Index::Home(hash, bucketCount);
     for (std::uint32_t probe = 0;; ++probe) {
-        Slot& slot = slots[at];
-        if (slot.entry == 0) {
-            slot.digest = digest;
-            slot.keyLength = static_cast<std::uint32_t>(key.size());
-            if (probe > longestProbe) longestProbe = probe;
-            return slot;
+        const std::size_t first = std::size_t{bucket} * Index::kBucketKeys;
+        const auto* const bytes = reinterpret_cast<const std::byte*>(digests.get() + first);
+        const auto positionOf = [first](std::uint32_t bits) {
+            return first + static_cast<std::size_t>(std::countr_zero(bits));
+        };
+        for (auto left = Index::Matches(bytes, digest); left != 0; left &= left - 1) {
+            IndexRecord& record = records[positionOf(left)];
+            if (record.keyLength == key.size() &&
+                std::memcmp(keyArea.data() + record.keyOffset, key.data(), key.size()) == 0)
+                return {record, false};
         }
-        if (slot.digest == digest && slot.keyLength == key.size() &&
-            std::string_view(reinterpret_cast<const char*>(keyArea.data()) + slot.keyOffset,
-                             slot.keyLength) == key)
-            return slot;
-        if (++at == slotCount) at = 0;
+        if (const auto empty = Index::Matches(bytes, 0)) {
+            digests[positionOf(empty)] = digest;
+            longestProbe = std::max(longestProbe, probe);
+            return {records[positionOf(empty)], true};
+        }
+        if (++bucket == bucketCount) bucket = 0;
     }
 }
 
 void IndexBuilder::MoveInto(CatalogStore& store) && {
-    store.index.slots = {reinterpret_cast<const std::byte*>(slots.get()),
-                         std::size_t{slotCount} * sizeof(Slot)};
-    store.index.slotCount = slotCount;
-    store.index.longestProbe = longestProbe;
-    store.index.seed = seed;
-    store.keepers.push_back(std::shared_ptr<const Slot[]>(std::move(slots)));
+    const std::size_t places = std::size_t{bucketCount} * Index::kBucketKeys;
+    store.index = {std::as_bytes(std::span(digests.get(), places)),
+                   std::as_bytes(std::span(records.get(), places)), bucketCount, longestProbe,
+                   seed};
+    store.keepers.push_back(std::shared_ptr<const Index::Digest[]>(std::move(digests)));
+    store.keepers.push_back(std::shared_ptr<const IndexRecord[]>(std::move(records)));
 }
 
 std::uint64_t IndexBuilder::RandomSeed() {

@@ -5,14 +5,16 @@
 
 namespace lexon::detail {
 
-// Fills an index of up to `most` keys, two of three slots at the most.
+// Fills an index of up to `most` keys, with three places for two keys.
 class IndexBuilder {
 public:
     IndexBuilder(std::uint32_t most, std::uint64_t seed);
 
-    // The slot of the key: one with entry 0, digest and key length set, when the key is new. The
-    // caller fills it and its key's place in the area.
-    Slot& Claim(std::string_view key, Bytes keyArea) noexcept;
+    struct Claimed {
+        IndexRecord& record;
+        bool isNew;  // the caller fills the record
+    };
+    Claimed Claim(std::string_view key, Bytes keyArea) noexcept;
 
     // Gives the index to a store, which keeps it from then on.
     void MoveInto(CatalogStore& store) &&;
@@ -21,8 +23,9 @@ public:
     static std::uint64_t RandomSeed();
 
 private:
-    std::unique_ptr<Slot[]> slots;
-    std::uint32_t slotCount;
+    std::unique_ptr<Index::Digest[]> digests;
+    std::unique_ptr<IndexRecord[]> records;
+    std::uint32_t bucketCount;
     std::uint32_t longestProbe = 0;
     std::uint64_t seed;
 };

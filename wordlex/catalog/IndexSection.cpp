@@ -12,18 +12,18 @@ namespace {
 // On disk: never change.
 constexpr std::string_view kMagic = "WlxIndex";
 constexpr std::uint32_t kVersion = 1;
-constexpr std::uint32_t kMostProbes = 64;  // a reader gives up after them
+constexpr std::uint32_t kMostProbes = 64;  // further buckets that a reader looks into
 constexpr std::uint32_t kSeeds = 16;       // tried by the writer
 struct Fixed {
     std::uint32_t version;
     std::uint32_t seed;
-    std::uint32_t slotCount;
+    std::uint32_t bucketCount;
     std::uint32_t longestProbe;
     std::uint64_t textsAt;  // in the file; even, as is the next one
     std::uint64_t acceleratorTextsAt;
     std::uint64_t acceleratorsAt;  // their number, in the image
 };
-static_assert(sizeof(Fixed) == 40 && sizeof(Slot) == 24);
+static_assert(sizeof(Fixed) == 40);
 static_assert(kMagic.size() + sizeof(std::uint64_t) == kIndexTrailerSize);
 
 class Writer {
@@ -34,9 +34,10 @@ public:
     void Put(T... values) {
         (PutOne(values), ...);
     }
-    void PutUnits(Bytes units) {
-        for (std::size_t at = 0; at + 2 <= units.size(); at += 2)
-            Put(LoadAt<std::uint16_t>(units, at));
+    template <std::unsigned_integral T>
+    void PutTable(Bytes table) {
+        for (std::size_t at = 0; at + sizeof(T) <= table.size(); at += sizeof(T))
+            Put(LoadAt<T>(table, at));
     }
     std::string out;
 
@@ -86,7 +87,8 @@ std::string MakeIndexSection(std::string_view image) {
         inFile.acceleratorCount == 0 ? 0 : offsetOf(inFile.accelerators.area);
     const std::uint64_t sectionAt = (image.size() + 3) / 4 * 4;
     Writer writer(lexon_private::setEndian(inFile.header.order));
-    const std::uint64_t copiesAt = sectionAt + sizeof(Fixed) + index.slots.size();
+    const std::uint64_t copiesAt =
+        sectionAt + sizeof(Fixed) + index.digests.size() + index.records.size();
     Bytes textCopy;
     Bytes acceleratorCopy;
     if (textsAt % 2 != 0) {
@@ -99,15 +101,12 @@ std::string MakeIndexSection(std::string_view image) {
     }
 
     writer.out.append(sectionAt - image.size(), '\0');
-    writer.Put(kVersion, seed - 1, index.slotCount, index.longestProbe, textsAt, acceleratorTextsAt,
-               inFile.acceleratorsAt);
-    for (std::uint32_t i = 0; i < index.slotCount; ++i) {
-        const auto slot = LoadAt<Slot>(index.slots, i * sizeof(Slot));
-        writer.Put(slot.digest, slot.entry, slot.keyOffset, slot.keyLength, slot.textOffset,
-                   slot.textLength);
-    }
-    writer.PutUnits(textCopy);
-    writer.PutUnits(acceleratorCopy);
+    writer.Put(kVersion, seed - 1, index.bucketCount, index.longestProbe, textsAt,
+               acceleratorTextsAt, inFile.acceleratorsAt);
+    writer.PutTable<Index::Digest>(index.digests);
+    writer.PutTable<std::uint32_t>(index.records);
+    writer.PutTable<std::uint16_t>(textCopy);
+    writer.PutTable<std::uint16_t>(acceleratorCopy);
     writer.Put(sectionAt);
     writer.out += kMagic;
     return std::move(writer.out);
@@ -131,11 +130,15 @@ std::shared_ptr<CatalogStore> OpenIndexed(Bytes file, std::shared_ptr<const void
     if (!head.has_value()) return nullptr;
     const auto fixed = LoadAt<Fixed>(*head, 0);
     if (fixed.version != kVersion || fixed.longestProbe > kMostProbes) return nullptr;
-    const auto slots =
-        Part(file, sectionAt + sizeof(Fixed), std::uint64_t{fixed.slotCount} * sizeof(Slot));
+    const std::uint64_t places = std::uint64_t{fixed.bucketCount} * Index::kBucketKeys;
+    const std::uint64_t digestsAt = sectionAt + sizeof(Fixed);
+    const auto digests = Part(file, digestsAt, places * sizeof(Index::Digest));
+    const auto records =
+        Part(file, digestsAt + places * sizeof(Index::Digest), places * sizeof(IndexRecord));
     const auto texts = Part(file, fixed.textsAt, parts.texts.area.size());
     const auto tables = Part(file, fixed.acceleratorsAt, file.size() - fixed.acceleratorsAt);
-    if (!slots.has_value() || !texts.has_value() || !tables.has_value()) return nullptr;
+    if (!digests.has_value() || !records.has_value() || !texts.has_value() || !tables.has_value())
+        return nullptr;
 
     lexon_private::ImageReader rest = ReaderOf(*tables);
     parts.ReadAccelerators(rest);
@@ -148,7 +151,7 @@ std::shared_ptr<CatalogStore> OpenIndexed(Bytes file, std::shared_ptr<const void
     auto store = std::make_shared<CatalogStore>();
     Adopt(parts, *store);
     if (parts.liveCount != 0 && parts.keyed) {
-        store->index = {*slots, fixed.slotCount, fixed.longestProbe, fixed.seed};
+        store->index = {*digests, *records, fixed.bucketCount, fixed.longestProbe, fixed.seed};
     }
     if (keeper != nullptr) store->keepers.push_back(std::move(keeper));
     return store;

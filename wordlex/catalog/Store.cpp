@@ -1,5 +1,7 @@
 #include "wordlex/catalog/Store.h"
 
+#include <bit>
+
 #define XXH_INLINE_ALL
 #include <xxhash.h>
 
@@ -22,54 +24,52 @@ std::optional<std::u16string_view> Units(std::optional<Bytes> bytes) noexcept {
     return std::u16string_view(reinterpret_cast<const char16_t*>(bytes->data()), count);
 }
 
+std::uint32_t Field(const std::byte* record, std::size_t offset) noexcept {
+    std::uint32_t value;
+    std::memcpy(&value, record + offset, sizeof value);
+    return value;
+}
+
 }  // namespace
 
 std::uint64_t Index::Hash(std::string_view key, std::uint64_t seed) noexcept {
     return XXH3_64bits_withSeed(key.data(), key.size(), seed);
 }
 
-WrittenKey::WrittenKey(std::string_view text) noexcept {
-    constexpr std::string_view kPrefix = "$$$";
-    if (text.starts_with("($$$")) {
-        text.remove_prefix(1);
-        if (text.ends_with(')')) text.remove_suffix(1);
-    }
-    if (text.empty()) return;
-    if (text.front() == '$') {
-        if (!text.starts_with(kPrefix)) return;
-        text.remove_prefix(kPrefix.size());
-    }
-    valid = true;
-    key = text.substr(0, text.find('='));
-    if (key.size() != text.size()) defaultText = text.substr(key.size() + 1);
-}
-
-std::optional<Slot> CatalogStore::FindSlot(std::string_view key) const noexcept {
-    if (index.slotCount == 0) return std::nullopt;
+const std::byte* CatalogStore::FindRecord(std::string_view written) const noexcept {
+    const WrittenKey parsed(written);
+    const std::string_view key = parsed.key;
+    if (!parsed.valid || index.bucketCount == 0) return nullptr;
     const std::uint64_t hash = Index::Hash(key, index.seed);
-    std::uint32_t at = Index::Home(hash, index.slotCount);
+    const Index::Digest digest = Index::DigestOf(hash);
+    std::uint32_t bucket = Index::Home(hash, index.bucketCount);
     for (std::uint32_t probe = 0; probe <= index.longestProbe; ++probe) {
-        const auto slot = LoadAt<Slot>(index.slots, std::size_t{at} * sizeof(Slot));
-        if (slot.entry == 0) return std::nullopt;
-        if (slot.digest == static_cast<std::uint32_t>(hash) && slot.keyLength == key.size()) {
-            const auto held = Part(keys.area, slot.keyOffset, slot.keyLength);
-            if (held.has_value() && Characters(*held) == key) return slot;
+        const std::size_t first = std::size_t{bucket} * Index::kBucketKeys;
+        const std::byte* const digests = index.digests.data() + first * sizeof digest;
+        for (auto left = Index::Matches(digests, digest); left != 0; left &= left - 1) {
+            const auto position = first + static_cast<std::size_t>(std::countr_zero(left));
+            const std::byte* const record = index.records.data() + position * sizeof(IndexRecord);
+            const auto held = Part(keys.area, Field(record, offsetof(IndexRecord, keyOffset)),
+                                   Field(record, offsetof(IndexRecord, keyLength)));
+            if (held.has_value() && Characters(*held) == key) return record;
         }
-        if (++at == index.slotCount) at = 0;
+        if (Index::Matches(digests, 0) != 0) return nullptr;
+        if (++bucket == index.bucketCount) bucket = 0;
     }
-    return std::nullopt;
+    return nullptr;
 }
 
-std::optional<std::u16string_view> CatalogStore::Find(std::string_view key) const noexcept {
-    const auto slot = FindSlot(key);
-    if (!slot.has_value()) return std::nullopt;
-    return Units(Part(texts.area, slot->textOffset, slot->textLength));
+std::optional<std::u16string_view> CatalogStore::Find(std::string_view written) const noexcept {
+    const std::byte* const record = FindRecord(written);
+    if (record == nullptr) return std::nullopt;
+    return Units(Part(texts.area, Field(record, offsetof(IndexRecord, textOffset)),
+                      Field(record, offsetof(IndexRecord, textLength))));
 }
 
-std::optional<std::uint32_t> CatalogStore::IdOf(std::string_view key) const noexcept {
-    const auto slot = FindSlot(key);
-    if (!slot.has_value()) return std::nullopt;
-    return slot->entry - 1;
+std::optional<std::uint32_t> CatalogStore::IdOf(std::string_view written) const noexcept {
+    const std::byte* const record = FindRecord(written);
+    if (record == nullptr) return std::nullopt;
+    return Field(record, offsetof(IndexRecord, entry));
 }
 
 bool CatalogStore::Has(std::uint32_t id) const noexcept {
