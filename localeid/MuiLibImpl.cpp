@@ -10,6 +10,8 @@
 #include "localeid/MuiLib.h"
 #include "localeid/MuiMessages.h"
 
+namespace localeid {
+
 char* g_osLangOverride = nullptr;
 
 namespace {
@@ -85,6 +87,10 @@ std::string getOsLangPref() {
     return languages;
 }
 
+}  // namespace localeid
+
+// The plain-linkage functions.
+
 std::size_t MuiSortLocalesPerUserPreference(const char** locales) {
     const CLocaleList preferred(getOsLangPref().c_str());
     return MuiSortLocalesPerUserPreferenceImpl(locales, preferred);
@@ -92,7 +98,7 @@ std::size_t MuiSortLocalesPerUserPreference(const char** locales) {
 
 void MuiForceOrderOfOsLocales(const char* const* locales) {
     std::string joined;
-    for (std::size_t i = 0; i < CountLocales(locales); ++i) {
+    for (std::size_t i = 0; i < localeid::CountLocales(locales); ++i) {
         // Only before a name that adds something: empty names leave no separator behind.
         if (!joined.empty() && *locales[i] != '\0') joined += ';';
         joined += locales[i];
@@ -108,18 +114,18 @@ void MuiForceOrderOfOsLocales(const char* const* locales) {
 }
 
 const wchar_t* MuiGetLocaleUnavailableErrorMessage() {
-    auto locales = MessageLocales();
+    auto locales = localeid::MessageLocales();
     MuiSortLocalesPerUserPreference(locales.data());
-    return FindMessages(locales.front()).localeUnavailable;
+    return localeid::FindMessages(locales.front()).localeUnavailable;
 }
 
 const wchar_t* MuiGetUnsupportedSystemLocaleErrorMessage(const char** supportedLocales) {
     MuiSortLocalesPerUserPreference(supportedLocales);
     CLocaleList preferred;
-    for (std::size_t i = 0; i < CountLocales(supportedLocales); ++i) {
+    for (std::size_t i = 0; i < localeid::CountLocales(supportedLocales); ++i) {
         preferred.AddLocale(supportedLocales[i]);
     }
-    auto locales = MessageLocales();
+    auto locales = localeid::MessageLocales();
     MuiSortLocalesPerUserPreferenceImpl(locales.data(), preferred);
-    return FindMessages(locales.front()).unsupportedSystemLocale;
+    return localeid::FindMessages(locales.front()).unsupportedSystemLocale;
 }

@@ -7,6 +7,8 @@
 
 #include "localeid/LocaleList.h"
 
+namespace localeid {
+
 // The order forced by MuiForceOrderOfOsLocales, names separated by ';'; null when none is.
 // Owned, from new[]; the last one is never freed.
 extern char* g_osLangOverride;
@@ -34,3 +36,15 @@ void GetMacOsLang(std::string& result);
 
 // The language that a platform groups `locale` under, empty for none. Here always empty.
 std::string getBaseLanguage(const std::string& locale);
+
+}  // namespace localeid
+
+// Whoever includes this header has the names without the namespace, too; a program that only links
+// with the library meets none of them.
+using localeid::g_osLangOverride;
+using localeid::getBaseLanguage;
+using localeid::GetMacOsLang;
+using localeid::getOsLangPref;
+using localeid::LanguageMatch;
+using localeid::MuiSortLocalesPerUserPreferenceImpl;
+using localeid::PromoteLanguage;

@@ -5,6 +5,8 @@
 #include "localeid/MuiLib.h"
 #include "localeid/MuiLibImpl.h"
 
+namespace localeid {
+
 namespace {
 
 struct Release {
@@ -34,6 +36,8 @@ void GetMacOsLang(std::string& result) {
 }
 
 std::string getBaseLanguage(const std::string& /*locale*/) { return {}; }
+
+}  // namespace localeid
 
 void MuiForceOsAnsiCP() {}
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <string_view>
 
+namespace localeid {
+
 namespace {
 
 // Used for English and, in the last row, for want of any better language.
@@ -225,3 +227,5 @@ static_assert(std::is_sorted(allMessages.begin(), allMessages.begin() + kMessage
 static_assert(*allMessages.back().locale == '\0' &&
               allMessages.back().localeUnavailable == kEnglishLocaleUnavailable &&
               allMessages.back().unsupportedSystemLocale == kEnglishUnsupportedSystemLocale);
+
+}  // namespace localeid

@@ -5,6 +5,8 @@
 #include <array>
 #include <cstddef>
 
+namespace localeid {
+
 struct MuiMessageRow {
     const char* locale;                      // name of the texts' language
     const wchar_t* localeUnavailable;        // the localized resources cannot be loaded
@@ -15,3 +17,10 @@ struct MuiMessageRow {
 constexpr std::size_t kMessageLanguages = 32;
 
 extern const std::array<MuiMessageRow, kMessageLanguages + 1> allMessages;
+
+}  // namespace localeid
+
+// As in MuiLibImpl.h.
+using localeid::allMessages;
+using localeid::kMessageLanguages;
+using localeid::MuiMessageRow;
