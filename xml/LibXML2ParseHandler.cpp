@@ -4,9 +4,12 @@
 #include <libxml/parser.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
 #include <cstring>
 #include <limits>
 #include <memory>
+#include <new>
 #include <span>
 #include <stdexcept>
 #include <utility>
@@ -19,7 +22,9 @@ namespace vexacore::xml {
 namespace {
 
 constexpr std::size_t kLongestDocument = std::numeric_limits<int>::max();  // libxml2 counts in int
-constexpr std::size_t kAllowedExpansion = 1'000'000;                       // bytes
+constexpr const char* kTooLong = "the document is longer than 2 GiB";
+constexpr const char* kOutOfMemory = "out of memory";
+constexpr std::size_t kAllowedExpansion = 1'000'000;  // bytes
 // Enough for what a document says itself: the name of an empty element is handed on four times,
 // qualified and local, at start and end, and a byte of ISO 8859 or of a Windows code page takes up
 // to three in UTF-8.
@@ -121,6 +126,21 @@ void Decode(xmlParserInput& input) {
     input.end = xmlBufEnd(input.buf->buffer);
 }
 
+// The line of an error and the first line of its text, in UTF-8; a text with a very long name is
+// cut, between two characters.
+std::array<char, 200> Describe(const xmlError& error) noexcept {
+    std::array<char, 200> text{};
+    std::snprintf(text.data(), text.size(), "line %d: %s", error.line, error.message);
+    std::size_t end = std::strcspn(text.data(), "\n");
+    if (end == text.size() - 1) {
+        constexpr unsigned char kContinuationMask = 0xC0, kContinuation = 0x80;
+        while ((static_cast<unsigned char>(text[--end]) & kContinuationMask) == kContinuation) {
+        }
+    }
+    text[end] = '\0';
+    return text;
+}
+
 // Sends the errors of libxml2 on this thread to one function instead of the standard error stream.
 class ErrorRedirection {
 public:
@@ -150,7 +170,10 @@ ResultCode LibXML2ParseHandler::ParseDocument(const UTF16String& path) {
     if (!utility::FileUtils::FileExists(path)) return kParseFailed;
     const filesupport::File file(path, filesupport::StorageType::kPlain);
     filesupport::IPlatformByteStream stream(file, filesupport::IPlatformByteStream::kRead);
-    if (stream.Length() > kLongestDocument) return kParseFailed;
+    if (stream.Length() > kLongestDocument) {
+        failure = kTooLong;
+        return kParseFailed;
+    }
     const auto length = static_cast<std::uint32_t>(stream.Length());
     ByteString document(length, '\0');
     stream.ReadBlock(document.data(), length);
@@ -159,7 +182,9 @@ ResultCode LibXML2ParseHandler::ParseDocument(const UTF16String& path) {
 
 ResultCode LibXML2ParseHandler::ParseBuffer(const ByteString& document) {
     const std::size_t length = std::strlen(document.c_str());
-    if (context || length > kLongestDocument) return kParseFailed;
+    if (context) return kParseFailed;
+    failure = length > kLongestDocument ? kTooLong : "";
+    if (!failure.empty()) return kParseFailed;
 
     // Before the context is made, which copies the setting; libxml2 keeps one for each thread.
     xmlSubstituteEntitiesDefault(1);
@@ -178,7 +203,10 @@ ResultCode LibXML2ParseHandler::ParseBuffer(const ByteString& document) {
     const ErrorRedirection redirection(this, receiveError);
     const std::unique_ptr<xmlParserCtxt, FreeContext> owner(
         xmlCreateDocParserCtxt(reinterpret_cast<const xmlChar*>(document.c_str())));
-    if (!owner) return kParseFailed;
+    if (!owner) {
+        failure = length == 0 ? "the document is empty" : kOutOfMemory;
+        return kParseFailed;
+    }
     context = owner.get();
     context->userData = this;
     context->options |= XML_PARSE_NOENT;
@@ -202,8 +230,12 @@ void LibXML2ParseHandler::Report(void* parser, Action action) noexcept {
     if (self.failed) return;
     try {
         action(self);
+    } catch (const std::bad_alloc&) {
+        self.Stop(kOutOfMemory);
+    } catch (const std::exception& error) {
+        self.Stop(error.what());
     } catch (...) {
-        self.Stop();
+        self.Stop({});
     }
 }
 
@@ -211,7 +243,11 @@ void LibXML2ParseHandler::Report(void* parser, Action action) noexcept {
 // the next one. This reaches the context of an entity, which is not known here but shares the
 // dictionary. xmlStopParser would free the input, which may still be in use where an error is
 // reported.
-void LibXML2ParseHandler::Stop() noexcept {
+void LibXML2ParseHandler::Stop(std::string_view reason) noexcept {
+    try {
+        if (!failed) failure = reason;
+    } catch (const std::bad_alloc&) {  // without a reason
+    }
     failed = true;
     if (!context) return;
     context->instate = XML_PARSER_EOF;
@@ -226,7 +262,7 @@ void LibXML2ParseHandler::receiveError(void* parser, xmlError* error) {
     auto& failing = *static_cast<xmlParserCtxt*>(error->ctxt);
     if (failing.userData != &self) return;
     failing.instate = XML_PARSER_EOF;
-    self.Stop();
+    self.Stop(Describe(*error).data());
 }
 
 // Entities and default attributes make a short document yield a long one.

@@ -80,7 +80,7 @@ private:
     template <class Action>
     static void Report(void* parser, Action action) noexcept;
     static void receiveError(void* parser, _xmlError* error);  // of any parser on this thread
-    void Stop() noexcept;
+    void Stop(std::string_view reason) noexcept;               // the first reason counts
     // These convert for the handler and count against the budget; Spend only counts. They throw
     // when the budget is spent.
     void Spend(std::size_t cost);
