@@ -62,7 +62,7 @@ TEST(ByteRunKey, IsEqualToTheSameBytes) {
         for (const std::string& b : keys) {
             const HashItem& other = Probe(b);
             EXPECT_EQ(a == b, Probe(a) == other) << a << ' ' << b;
-            EXPECT_EQ(a == b, Probe(a).Tag() == other.Tag()) << a << ' ' << b;
+            EXPECT_EQ(a == b, Probe(a).KeyHash() == other.KeyHash()) << a << ' ' << b;
         }
     }
 }

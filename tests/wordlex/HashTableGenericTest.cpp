@@ -95,7 +95,9 @@ TEST_F(HashTable, KeepsChainsWholeHoweverItemsComeAndGo) {
 TEST_F(HashTable, LinksSeveralItemsAheadInTheirOrder) {
     InsertChain("a");
     HashItem* const items[] = {new Key(Chained('b'), 'b'), new Key(Chained('c'), 'c')};
-    table->InsertAhead(items[0]->Hash(kHashBucketCount), items);
+    const HashTableGeneric::Group groups[] = {
+        {static_cast<std::uint16_t>(items[0]->Hash(kHashBucketCount)), items}};
+    table->InsertAhead(groups);
     EXPECT_EQ("bca", Pass());
     EXPECT_EQ('c', Find(Chained('c')));
 }

@@ -4,43 +4,9 @@
 #include <limits>
 
 #include "wordlex/functionality/BinUtil.h"
-#include "wordlex/functionality/IdList.h"
+#include "wordlex/functionality/KeyHash.h"
 
 namespace lexon_private {
-
-std::uint32_t cFarray::getAccelIndex(std::uint32_t entry) const noexcept {
-    // Bisected by hand: std::lower_bound wants them to ascend, which images may not do.
-    std::uint32_t low = 0;
-    for (std::uint32_t high = acceleratorCount; low < high;) {
-        const std::uint32_t middle = low + (high - low) / 2;
-        if (acceleratorEntries[middle] < entry) {
-            low = middle + 1;
-        } else {
-            high = middle;
-        }
-    }
-    return low < acceleratorCount && acceleratorEntries[low] == entry ? low : acceleratorCount;
-}
-
-void cFarray::PrepareAccelerators(std::uint32_t room) {
-    if (!acceleratorEntries.empty()) return;
-    accelerators.MakeEmpty(room);
-    acceleratorEntries = Table<std::uint32_t>(room);
-}
-
-void cFarray::AddAccelerator(std::uint32_t entry, PackedRuns<unsigned short>::Run text,
-                             std::uint16_t byteCount) noexcept {
-    acceleratorEntries[acceleratorCount] = entry;
-    accelerators.Put(acceleratorCount, std::move(text), byteCount);
-    ++acceleratorCount;
-}
-
-void cFarray::Kill(std::uint32_t entry) noexcept {
-    keys.Clear(entry);
-    values.Clear(entry);
-    const std::uint32_t index = getAccelIndex(entry);
-    if (index != acceleratorCount) accelerators.Clear(index);
-}
 
 ArrayImage::ArrayImage(ImageReader& reader, std::uint32_t storeTotal) {
     idBase = reader.Get<std::uint32_t>();
@@ -67,27 +33,27 @@ ArrayImage::ArrayImage(ImageReader& reader, std::uint32_t storeTotal) {
     if (array.keyed) ReadHashIndex(reader, slotCount);
     ReadAccelerators(reader);
     if (!reader.Ok()) return;
-    if (array.keyed) MakeTags();
+    if (array.keyed) HashKeys();
     liveCount = BelievableLiveCount(declaredLiveCount);
 }
 
 void ArrayImage::ReadHashIndex(ImageReader& reader, std::uint32_t slotCount) {
     const std::uint64_t numbersAt = reader.Offset();
-    slotNumbers = reader.GetTable<std::uint16_t>(slotCount);
-    const auto badSlot = std::find_if(slotNumbers.begin(), slotNumbers.end(),
+    array.slotNumbers = reader.GetTable<std::uint16_t>(slotCount);
+    const auto badSlot = std::find_if(array.slotNumbers.begin(), array.slotNumbers.end(),
                                       [](std::uint16_t slot) { return slot >= kHashBucketCount; });
-    if (badSlot != slotNumbers.end()) {
-        const auto position = static_cast<std::uint64_t>(badSlot - slotNumbers.begin());
+    if (badSlot != array.slotNumbers.end()) {
+        const auto position = static_cast<std::uint64_t>(badSlot - array.slotNumbers.begin());
         reader.Reject(ImageFault::kSlotOutside, numbersAt + position * sizeof *badSlot);
     }
-    slotSizes = reader.GetTable<std::uint32_t>(slotCount);
+    array.slotSizes = reader.GetTable<std::uint32_t>(slotCount);
     std::uint64_t idCount = 0;
-    for (const std::uint32_t size : slotSizes)
+    for (const std::uint32_t size : array.slotSizes)
         idCount += size;
 
     const std::uint64_t idsAt = reader.Offset();
-    ids = reader.GetTable<std::uint32_t>(idCount);
-    CheckIds(reader, ids, idsAt);
+    array.ids = reader.GetTable<std::uint32_t>(idCount);
+    CheckIds(reader, array.ids, idsAt);
 }
 
 void ArrayImage::CheckIds(ImageReader& reader, const Table<std::uint32_t>& entries,
@@ -111,14 +77,18 @@ void ArrayImage::ReadAccelerators(ImageReader& reader) {
     array.accelerators.ReadArea(reader, areaSize);
 }
 
+// In the order of the entries, which is that of the key area: the lists would jump about in it.
 // An entry without key and value was removed. One with a value alone has the empty key.
-void ArrayImage::MakeTags() {
-    tags = Table<std::uint16_t>(array.entryCount);
+void ArrayImage::HashKeys() {
+    keyHashes = Table<std::uint32_t>(array.entryCount);
+    keySlots = Table<std::uint16_t>(array.entryCount);
     for (std::uint32_t i = 0; i < array.entryCount; ++i) {
-        const std::uint16_t keyLength = array.keys.Length(i);
-        tags[i] = keyLength != 0 || array.values.Length(i) != 0
-                      ? IdList::Tag(array.keys.Data(i), keyLength)
-                      : IdList::kNoKey;
+        const unsigned char* const key = array.keys.Data(i);
+        const std::uint16_t length = array.keys.Length(i);
+        keyHashes[i] = KeyHash(key, length);
+        keySlots[i] = length != 0 || array.values.Length(i) != 0
+                          ? static_cast<std::uint16_t>(HashFunc(key, length))
+                          : kNoSlot;
     }
 }
 
@@ -126,8 +96,8 @@ void ArrayImage::MakeTags() {
 // are removed; in between the image knows best: an empty key with an empty value counts too.
 std::uint32_t ArrayImage::BelievableLiveCount(std::uint32_t declared) const noexcept {
     if (declared == 0) return 0;
-    const auto dead = std::count(tags.begin(), tags.end(), IdList::kNoKey);
-    const auto alive = static_cast<std::uint32_t>(static_cast<std::ptrdiff_t>(tags.size()) - dead);
+    const auto alive = static_cast<std::uint32_t>(std::count_if(
+        keySlots.begin(), keySlots.end(), [](std::uint16_t slot) { return slot != kNoSlot; }));
     return std::clamp(declared, alive, array.entryCount);
 }
 

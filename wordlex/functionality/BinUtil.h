@@ -20,11 +20,8 @@ unsigned long HashBytes(const unsigned char* bytes, unsigned long length,
                         unsigned long bucketCount) noexcept;
 unsigned long HashFunc(const unsigned char* bytes, unsigned long length) noexcept;
 
-// A digest of a key, in memory only: tells apart most keys that share a bucket. Where the system
-// loads libraries at random addresses another process gives another digest.
-std::uint16_t KeyTag(const unsigned char* bytes, unsigned long length) noexcept;
-
-// Whether multi-byte fields in the given byte order differ from this machine's.
+// Whether multi-byte fields in the given byte order differ from this machine's. A value that is
+// none of the three orders means the machine's own.
 bool setEndian(lexon::EndianT order) noexcept;
 
 template <std::unsigned_integral T>

@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "wordlex/functionality/BinUtil.h"
+#include "wordlex/functionality/KeyHash.h"
 #include "wordlex/functionality/TextLine.h"
 
 namespace lexon_private {
@@ -36,6 +37,6 @@ bool ByteRunKey::operator==(const HashItem& other) const {
     return length == key.length && (length == 0 || std::memcmp(data, key.data, length) == 0);
 }
 
-std::uint16_t ByteRunKey::Tag() const { return KeyTag(data, length); }
+std::uint32_t ByteRunKey::KeyHash() const { return lexon_private::KeyHash(data, length); }
 
 }  // namespace lexon_private

@@ -31,7 +31,7 @@ public:
     unsigned long Hash(unsigned long bucketCount) const override;
     // `other` is a ByteRunKey.
     bool operator==(const HashItem& other) const override;
-    std::uint16_t Tag() const override;
+    std::uint32_t KeyHash() const override;
 
 private:
     static const unsigned char* CopyBytes(const unsigned char* bytes, unsigned long byteCount);

@@ -49,9 +49,10 @@ void Narrow(const unsigned short* units, unsigned long count, unsigned char* byt
 
 }  // namespace
 
-Dictionary::Dictionary(bool compact) : compactStore(new FastArray) {
-    compactStore->AddReference();
-    if (compact) BecomeCompact();
+Dictionary::Dictionary(bool compact) {
+    if (!compact) return;
+    Store();
+    BecomeCompact();
 }
 
 Dictionary::Dictionary(const Dictionary& other) { *this = other; }

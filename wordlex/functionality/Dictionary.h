@@ -99,7 +99,8 @@ public:
     void Locale(const char* name);  // null and "" change nothing
 
     unsigned long NumKeys() const;
-    // while (HasMoreKey()) take the key from one of the NextKey forms; no change meanwhile.
+    // while (HasMoreKey()) take the key from one of the NextKey forms. When a key comes or goes,
+    // the enumeration of a hash table ends and that of a compact store goes on by id.
     bool HasMoreKey();
     // Copies the key and a NUL. A buffer that is null or too small throws 'BUFF' or gives false.
     bool NextKey(char* buffer, unsigned long size, bool throwIfTooSmall);
@@ -155,7 +156,7 @@ private:
     void AddEntry(unsigned short* line, const unsigned short* end);
     bool IsCompact() const noexcept { return storeMajor >= 2; }
     void BecomeCompact() noexcept;
-    FastArray& Store();
+    FastArray& Store();  // made at the first call
     std::optional<UnicodeRun> Find(const Key& key) const;
     bool FindInPlace(const Key& key, const unsigned short*& units, unsigned long& length) const;
     const Dictionary* HolderOf(unsigned long id) const;  // this, the main dictionary or null
@@ -174,7 +175,7 @@ private:
 
     HashTable<ByteRunKey, DictionaryEntry> entries;
     bool valid = true;
-    FastArray* compactStore = nullptr;  // one reference; null until a plain copy needs a store
+    FastArray* compactStore = nullptr;  // one reference; null until the dictionary is compact
     std::int8_t storeMajor = 0;
     std::int8_t storeMinor = 0;
     std::unique_ptr<char[]> localeName;

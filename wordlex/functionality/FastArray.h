@@ -1,5 +1,4 @@
 #pragma once
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
@@ -7,17 +6,16 @@
 #include <memory_resource>
 #include <vector>
 
-#include "wordlex/functionality/ArrayImage.h"
-#include "wordlex/functionality/BinUtil.h"
 #include "wordlex/functionality/EntryView.h"
-#include "wordlex/functionality/IdList.h"
 #include "wordlex/functionality/ImageReader.h"
-#include "wordlex/functionality/PackedRuns.h"
+#include "wordlex/functionality/KeyIndex.h"
 #include "wordlex/functionality/RefCountObj.h"
 #include "wordlex/functionality/UnicodeRun.h"
+#include "wordlex/functionality/cFarray.h"
 
 namespace lexon_private {
 
+struct ArrayImage;
 class ImageWriter;
 
 // What became of an image.
@@ -28,8 +26,16 @@ enum class ImageResult {
     kMalformed,  // it names a slot above 1020 or an entry that there is not
 };
 
-// The compact store: entries in packed tables, numbered by ids that are never reused, found by key
-// through 1021 slots of ids. Images and added entries lie side by side as a list of arrays.
+// The compact store: entries in packed tables, numbered by ids that are never reused. Images and
+// added entries lie side by side as a list of arrays.
+//
+// A key is found through the index: KeyHash leads to the ids of that hash, of which the first one
+// with equal key bytes is the answer. The 1021 slots of ids that images bring are kept as they
+// came, to be written again; they are not searched. But they say what can be found: the index
+// holds an id as often as it is listed in different slots, each time under SlotHash of its key and
+// the slot, and a search by key looks only where the key belongs. So a key that an image lists in
+// a wrong slot is not found, and of equal keys the one listed first is.
+//
 // Owns:      everything in it; nothing refers to an image once that is loaded.
 // Ids:       32 bits, from 0 without gaps in the order of loading and adding; kNoId is none. An id
 //            is valid until its entry is removed or overridden. That of the empty key never is.
@@ -118,7 +124,6 @@ private:
         std::uint16_t length = 0;
         PackedRuns<unsigned short>::Run prepared = nullptr;
     };
-    using SlotCounts = std::array<std::uint32_t, kHashBucketCount>;
 
     ~FastArray() override = default;
 
@@ -132,37 +137,40 @@ private:
     Place PlaceOf(std::uint32_t id) const;  // of an id below the total
     // The array of a valid id and the entry's index there; null for an invalid id.
     const cFarray* FindEntry(std::uint32_t id, std::uint32_t& entry) const;
-    // The first id of the slot whose entry has the key, or kNoId.
-    std::uint32_t FindListed(const IdList& slot, std::uint16_t tag, const unsigned char* key,
-                             unsigned long keyLength) const;
+    // The first id under the hash whose entry has the key, or kNoId.
+    std::uint32_t FindUnder(std::uint32_t hash, const unsigned char* key,
+                            unsigned long keyLength) const;
 
-    void readSetup();  // makes room for one more array
+    void ReserveArray();  // makes room for one more array
     cFarray& WritableArray();
     // Changes value and accelerator of an entry.
-    void updateVals(std::uint32_t id, const unsigned char* value, unsigned long valueLength,
-                    const unsigned char* accelerator, unsigned long acceleratorLength);
+    void ReplaceTexts(std::uint32_t id, const unsigned char* value, unsigned long valueLength,
+                      const unsigned char* accelerator, unsigned long acceleratorLength);
 
     // Kills the entries of the image whose keys are held here, takes them off its lists, and
     // prepares the new values of the held entries.
-    std::vector<Update> updateStrValsIfKeyExists(ArrayImage& image);
-    std::unique_ptr<std::byte[]> ReserveLists(const SlotCounts& added);
-    void Append(ArrayImage&& image, std::unique_ptr<std::byte[]> lists,
-                const SlotCounts& added) noexcept;
+    std::vector<Update> TakeHeldKeys(ArrayImage& image);
+    // This store's index with what the image lists.
+    KeyIndex<std::uint32_t> IndexWith(const ArrayImage& image) const;
 
-    std::uint32_t bSerialize(std::ostream& out, bool withKeys, lexon::EndianT order,
+    std::uint32_t WriteImage(std::ostream& out, bool withKeys, lexon::EndianT order,
                              std::uint32_t idBase) const;
-    void WriteHashIndex(ImageWriter& writer) const;
     void WriteAccelerators(ImageWriter& writer) const;
     void SerializeText(std::ostream& out) const;
     // Calls visit(array, entry) for every entry in the order of ids.
     template <class Visit>
-    void ForEach(Visit visit) const;
+    void ForEach(Visit visit) const {
+        for (const cFarray& array : arrays) {
+            for (std::uint32_t entry = 0; entry < array.entryCount; ++entry)
+                visit(array, entry);
+        }
+    }
 
     std::uint32_t totalCount = 0;
     std::uint32_t liveCount = 0;
-    std::array<IdList, kHashBucketCount> slots;
-    std::unique_ptr<std::byte[]> imageLists;  // the lists of an image that an empty store loaded
-    std::pmr::monotonic_buffer_resource addedStrings;  // keys, values, accelerators as first added
+    KeyIndex<std::uint32_t> index;
+    // Keys, values and accelerators as first added.
+    std::pmr::monotonic_buffer_resource addedStrings{std::pmr::new_delete_resource()};
     std::vector<cFarray> arrays;
     std::vector<std::uint32_t> idBases;  // of the arrays: id of the first entry, ascending
     bool writable = false;               // whether the last array takes added entries

@@ -1,5 +1,7 @@
 #include "wordlex/functionality/HashItem.h"
 
+#include "wordlex/functionality/BinUtil.h"
+
 namespace lexon_private {
 
 std::uint32_t HashItem::SerializeKey(std::ostream& out, bool binary,
@@ -13,6 +15,8 @@ std::uint32_t HashItem::SerializeValue(std::ostream& out, bool binary,
     return Serialize(out, binary, encoding);
 }
 
-std::uint16_t HashItem::Tag() const { return 0; }
+std::uint32_t HashItem::KeyHash() const {
+    return static_cast<std::uint32_t>(Hash(kHashBucketCount));
+}
 
 }  // namespace lexon_private

@@ -6,14 +6,15 @@
 
 namespace lexon_private {
 
-// What a HashTableGeneric chains: something that hashes, compares and writes itself.
-// Invariant: only the table writes the link to the next item of the bucket; copies are in no table.
+// What a HashTableGeneric holds: something that hashes, compares and writes itself.
+// Invariant: only the table writes the links of the bucket's chain; copies are in no table.
 class HashItem {
 public:
     HashItem() noexcept = default;
     HashItem(const HashItem&) noexcept {}
     HashItem& operator=(const HashItem&) noexcept {
         next = nullptr;
+        link = nullptr;
         return *this;
     }
 
@@ -30,13 +31,14 @@ public:
     // In [0, bucketCount); `bucketCount` is never 0.
     virtual unsigned long Hash(unsigned long bucketCount) const = 0;
     virtual bool operator==(const HashItem& other) const = 0;
-    // A short digest of what operator== compares: equal items have equal tags, so that a table can
-    // pass over most others without touching them. Items without one all share the tag 0.
-    virtual std::uint16_t Tag() const;
+    // A hash of what operator== compares, over all 32 bits: a table finds an item by it. Items
+    // without one are found by their bucket, and all items of a bucket are looked at.
+    virtual std::uint32_t KeyHash() const;
 
 private:
     friend class HashTableGeneric;
-    HashItem* next = nullptr;
+    HashItem* next = nullptr;   // the next older item of the bucket
+    HashItem** link = nullptr;  // what points at this item: the next newer one's link, or the head
 };
 
 }  // namespace lexon_private

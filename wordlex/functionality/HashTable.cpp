@@ -1,7 +1,6 @@
 #include "wordlex/functionality/HashTable.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <memory>
 #include <span>
@@ -65,18 +64,17 @@ public:
     void LinkInto(HashTableGeneric& table) {
         std::vector<HashItem*> items;
         items.reserve(entries.size());
-        std::array<std::size_t, kHashBucketCount> added{};
-        for (std::size_t b = 0; b < buckets.size(); ++b)
-            added[buckets[b].slot] += End(b) - buckets[b].begin;
-        for (std::size_t slot = 0; slot < added.size(); ++slot)
-            table.ReserveAhead(slot, added[slot]);
-        // From here on nothing fails.
-        for (std::unique_ptr<HashItem>& entry : entries)
-            items.push_back(entry.release());
+        for (const std::unique_ptr<HashItem>& entry : entries)
+            items.push_back(entry.get());
+        std::vector<HashTableGeneric::Group> groups;
         for (std::size_t b = 0; b < buckets.size(); ++b) {
-            const std::size_t begin = buckets[b].begin;
-            table.InsertAhead(buckets[b].slot, std::span(items).subspan(begin, End(b) - begin));
+            const std::size_t end = b + 1 < buckets.size() ? buckets[b + 1].begin : entries.size();
+            groups.push_back({buckets[b].slot,
+                              std::span(items).subspan(buckets[b].begin, end - buckets[b].begin)});
         }
+        table.InsertAhead(groups);
+        for (std::unique_ptr<HashItem>& entry : entries)
+            static_cast<void>(entry.release());
     }
 
 private:
@@ -84,10 +82,6 @@ private:
         std::uint16_t slot;
         std::size_t begin;  // in entries
     };
-
-    std::size_t End(std::size_t bucket) const {
-        return bucket + 1 < buckets.size() ? buckets[bucket + 1].begin : entries.size();
-    }
 
     std::vector<std::unique_ptr<HashItem>> entries;
     std::vector<Bucket> buckets;

@@ -1,6 +1,5 @@
 #include "wordlex/functionality/HashTableGeneric.h"
 
-#include <algorithm>
 #include <numeric>
 #include <ostream>
 #include <utility>
@@ -38,129 +37,107 @@ void VisitFetched(std::span<const HashItem* const> items, Visit visit) {
 
 }  // namespace
 
-std::optional<std::size_t> HashTableGeneric::Bucket::Position(const HashItem& probe,
-                                                              std::uint16_t tag) const {
-    const Tags tags = KeyTags();
-    std::size_t behind = tags.BehindLast(end, tag);
-    for (; behind != 0; behind = tags.BehindLast(behind - 1, tag)) {
-        const HashItem* const item = Items()[behind - 1];
-        if (item == nullptr) continue;
-        PrefetchAround(item);
-        if (*item == probe) return behind - 1;
-    }
-    return std::nullopt;
-}
-
-HashItem* HashTableGeneric::Bucket::NewerThan(std::size_t position) const noexcept {
-    HashItem** const behind = Items() + end;
-    HashItem** const newer = std::find_if(Items() + position + 1, behind,
-                                          [](const HashItem* item) { return item != nullptr; });
-    return newer == behind ? nullptr : *newer;
-}
-
-void HashTableGeneric::Bucket::CloseHoles() noexcept {
-    const Tags tags = KeyTags();
-    tags.Clear();
-    std::uint32_t kept = 0;
-    for (std::uint32_t i = 0; i < end; ++i) {
-        if (Items()[i] == nullptr) continue;
-        Items()[kept] = Items()[i];
-        tags.Set(kept++, tags[i]);
-    }
-    end = kept;
-}
-
-void HashTableGeneric::Bucket::Reserve(std::size_t more) {
-    if (capacity - end >= more) return;
-    CloseHoles();
-    constexpr std::size_t kFirst = 4;
-    Bucket larger;
-    larger.capacity =
-        static_cast<std::uint32_t>(std::max({count + more, 2 * std::size_t{count}, kFirst}));
-    larger.block.reset(
-        new std::byte[larger.capacity * sizeof(HashItem*) + Tags::BlockSize(larger.capacity)]);
-    larger.KeyTags().Clear();
-    std::copy_n(Items(), count, larger.Items());
-    for (; larger.end < count; ++larger.end)
-        larger.KeyTags().Set(larger.end, KeyTags()[larger.end]);
-    larger.count = count;
-    *this = std::move(larger);
-}
-
-void HashTableGeneric::Bucket::Append(HashItem* item, std::uint16_t tag) noexcept {
-    item->next = Head();
-    Items()[end] = item;
-    KeyTags().Set(end++, tag);
-    ++count;
-}
-
-HashItem* HashTableGeneric::Bucket::Unlink(std::size_t position) noexcept {
-    HashItem* const item = Items()[position];
-    if (HashItem* const newer = NewerThan(position)) newer->next = item->next;
-    item->next = nullptr;
-    Items()[position] = nullptr;
-    --count;
-    while (end != 0 && Items()[end - 1] == nullptr)
-        --end;
-    if (end - count > count / kHoleShare + kHoleShare) CloseHoles();
-    return item;
-}
-
 HashTableGeneric::~HashTableGeneric() {
-    for (const Bucket& bucket : buckets) {
-        for (HashItem* item = bucket.Head(); item != nullptr;)
+    for (std::size_t bucket = 0; bucket < kHashBucketCount; ++bucket) {
+        for (HashItem* item = Head(bucket); item != nullptr;)
             delete std::exchange(item, item->next);
     }
 }
 
-void HashTableGeneric::Insert(HashItem* item) {
-    InsertAhead(item->Hash(kHashBucketCount), {&item, 1});
+void HashTableGeneric::MakeBuckets() {
+    if (buckets == nullptr) buckets = std::make_unique<Buckets>();
 }
 
-void HashTableGeneric::InsertAhead(unsigned long bucketIndex, std::span<HashItem* const> items) {
-    Bucket& bucket = buckets[bucketIndex];
-    bucket.Reserve(items.size());
-    for (std::size_t i = items.size(); i-- > 0;)
-        bucket.Append(items[i], items[i]->Tag());
+void HashTableGeneric::Link(std::size_t bucket, HashItem* item) noexcept {
+    HashItem*& head = (*buckets)[bucket];
+    item->next = head;
+    item->link = &head;
+    if (head != nullptr) head->link = &item->next;
+    head = item;
+    enumRestart = true;
+    enumItem = nullptr;
+}
+
+void HashTableGeneric::Unlink(HashItem* item) noexcept {
+    *item->link = item->next;
+    if (item->next != nullptr) item->next->link = item->link;
+    item->next = nullptr;
+    item->link = nullptr;
+    enumRestart = true;
+    enumItem = nullptr;
+}
+
+void HashTableGeneric::Insert(HashItem* item) {
+    MakeBuckets();
+    index.PutFirst(item->KeyHash(), item);
+    Link(item->Hash(kHashBucketCount), item);
+}
+
+void HashTableGeneric::InsertAhead(std::span<const Group> groups) {
+    MakeBuckets();
+    std::size_t itemCount = 0;
+    for (const Group& group : groups)
+        itemCount += group.items.size();
+    KeyIndex<HashItem*> larger = index;
+    larger.Reserve(itemCount);
+    const auto forEachLastFirst = [groups](auto visit) {
+        for (const Group& group : groups) {
+            for (std::size_t i = group.items.size(); i-- > 0;)
+                visit(group.bucket, group.items[i]);
+        }
+    };
+    forEachLastFirst([&larger](std::size_t bucket, HashItem* item) {
+        if (item->Hash(kHashBucketCount) == bucket) larger.PutFirst(item->KeyHash(), item);
+    });
+    // From here on nothing fails.
+    index = std::move(larger);
+    forEachLastFirst([this](std::size_t bucket, HashItem* item) { Link(bucket, item); });
+}
+
+HashItem* HashTableGeneric::FindIn(const HashItem& probe, std::uint32_t hash) const {
+    return index.Find(hash, [&probe](const HashItem* item) { return *item == probe; })
+        .value_or(nullptr);
 }
 
 HashItem* HashTableGeneric::Find(const HashItem& probe) const {
-    const Bucket& bucket = buckets[probe.Hash(kHashBucketCount)];
-    const std::optional<std::size_t> position = bucket.Position(probe, probe.Tag());
-    return position.has_value() ? bucket.At(*position) : nullptr;
+    return FindIn(probe, probe.KeyHash());
 }
 
 HashItem* HashTableGeneric::Remove(const HashItem& probe) {
-    Bucket& bucket = buckets[probe.Hash(kHashBucketCount)];
-    const std::optional<std::size_t> position = bucket.Position(probe, probe.Tag());
-    return position.has_value() ? bucket.Unlink(*position) : nullptr;
+    const std::uint32_t hash = probe.KeyHash();
+    HashItem* const item = FindIn(probe, hash);
+    if (item == nullptr) return nullptr;
+    index.Remove(hash, item);
+    Unlink(item);
+    return item;
 }
 
 void HashTableGeneric::Replace(HashItem* item) {
-    Bucket& bucket = buckets[item->Hash(kHashBucketCount)];
-    const std::uint16_t tag = item->Tag();
-    bucket.Reserve(1);
-    // From here on nothing fails.
-    const std::optional<std::size_t> position = bucket.Position(*item, tag);
-    if (position.has_value()) delete bucket.Unlink(*position);
-    bucket.Append(item, tag);
+    MakeBuckets();
+    const std::uint32_t hash = item->KeyHash();
+    HashItem* const old = FindIn(*item, hash);
+    if (old == nullptr) {
+        index.PutFirst(hash, item);
+    } else {
+        index.Replace(hash, old, item);
+        Unlink(old);
+        delete old;
+    }
+    Link(item->Hash(kHashBucketCount), item);
 }
 
 std::int32_t HashTableGeneric::NumItems() const {
-    std::size_t items = 0;
-    for (const Bucket& bucket : buckets)
-        items += bucket.Count();
-    return static_cast<std::int32_t>(items);
+    std::int32_t items = 0;
+    ForEach([&items](const HashItem&) { ++items; });
+    return items;
 }
 
-bool HashTableGeneric::EnterChainFrom(std::size_t firstBucket) const {
-    const auto first = buckets.begin() + static_cast<std::ptrdiff_t>(firstBucket);
-    const auto found =
-        std::find_if(first, buckets.end(), [](const Bucket& b) { return b.Count() != 0; });
-    if (found == buckets.end()) return false;
-    enumBucket = static_cast<std::int32_t>(found - buckets.begin());
-    enumItem = found->Head();
-    return true;
+bool HashTableGeneric::EnterChainFrom(std::size_t firstBucket) const noexcept {
+    for (enumBucket = firstBucket; enumBucket < kHashBucketCount; ++enumBucket) {
+        enumItem = Head(enumBucket);
+        if (enumItem != nullptr) return true;
+    }
+    return false;
 }
 
 bool HashTableGeneric::HasMoreItem() const {
@@ -169,33 +146,40 @@ bool HashTableGeneric::HasMoreItem() const {
         return !enumRestart;
     }
     enumItem = enumItem->next;
-    if (enumItem != nullptr || EnterChainFrom(static_cast<std::size_t>(enumBucket) + 1))
-        return true;
+    if (enumItem != nullptr || EnterChainFrom(enumBucket + 1)) return true;
     enumRestart = true;
     return false;
 }
 
 // The chains are followed side by side, so that the waits for memory overlap.
-std::vector<const HashItem*> HashTableGeneric::ItemsInOrder() const {
+HashTableGeneric::Listing HashTableGeneric::InOrder() const {
     struct Step {
-        std::size_t bucket;
+        std::size_t bucket;  // in the listing
         const HashItem* item;
     };
+    Listing listing;
     std::vector<Step> steps;
-    for (std::size_t bucket = 0; bucket < kHashBucketCount; ++bucket) {
-        if (const HashItem* const head = Head(bucket)) steps.push_back({bucket, head});
+    for (std::uint16_t bucket = 0; bucket < kHashBucketCount; ++bucket) {
+        const HashItem* const head = Head(bucket);
+        if (head == nullptr) continue;
+        steps.push_back({listing.buckets.size(), head});
+        listing.buckets.push_back({bucket, 0});
     }
-    std::array<std::size_t, kHashBucketCount + 1> places{};  // where a bucket's next item goes
     for (std::size_t i = 0; i < steps.size(); ++i) {
         const Step step = steps[i];
-        ++places[step.bucket + 1];
+        ++listing.buckets[step.bucket].count;
         if (step.item->next != nullptr) steps.push_back({step.bucket, step.item->next});
     }
-    std::partial_sum(places.begin(), places.end(), places.begin());
-    std::vector<const HashItem*> items(steps.size());
+    std::vector<std::size_t> places;  // where a bucket's next item goes
+    std::size_t itemCount = 0;
+    for (const UsedBucket& bucket : listing.buckets) {
+        places.push_back(itemCount);
+        itemCount += bucket.count;
+    }
+    listing.items.resize(itemCount);
     for (const Step& step : steps)
-        items[places[step.bucket]++] = step.item;
-    return items;
+        listing.items[places[step.bucket]++] = step.item;
+    return listing;
 }
 
 std::uint32_t HashTableGeneric::Serialize(std::ostream& out, bool binary,
@@ -203,7 +187,7 @@ std::uint32_t HashTableGeneric::Serialize(std::ostream& out, bool binary,
     if (binary) return SerializeBinary(out, encoding);
     std::uint32_t written = 0;
     BlockStream blocks(out);
-    VisitFetched(ItemsInOrder(),
+    VisitFetched(InOrder().items,
                  [&](const HashItem& item) { written += item.Serialize(blocks, false, encoding); });
     blocks.Finish();
     return written;
@@ -214,11 +198,11 @@ std::uint32_t HashTableGeneric::SerializeBinary(std::ostream& out,
     std::vector<std::uint32_t> bucketEnds;  // in sizes, two an item
     std::vector<std::uint16_t> bucketSlots;
     std::uint32_t sizeCount = 0;
-    for (std::size_t slot = 0; slot < buckets.size(); ++slot) {
-        if (buckets[slot].Count() == 0) continue;
-        sizeCount += static_cast<std::uint32_t>(2 * buckets[slot].Count());
+    const Listing listing = InOrder();
+    for (const UsedBucket& bucket : listing.buckets) {
+        sizeCount += 2 * bucket.count;
         bucketEnds.push_back(sizeCount);
-        bucketSlots.push_back(static_cast<std::uint16_t>(slot));
+        bucketSlots.push_back(bucket.number);
     }
     std::vector<std::uint32_t> sizes(sizeCount);
 
@@ -234,14 +218,14 @@ std::uint32_t HashTableGeneric::SerializeBinary(std::ostream& out,
 
     const auto bucketCount = static_cast<std::uint32_t>(bucketEnds.size());
     out.write(reinterpret_cast<const char*>(&bucketCount), sizeof bucketCount);
-    const auto index = out.tellp();
+    const auto indexAt = out.tellp();
     writeIndex();  // holds the place until the sizes are known
     auto size = sizes.begin();
     ForEach([&](const HashItem& item) {
         *size++ = item.SerializeKey(out, true, encoding);
         *size++ = item.SerializeValue(out, true, encoding, lexon::EndianT::kHost);
     });
-    out.seekp(index);
+    out.seekp(indexAt);
     writeIndex();
     return std::accumulate(sizes.begin(), sizes.end(), std::uint32_t{4});
 }
@@ -259,9 +243,9 @@ std::uint32_t HashTableGeneric::Serialize2(std::ostream& out, bool binary,
 
     std::vector<std::uint32_t> keySizes;
     std::vector<std::uint32_t> valueSizes;
-    const std::vector<const HashItem*> items = ItemsInOrder();
+    const Listing listing = InOrder();
     std::ostream measure(nullptr);  // items report their sizes only by being written
-    VisitFetched(items, [&](const HashItem& item) {
+    VisitFetched(listing.items, [&](const HashItem& item) {
         keySizes.push_back(writeKey(item, measure));
         valueSizes.push_back(writeValue(item, measure));
     });
@@ -275,8 +259,7 @@ std::uint32_t HashTableGeneric::Serialize2(std::ostream& out, bool binary,
     writer.WriteByte(kKeyed);
     writer.write4(itemCount);
     writer.write4(itemCount);
-    writer.write4(static_cast<std::uint32_t>(std::count_if(
-        buckets.begin(), buckets.end(), [](const Bucket& bucket) { return bucket.Count() != 0; })));
+    writer.write4(static_cast<std::uint32_t>(listing.buckets.size()));
     writer.WriteSize(keyArea);
     writer.WriteSize(valueArea);
     const auto writeTables = [&writer](const std::vector<std::uint32_t>& sizes) {
@@ -290,27 +273,17 @@ std::uint32_t HashTableGeneric::Serialize2(std::ostream& out, bool binary,
     };
     writeTables(keySizes);
     writeTables(valueSizes);
-    VisitFetched(items, [&](const HashItem& item) { writeKey(item, blocks); });
-    VisitFetched(items, [&](const HashItem& item) { writeValue(item, blocks); });
-    WriteHashIndex(writer);
+    VisitFetched(listing.items, [&](const HashItem& item) { writeKey(item, blocks); });
+    VisitFetched(listing.items, [&](const HashItem& item) { writeValue(item, blocks); });
+    for (const UsedBucket& bucket : listing.buckets)
+        writer.write2(bucket.number);
+    for (const UsedBucket& bucket : listing.buckets)
+        writer.write4(bucket.count);
+    for (std::uint32_t id = 0; id < itemCount; ++id)  // those of a bucket follow one another
+        writer.write4(id);
     writer.write4(0);  // accelerator strings
     blocks.Finish();
     return static_cast<std::uint32_t>(12 + keyArea + valueArea);
-}
-
-// The ids of the items of a bucket follow one another.
-void HashTableGeneric::WriteHashIndex(ImageWriter& writer) const {
-    for (std::size_t slot = 0; slot < buckets.size(); ++slot) {
-        if (buckets[slot].Count() != 0) writer.write2(static_cast<std::uint16_t>(slot));
-    }
-    std::uint32_t itemCount = 0;
-    for (const Bucket& bucket : buckets) {
-        const auto count = static_cast<std::uint32_t>(bucket.Count());
-        if (count != 0) writer.write4(count);
-        itemCount += count;
-    }
-    for (std::uint32_t id = 0; id < itemCount; ++id)
-        writer.write4(id);
 }
 
 }  // namespace lexon_private

@@ -3,24 +3,23 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <span>
 #include <vector>
 
 #include "wordlex/functionality/BinUtil.h"
 #include "wordlex/functionality/HashItem.h"
-#include "wordlex/functionality/Tags.h"
+#include "wordlex/functionality/KeyIndex.h"
 
 namespace lexon_private {
 
-class ImageWriter;
-
-// A table of 1021 buckets, each a chain of items linked through HashItem::next, newest first.
+// A table of 1021 buckets, each a chain of items linked through HashItem::next, newest first. The
+// buckets are the order of enumeration and of what is written; items are found through the index.
 // Owns:      every item linked into it, from Insert until Remove hands it back.
-// Invariant: buckets never grow in number; beside its chain each bucket keeps the chain's items and
-//            their tags in one block, so that a search compares tags that lie together and touches
-//            only the items whose tag fits. At 100 items a bucket this is what keeps a hit fast.
+// Invariant: the index holds the items that lie in the bucket of their own hash, the newest of
+//            equal ones first. Old files may bring others: these are passed and written alone.
 // Order:     buckets ascending, within a bucket from the chain's head: enumeration and writing.
+// Memory:    buckets and index are made with the first item. When it runs out, the table and the
+//            caller's ownership of items are as before.
 // Threads:   none, const members included: HasMoreItem writes the enumeration's state.
 class HashTableGeneric {
 public:
@@ -30,15 +29,17 @@ public:
     ~HashTableGeneric();
 
     // Links the item in front of its bucket's chain and takes it over. Equal items are not looked
-    // for: Remove the old one first to replace it. When memory runs out, the table and the caller's
-    // ownership are as before.
+    // for: Remove the old one first to replace it.
     void Insert(HashItem* item);
     // The same in place of the newest equal item, which is deleted if there is one.
     void Replace(HashItem* item);
-    // Links the items, in the given order, in front of one bucket's chain; as Insert otherwise.
-    void InsertAhead(unsigned long bucket, std::span<HashItem* const> items);
-    // Makes room in a bucket, so that inserting that many items cannot fail.
-    void ReserveAhead(unsigned long bucket, std::size_t more) { buckets[bucket].Reserve(more); }
+    // Items for one bucket, which may be another one than that of their hash.
+    struct Group {
+        std::uint16_t bucket;
+        std::span<HashItem* const> items;
+    };
+    // Links each group in its order in front of its bucket's chain: all of them, or none.
+    void InsertAhead(std::span<const Group> groups);
     // Unlinks the newest item equal to `probe` and hands it to the caller; null when there is none.
     HashItem* Remove(const HashItem& probe);
     // The newest item equal to `probe`, still the table's; null when there is none.
@@ -46,17 +47,16 @@ public:
 
     std::int32_t NumItems() const;
     // while (HasMoreItem()) use NextItem(): a pass over all items. After its end the next call
-    // starts a new pass. No item may come or go during a pass.
+    // starts a new pass. A pass ends, too, when an item comes or goes.
     bool HasMoreItem() const;
     HashItem* NextItem() const noexcept { return enumItem; }  // null before and after a pass
 
     // Calls visit(item) for every item in table order.
     template <class Visit>
     void ForEach(Visit visit) const {
-        for (const Bucket& bucket : buckets) {
-            for (const HashItem* item = bucket.Head(); item != nullptr; item = item->next) {
+        for (std::size_t bucket = 0; bucket < kHashBucketCount; ++bucket) {
+            for (const HashItem* item = Head(bucket); item != nullptr; item = item->next)
                 visit(*item);
-            }
         }
     }
 
@@ -73,48 +73,32 @@ public:
                              lexon::EndianT order) const;
 
 private:
-    // The items of one chain, oldest first, and behind them in the same block their tags. An item
-    // that leaves the middle leaves a hole; holes are closed when more than one item in sixteen is
-    // one: to move the rest each time, or to search many holes, would take time by the square of a
-    // long chain.
-    class Bucket {
-    public:
-        std::size_t Count() const noexcept { return count; }
-        HashItem* Head() const noexcept { return end == 0 ? nullptr : Items()[end - 1]; }
-        // Where the newest item equal to `probe` lies in the block; none when there is none.
-        std::optional<std::size_t> Position(const HashItem& probe, std::uint16_t tag) const;
-        HashItem* At(std::size_t position) const noexcept { return Items()[position]; }
-        void Reserve(std::size_t more);
-        void Append(HashItem* item, std::uint16_t tag) noexcept;  // room is reserved
-        HashItem* Unlink(std::size_t position) noexcept;          // the item is the caller's then
-
-    private:
-        HashItem** Items() const noexcept { return reinterpret_cast<HashItem**>(block.get()); }
-        Tags KeyTags() const noexcept {
-            return {block.get() + capacity * sizeof(HashItem*), capacity};
-        }
-
-        static constexpr std::uint32_t kHoleShare = 16;
-
-        // The next newer item of the chain than the one there; null when that is the newest.
-        HashItem* NewerThan(std::size_t position) const noexcept;
-        void CloseHoles() noexcept;
-
-        std::unique_ptr<std::byte[]> block;
-        std::uint32_t count = 0;  // of items
-        std::uint32_t end = 0;    // of items and holes; the last is an item
-        std::uint32_t capacity = 0;
+    using Buckets = std::array<HashItem*, kHashBucketCount>;  // the heads of the chains
+    struct UsedBucket {
+        std::uint16_t number;
+        std::uint32_t count;
+    };
+    // All items in table order, and the buckets that hold them.
+    struct Listing {
+        std::vector<UsedBucket> buckets;
+        std::vector<const HashItem*> items;
     };
 
-    HashItem* Head(std::size_t bucket) const noexcept { return buckets[bucket].Head(); }
-    bool EnterChainFrom(std::size_t firstBucket) const;
+    HashItem* Head(std::size_t bucket) const noexcept {
+        return buckets == nullptr ? nullptr : (*buckets)[bucket];
+    }
+    Listing InOrder() const;
+    HashItem* FindIn(const HashItem& probe, std::uint32_t hash) const;
+    void MakeBuckets();
+    void Link(std::size_t bucket, HashItem* item) noexcept;
+    void Unlink(HashItem* item) noexcept;
+    bool EnterChainFrom(std::size_t firstBucket) const noexcept;
     std::uint32_t SerializeBinary(std::ostream& out, const lexon::EncodingInfo* encoding) const;
-    std::vector<const HashItem*> ItemsInOrder() const;
-    void WriteHashIndex(ImageWriter& writer) const;
 
-    std::array<Bucket, kHashBucketCount> buckets;
+    std::unique_ptr<Buckets> buckets;  // null until there is an item
+    KeyIndex<HashItem*> index;
     mutable bool enumRestart = true;
-    mutable std::int32_t enumBucket = 0;
+    mutable std::size_t enumBucket = 0;
     mutable HashItem* enumItem = nullptr;
 };
 

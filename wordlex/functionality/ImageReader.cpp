@@ -22,6 +22,8 @@ const char* Describe(ImageFault fault) noexcept {
             return "a value lies outside the value area";
         case ImageFault::kAcceleratorOutside:
             return "an accelerator lies outside the accelerator area";
+        case ImageFault::kTooMuchSharing:
+            return "strings that share bytes sum up to more than 16 times the file";
         case ImageFault::kSlotOutside:
             return "a hash slot above 1020";
         case ImageFault::kIdOutside:

@@ -23,6 +23,7 @@ enum class ImageFault : std::uint8_t {
     kKeyOutside,          // offset and length leave the key area
     kValueOutside,        // the same of the value area
     kAcceleratorOutside,  // the same of the accelerator area
+    kTooMuchSharing,      // strings share so many bytes that they would cost far more than the file
     kSlotOutside,         // a hash slot above 1020
     kIdOutside,           // an entry id behind the entry tables
     kTableDecreases,      // a cumulative table of version 1 goes down, or splits an entry

@@ -1,8 +1,15 @@
 #include "wordlex/functionality/PackedRuns.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace lexon_private {
+
+namespace {
+
+constexpr std::uint64_t kMostSharing = 16;  // of what was read
+
+}  // namespace
 
 template <class Unit>
 void PackedRuns<Unit>::MakeEmpty(std::size_t count) {
@@ -15,8 +22,7 @@ void PackedRuns<Unit>::MakeEmpty(std::size_t count) {
 template <class Unit>
 typename PackedRuns<Unit>::Run PackedRuns<Unit>::PrepareReplace(std::size_t i, const void* bytes,
                                                                 std::uint16_t byteCount) {
-    const bool lonePlace = !mayShare || (!buffers.empty() && buffers[i] != nullptr);
-    if (byteCount <= lengths[i] && lonePlace) return nullptr;
+    if (byteCount <= lengths[i] && !IsShared(i)) return nullptr;
     if (buffers.empty()) buffers = Table<Run>(lengths.size());
     return Copy(bytes, byteCount);
 }
@@ -44,10 +50,8 @@ void PackedRuns<Unit>::ReadTables(ImageReader& reader, std::uint32_t count, std:
     bool bad = false;
     for (std::uint32_t i = 0; i < count; ++i)
         bad |= end(i) > areaSize;
-    std::uint32_t lonely = 1;  // strings that begin behind those ahead of them
-    while (lonely < count && end(lonely - 1) <= offsets[lonely])
-        ++lonely;
-    mayShare = lonely < count;
+    for (std::uint32_t i = 1; i < count && !areaIsShared; ++i)
+        areaIsShared = end(i - 1) > offsets[i];
     if (!bad) return;
     std::uint32_t first = 0;
     while (end(first) <= areaSize)
@@ -57,15 +61,24 @@ void PackedRuns<Unit>::ReadTables(ImageReader& reader, std::uint32_t count, std:
 
 template <class Unit>
 void PackedRuns<Unit>::ReadArea(ImageReader& reader, std::uint32_t areaSize) {
+    const std::uint64_t areaAt = reader.Offset();
     area = reader.GetArea<Unit>(areaSize);
-    if constexpr (sizeof(Unit) == 1) return;
-    if (!reader.Ok()) return;
-    for (std::uint16_t& length : lengths)
-        length = StoredLength(length);
-    if (std::all_of(offsets.begin(), offsets.end(), IsAligned)) return;
-    areaFromByteOne = Table<Unit>((areaSize - 1) / sizeof(Unit));
-    std::memcpy(areaFromByteOne.data(), reinterpret_cast<const unsigned char*>(area.data()) + 1,
-                areaFromByteOne.size() * sizeof(Unit));
+    const std::uint64_t length = std::accumulate(lengths.begin(), lengths.end(), std::uint64_t{0});
+    const std::uint64_t read =
+        areaSize + std::uint64_t{lengths.size()} * (sizeof offsets[0] + sizeof lengths[0]);
+    if (length > kMostSharing * read) reader.Reject(ImageFault::kTooMuchSharing, areaAt);
+    if (reader.Ok() && sizeof(Unit) != 1) AlignTexts();
+}
+
+template <class Unit>
+void PackedRuns<Unit>::AlignTexts() {
+    for (std::size_t i = 0; i < lengths.size(); ++i) {
+        lengths[i] = StoredLength(lengths[i]);
+        if (offsets[i] % sizeof(Unit) == 0) continue;
+        if (buffers.empty()) buffers = Table<Run>(lengths.size());
+        const auto* const bytes = reinterpret_cast<const unsigned char*>(area.data());
+        buffers[i] = Copy(bytes + offsets[i], lengths[i]);
+    }
 }
 
 template class PackedRuns<unsigned char>;

@@ -13,8 +13,10 @@ namespace lexon_private {
 // run time or has outgrown its place lies in a buffer of its own.
 //
 // Units:     lengths and offsets are bytes. Lengths of texts are even.
-// Invariant: every string lies inside its area or buffer: whoever reads one need not check. What is
-//            written in place is part of no other string.
+// Invariant: every string lies inside its area or buffer, at an address right for its units:
+//            whoever reads one need not check. What is written in place is part of no other string.
+// Cost:      strings that share bytes may sum up to sixteen times what was read of them, so that no
+//            image costs much more than its size; with more than that an image is refused.
 template <class Unit>
 class PackedRuns {
 public:
@@ -42,9 +44,7 @@ public:
     // Not terminated; may be null when the length is 0.
     const Unit* Data(std::size_t i) const noexcept {
         if (!buffers.empty() && buffers[i] != nullptr) return buffers[i].get();
-        if (offsets.empty()) return nullptr;
-        const Table<Unit>& packed = IsAligned(offsets[i]) ? area : areaFromByteOne;
-        return packed.data() + offsets[i] / sizeof(Unit);
+        return offsets.empty() ? nullptr : area.data() + offsets[i] / sizeof(Unit);
     }
 
     // Makes `count` empty strings without an area.
@@ -68,13 +68,17 @@ public:
     void ReadArea(ImageReader& reader, std::uint32_t areaSize);
 
 private:
-    static bool IsAligned(std::uint32_t offset) noexcept { return offset % sizeof(Unit) == 0; }
+    // Whether the string may have bytes in common with others.
+    bool IsShared(std::size_t i) const noexcept {
+        return areaIsShared && (buffers.empty() || buffers[i] == nullptr);
+    }
+    // Gives each text at an odd offset a buffer of its own.
+    void AlignTexts();
 
     Table<std::uint32_t> offsets;  // absent in arrays that were not read
     Table<std::uint16_t> lengths;
     Table<Unit> area;
-    Table<Unit> areaFromByteOne;  // for texts at odd offsets; absent when there are none
-    bool mayShare = false;        // whether strings of the area may have bytes in common
+    bool areaIsShared = false;  // whether the strings of the area may have bytes in common
     Table<Run> buffers;  // absent until a string needs one; null where a string lies in the area
 };
 

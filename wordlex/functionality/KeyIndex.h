@@ -1,0 +1,138 @@
+#pragma once
+#include <tsl/robin_map.h>
+
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <unordered_map>
+
+namespace lexon_private {
+
+// How both stores find a key: a flat hash table from the hash of a key (KeyHash.h) to the entry
+// that has it. The caller compares the key itself, for hashes of different keys may be equal.
+//
+// Several entries may have one hash: equal keys, or keys whose hashes are equal by chance. They
+// form a ring in the order in which a search looks at them. Rings are rare, so they lie apart: an
+// entry that is alone with its hash has none.
+//
+// Ref:    what the store calls an entry by: a pointer or a number of 32 bits.
+// Owns:   nothing but its tables; the entries are the store's.
+// Cost:   a search takes the same time however many entries there are; one more for every entry
+//         before it in its ring. Putting and removing take constant time.
+// Memory: when it runs out, the index is as before. Remove needs none.
+template <class Ref>
+class KeyIndex {
+public:
+    // The first entry under the hash for which matches(entry) is true.
+    template <class Matches>
+    std::optional<Ref> Find(std::uint32_t hash, Matches matches) const {
+        const auto found = firsts.find(hash);
+        if (found == firsts.end()) return std::nullopt;
+        const Ref first = Load(found->second);
+        if (matches(first)) return first;
+        for (Ref entry = Next(hash, first); entry != first; entry = Next(hash, entry)) {
+            if (matches(entry)) return entry;
+        }
+        return std::nullopt;
+    }
+
+    // Makes room, so that putting that many entries moves no others.
+    void Reserve(std::size_t more) {
+        const std::size_t count = firsts.size() + more;
+        const auto room = static_cast<double>(firsts.bucket_count()) *
+                          static_cast<double>(firsts.max_load_factor());
+        if (static_cast<double>(count) > room) firsts.reserve(count);
+    }
+
+    // Put the entry before or after the others under its hash. An entry that is there stays where
+    // it is.
+    void PutFirst(std::uint32_t hash, Ref entry) {
+        if (PutBehind(hash, entry)) firsts.find(hash).value() = Store(entry);
+    }
+    void PutLast(std::uint32_t hash, Ref entry) { PutBehind(hash, entry); }
+
+    // Puts the entry before the others under its hash and removes `old`, which is one of them.
+    void Replace(std::uint32_t hash, Ref old, Ref entry) {
+        if (rings.empty()) {
+            firsts.find(hash).value() = Store(entry);
+        } else {
+            PutFirst(hash, entry);
+            Remove(hash, old);
+        }
+    }
+
+    // Does nothing when the entry is not there.
+    void Remove(std::uint32_t hash, Ref entry) noexcept {
+        const auto found = firsts.find(hash);
+        if (found == firsts.end()) return;
+        const auto member = rings.find({hash, entry});
+        const bool isFirst = Load(found->second) == entry;
+        if (member == rings.end()) {
+            if (isFirst) firsts.erase(found);
+            return;
+        }
+        const Neighbours around = member->second;
+        rings.erase(member);
+        if (isFirst) found.value() = Store(around.next);
+        if (around.next == around.previous) {  // which is alone now
+            rings.erase({hash, around.next});
+        } else {
+            rings.find({hash, around.previous})->second.next = around.next;
+            rings.find({hash, around.next})->second.previous = around.previous;
+        }
+    }
+
+private:
+    // A Ref that needs no more than the alignment of a hash, so that both lie close together.
+    using Stored = std::array<std::uint32_t, sizeof(Ref) / sizeof(std::uint32_t)>;
+    static Stored Store(Ref entry) noexcept { return std::bit_cast<Stored>(entry); }
+    static Ref Load(const Stored& stored) noexcept { return std::bit_cast<Ref>(stored); }
+
+    struct Member {
+        std::uint32_t hash;
+        Ref entry;
+        bool operator==(const Member&) const = default;
+    };
+    struct HashOfMember {
+        std::size_t operator()(const Member& member) const noexcept {
+            return std::hash<Ref>()(member.entry) ^ member.hash;
+        }
+    };
+    struct Neighbours {
+        Ref previous;  // of the first entry: the last one
+        Ref next;      // of the last entry: the first one
+    };
+
+    Ref Next(std::uint32_t hash, Ref entry) const {
+        if (rings.empty()) return entry;
+        const auto member = rings.find({hash, entry});
+        return member == rings.end() ? entry : member->second.next;
+    }
+
+    // Puts the entry at the end of its ring; false when it is alone or was there.
+    bool PutBehind(std::uint32_t hash, Ref entry) {
+        const auto [found, alone] = firsts.try_emplace(hash, Store(entry));
+        if (alone) return false;
+        const Ref first = Load(found->second);
+        if (first == entry || rings.contains({hash, entry})) return false;
+        const auto [ring, isNew] = rings.try_emplace({hash, first}, Neighbours{first, first});
+        const Ref last = ring->second.previous;
+        try {
+            rings.try_emplace({hash, entry}, Neighbours{last, first});
+        } catch (...) {
+            if (isNew) rings.erase({hash, first});
+            throw;
+        }
+        rings.find({hash, last})->second.next = entry;
+        rings.find({hash, first})->second.previous = entry;
+        return true;
+    }
+
+    tsl::robin_map<std::uint32_t, Stored> firsts;
+    std::unordered_map<Member, Neighbours, HashOfMember> rings;
+};
+
+}  // namespace lexon_private
