@@ -29,10 +29,10 @@ struct Menu {
 
 const Menu kMenus[] = {
     {"$$$/Framewright/Menu/File=&File",
-     {{R"($$$/Framewright/Menu/File/New=&New Project... \b^#N)"},
-      {R"($$$/Framewright/Menu/File/Open=&Open Project... \b^#O)"},
+     {{R"($$$/Framewright/Menu/File/New=&New Project#{U+2026} \b^#N)"},
+      {R"($$$/Framewright/Menu/File/Open=&Open Project#{U+2026} \b^#O)"},
       {R"($$$/Framewright/Menu/File/Save=&Save \b^#S)"},
-      {"$$$/Framewright/Menu/File/Export=&Export Movie..."},
+      {"$$$/Framewright/Menu/File/Export=&Export Movie#{U+2026}"},
       {R"($$$/Framewright/Menu/File/Quit=&Quit Framewright \b^#Q)"}}},
     {"$$$/Framewright/Menu/Edit=&Edit",
      {{R"($$$/Framewright/Menu/Edit/Undo=&Undo ^[^1^] \b^#Z)", kSplit},
@@ -41,7 +41,7 @@ const Menu kMenus[] = {
       {R"($$$/Framewright/Menu/Edit/Paste=&Paste \b^#V)"}}},
     {"$$$/Framewright/Menu/Clip=&Clip",
      {{kSplit},
-      {"$$$/Framewright/Menu/Clip/Speed=Sp&eed && Duration..."},
+      {"$$$/Framewright/Menu/Clip/Speed=Sp&eed && Duration#{U+2026}"},
       {"$$$/Framewright/Menu/Clip/Transition=Add &Transition"}}},
     {"$$$/Framewright/Menu/Window=&Window",
      {{"$$$/Framewright/Menu/Window/Timeline=&Timeline"},
@@ -70,29 +70,31 @@ void PrintProduct() {
 
 void PrintMenus() {
     for (const auto& menu : kMenus) {
-        std::cout << MenuTitle(menu.title) << ": ";
-        const char* separator = "";
+        std::u16string items;
         for (const auto& item : menu.items) {
-            auto title = MenuTitle(item.key);
-            if (item.argument != nullptr) title = Filled(title, {MenuTitle(item.argument)});
-            std::cout << separator << title;
-            separator = " | ";
+            if (!items.empty()) items += u" | ";
+            const auto title = MenuTitle(item.key);
+            items += item.argument == nullptr
+                         ? Units(title)
+                         : Units(Filled(title, {Units(MenuTitle(item.argument))}));
         }
-        std::cout << '\n';
+        std::cout << Filled(Localized("$$$/Framewright/Menu/Line=^1: ^2"),
+                            {Units(MenuTitle(menu.title)), items})
+                  << '\n';
     }
     std::cout << '\n';
 }
 
-lexon::Wordlex Time(long seconds) {
+std::string Time(long seconds) {
     std::ostringstream text;
     text << std::setfill('0') << seconds / 3600 << ':' << std::setw(2) << seconds / 60 % 60 << ':'
          << std::setw(2) << seconds % 60;
-    return FromUTF16(vexacore::utility::AsciiToUTF16(text.str().c_str()));
+    return text.str();
 }
 
 lexon::Wordlex OutlineText(const OutlineLine& line) {
     using Kind = OutlineLine::Kind;
-    const auto text = FromUTF16(line.text);
+    const std::u16string_view text = line.text;
     switch (line.kind) {
         case Kind::kNamespace:
             if (line.prefix.empty()) {
@@ -101,7 +103,7 @@ lexon::Wordlex OutlineText(const OutlineLine& line) {
                               {text});
             }
             return Filled(Localized("$$$/Framewright/Outline/Namespace=Namespace ^1: ^2"),
-                          {FromUTF16(line.prefix), text});
+                          {std::u16string_view(line.prefix), text});
         case Kind::kVerbatim:
             return Filled(Localized("$$$/Framewright/Outline/Verbatim=Verbatim text: ^1"), {text});
         case Kind::kComment:
@@ -110,21 +112,23 @@ lexon::Wordlex OutlineText(const OutlineLine& line) {
         case Kind::kText:
             break;
     }
-    return text;
+    return FromUTF16(line.text);
 }
 
 void PrintProject(const Project& project) {
-    auto contents = Localized(R"($$$/Framewright/Project/Contents=Clips: <param name="clips"/>, )"
-                              R"(tracks: <param name="tracks"/>)");
-    contents.ParamSubstitute("clips", lexon::Wordlex(project.clips));
-    contents.ParamSubstitute("tracks", lexon::Wordlex(project.tracks));
+    const auto contents =
+        FilledMessage(Localized("$$$/Framewright/Project/Contents="
+                                "{clips, plural, one {# clip} other {# clips}}, "
+                                "{tracks, plural, one {# track} other {# tracks}}"),
+                      {{"clips", project.clips}, {"tracks", project.tracks}});
     const auto name = project.name.empty() ? Localized("$$$/Framewright/Project/Untitled=Untitled")
                                            : FromUTF16(project.name);
 
-    std::cout << Filled(Localized("$$$/Framewright/Project/Heading=Project: ^1"), {name}) << '\n';
+    std::cout << Filled(Localized("$$$/Framewright/Project/Heading=Project: ^1"), {Units(name)})
+              << '\n';
     if (!project.author.empty()) {
         std::cout << Filled(Localized("$$$/Framewright/Project/Author=Edited by ^1"),
-                            {FromUTF16(project.author)})
+                            {std::u16string_view(project.author)})
                   << '\n';
     }
     std::cout << contents << '\n'
@@ -136,15 +140,19 @@ void PrintProject(const Project& project) {
     for (const auto& line : project.outline) {
         std::cout << std::string(2 * (line.depth + 1), ' ') << OutlineText(line) << '\n';
     }
-    std::cout << Filled(Localized("$$$/Framewright/Outline/Totals="
-                                  "Elements: ^1, attributes: ^2, notes: ^3"),
-                        {lexon::Wordlex(project.elements), lexon::Wordlex(project.attributes),
-                         lexon::Wordlex(project.comments)})
+    std::cout << FilledMessage(Localized("$$$/Framewright/Outline/Totals="
+                                         "{elements, plural, one {# element} other {# elements}}, "
+                                         "{attributes, plural, one {# attribute} "
+                                         "other {# attributes}}, "
+                                         "{notes, plural, one {# note} other {# notes}}"),
+                               {{"elements", project.elements},
+                                {"attributes", project.attributes},
+                                {"notes", project.comments}})
               << "\n\n"
               << Filled(Localized(R"($$$/Framewright/Message/SaveChanges=)"
-                                  R"(Save the changes to "^1" before closing?\n)"
-                                  R"(Changes that you do not save are lost.)"),
-                        {name})
+                                  R"(Save the changes to ^[^1^] before closing?\n)"
+                                  R"(Changes that you do not save will be lost.)"),
+                        {Units(name)})
               << "\n\n";
 }
 
@@ -173,9 +181,9 @@ std::int32_t PrintDocument(const std::string& path) {
     }
     std::cerr << "framewright: cannot use '" << Printable(path) << "': " << failure << '\n';
     std::cout << Filled(Localized(R"($$$/Framewright/Message/CannotRead=)"
-                                  R"(The document "^1" could not be read as a project.\n)"
-                                  R"(The application goes on without it.)"),
-                        {FromUTF16(vexacore::utility::StdToUTF16String(path))})
+                                  R"(The document ^[^1^] could not be read as a project.\n)"
+                                  R"(The application will continue without it.)"),
+                        {path})
               << "\n\n";
     return kDocumentUnusable;
 }
@@ -185,9 +193,11 @@ void PrintStatus() {
                      "$$$/Framewright/Message/Tip=Tip: press Ctrl+K to split a clip."
                      "#{macos}Tip: press ^#K to split a clip.")
               << '\n'
-              << Localized("$$$/Framewright/Status/Ready=Ready") << " ("
-              << Localized("($$$/Framewright/Status/Autosave=autosave on)") << ")\n\n"
-              << Localized("$$$/Framewright/Lookup/Heading=Looking texts up") << '\n';
+              << Filled(Localized("$$$/Framewright/Status/Line=^1 (^2)"),
+                        {Units(Localized("$$$/Framewright/Status/Ready=Ready")),
+                         Units(Localized("($$$/Framewright/Status/Autosave=autosave on)"))})
+              << "\n\n"
+              << Localized("$$$/Framewright/Lookup/Heading=Text lookup") << '\n';
     for (const char* request : kRequests) {
         std::cout << "  " << request << "  ->  " << Localized(request) << '\n';
     }

@@ -4,10 +4,22 @@
 #include <string>
 #include <vector>
 
+#include "host/Ovis/Language.h"
 #include "host/vexacore/Localizer.h"
 #include "host/vexacore/Utility.h"
 
 namespace frontend {
+
+namespace {
+
+// With the digits that times and the copyright's year have in every language.
+const lexon::Formatter& OfTheLanguage() {
+    static const lexon::Formatter formatter(
+        vexacore::utility::UTF16toStdString(Ovis::GetLanguageString()) + "@numbers=latn");
+    return formatter;
+}
+
+}  // namespace
 
 lexon::Wordlex Localized(const char* key) {
     return FromUTF16(vexacore::config::Localizer::Get()->GetLocalizedString(key));
@@ -19,14 +31,22 @@ lexon::Wordlex MenuTitle(const char* key) {
     return title;
 }
 
-lexon::Wordlex Filled(lexon::Wordlex text, std::initializer_list<lexon::Wordlex> values) {
-    unsigned char marker = 0;
-    for (const auto& value : values)
-        text.Replace(++marker, value);
-    return text;
+lexon::Wordlex Filled(const lexon::Wordlex& text, lexon::Arguments values) {
+    return FromUTF16(OfTheLanguage().Format(Units(text), values));
 }
 
-lexon::Wordlex FromUTF16(const vexacore::UTF16String& text) {
+lexon::Wordlex FilledMessage(const lexon::Wordlex& pattern, lexon::Arguments values) {
+    return FromUTF16(OfTheLanguage().FormatMessage(Units(pattern), values));
+}
+
+std::u16string_view Units(const lexon::Wordlex& text) {
+    const unsigned short* units = nullptr;
+    unsigned long count = 0;
+    text.GetInternalData(&units, &count);
+    return {reinterpret_cast<const char16_t*>(units), count};
+}
+
+lexon::Wordlex FromUTF16(std::u16string_view text) {
     const std::vector<unsigned short> units(text.begin(), text.end());
     lexon::Wordlex result;
     result.MakeFromUnicode(units.data(), units.size());

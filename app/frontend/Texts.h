@@ -1,10 +1,11 @@
 #pragma once
 // The texts that the user sees, all of them asked of the host's registered localizer.
 
-#include <initializer_list>
 #include <iosfwd>
+#include <string_view>
 
 #include "host/vexacore/String.h"
+#include "wordlex/catalog/Catalog.h"
 #include "wordlex/staticlib/Wordlexlib.h"
 
 namespace frontend {
@@ -15,10 +16,14 @@ lexon::Wordlex Localized(const char* key);
 // A localized menu title or item without its accelerator and shortcut.
 lexon::Wordlex MenuTitle(const char* key);
 
-// `text` with ^1, ^2, ... replaced by the values in their order.
-lexon::Wordlex Filled(lexon::Wordlex text, std::initializer_list<lexon::Wordlex> values);
+// `text` with ^1, ^2, ... replaced by the values in their order, as the UI language writes them.
+lexon::Wordlex Filled(const lexon::Wordlex& text, lexon::Arguments values);
+// The same for an ICU message pattern.
+lexon::Wordlex FilledMessage(const lexon::Wordlex& pattern, lexon::Arguments values);
 
-lexon::Wordlex FromUTF16(const vexacore::UTF16String& text);
+// Borrowed from the text.
+std::u16string_view Units(const lexon::Wordlex& text);
+lexon::Wordlex FromUTF16(std::u16string_view text);
 
 std::ostream& operator<<(std::ostream& out, const lexon::Wordlex& text);  // as UTF-8
 
