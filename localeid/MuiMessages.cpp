@@ -21,21 +21,23 @@ constexpr wchar_t kEnglishUnsupportedSystemLocale[] =
 
 // One row a language, ordered by locale: the first row is the answer for a user without preference.
 // Each line is one sentence, longer than other lines if need be. What Windows shows on the screen
-// stands in the quotation marks of the language; Arabic and Hebrew are in reading order, without
-// direction marks; French has no-break spaces (U+00A0) inside its quotation marks.
+// stands in the quotation marks of the language, except for the name of the Start menu; Arabic and
+// Hebrew are in reading order, without direction marks; French has no-break spaces (U+00A0) inside
+// its quotation marks. The tab of Vista is left out where its name is that of the older tab; in
+// Ukrainian no tab is named.
 // clang-format off
 constexpr std::array<MuiMessageRow, kMessageLanguages + 1> allMessages = {{
     {"ar",
      L"تعذر تحميل ملفات الموارد المترجمة الخاصة بهذا التطبيق. "
      L"الرجاء إعادة تثبيت التطبيق أو إصلاحه ثم المحاولة مرة أخرى.",
      L"لا يدعم هذا التطبيق لغة نظام التشغيل الحالية. "
-     L"الرجاء فتح «الخيارات الإقليمية وخيارات اللغة» في لوحة التحكم من قائمة «ابدأ» في Windows. "
+     L"الرجاء فتح «الخيارات الإقليمية وخيارات اللغة» في لوحة التحكم من قائمة ابدأ في Windows. "
      L"بعد ذلك، ضمن علامة التبويب «خيارات متقدمة» (وفي نظام Vista ضمن علامة التبويب «إداري»)، الرجاء تغيير الإعداد «لغة البرامج غير المتوافقة مع Unicode» ليطابق لغة التطبيق."},
     {"bg",
      L"Локализираните файлове с ресурси за това приложение не можаха да бъдат заредени. "
      L"Моля, преинсталирайте или поправете приложението и опитайте отново.",
      L"Това приложение не поддържа текущия език на операционната система. "
-     L"Моля, от менюто „Старт“ на Windows отворете „Регионални и езикови опции“ в контролния панел. "
+     L"Моля, от менюто Старт на Windows отворете „Регионални и езикови опции“ в контролния панел. "
      L"След това в раздела „Разширени“ (във Vista – в раздела „Административни“) променете настройката „Език за програми, които не поддържат Unicode“ така, че да съответства на езика на приложението."},
     {"cs",
      L"Soubory lokalizovaných prostředků této aplikace se nepodařilo načíst. "
@@ -57,9 +59,9 @@ constexpr std::array<MuiMessageRow, kMessageLanguages + 1> allMessages = {{
      L"Ändern Sie dann auf der Registerkarte „Erweitert“ (unter Vista auf der Registerkarte „Verwaltung“) die Einstellung „Sprache für Unicode-inkompatible Programme“ so, dass sie der Sprache der Anwendung entspricht."},
     {"el",
      L"Δεν ήταν δυνατή η φόρτωση των τοπικοποιημένων αρχείων πόρων αυτής της εφαρμογής. "
-     L"Εγκαταστήστε ξανά ή επιδιορθώστε την εφαρμογή και δοκιμάστε πάλι.",
+     L"Επανεγκαταστήστε ή επιδιορθώστε την εφαρμογή και δοκιμάστε ξανά.",
      L"Αυτή η εφαρμογή δεν υποστηρίζει την τρέχουσα γλώσσα του λειτουργικού συστήματος. "
-     L"Από το μενού «Έναρξη» των Windows, ανοίξτε το στοιχείο «Τοπικές ρυθμίσεις και επιλογές γλώσσας» του Πίνακα Ελέγχου. "
+     L"Από το μενού Έναρξη των Windows, ανοίξτε το στοιχείο «Τοπικές ρυθμίσεις και επιλογές γλώσσας» του Πίνακα Ελέγχου. "
      L"Στη συνέχεια, στην καρτέλα «Για προχωρημένους» (στα Vista, στην καρτέλα «Διαχείριση»), αλλάξτε τη ρύθμιση «Γλώσσα για προγράμματα που δεν υποστηρίζουν Unicode», ώστε να συμφωνεί με τη γλώσσα της εφαρμογής."},
     {"en", kEnglishLocaleUnavailable, kEnglishUnsupportedSystemLocale},
     {"es",
@@ -90,7 +92,7 @@ constexpr std::array<MuiMessageRow, kMessageLanguages + 1> allMessages = {{
      L"לא ניתן היה לטעון את קובצי המשאבים המתורגמים של יישום זה. "
      L"נא להתקין מחדש את היישום או לתקן אותו, ולנסות שוב.",
      L"יישום זה אינו תומך בשפה הנוכחית של מערכת ההפעלה. "
-     L"נא לפתוח את ”אפשרויות אזוריות ושפה” בלוח הבקרה דרך תפריט ”התחל” של Windows. "
+     L"נא לפתוח את ”אפשרויות אזוריות ושפה” בלוח הבקרה דרך תפריט התחל של Windows. "
      L"לאחר מכן, בכרטיסיה ”מתקדם” (ב-Vista, בכרטיסיה ”ניהול”), יש לשנות את ההגדרה ”שפה עבור תוכניות שאינן Unicode” כך שתתאים לשפת היישום."},
     {"hr",
      L"Lokalizirane datoteke resursa za ovu aplikaciju nije bilo moguće učitati. "
@@ -108,13 +110,13 @@ constexpr std::array<MuiMessageRow, kMessageLanguages + 1> allMessages = {{
      L"Non è stato possibile caricare i file di risorse localizzati di questa applicazione. "
      L"Reinstallare o riparare l’applicazione e riprovare.",
      L"Questa applicazione non supporta la lingua corrente del sistema operativo. "
-     L"Dal menu Start di Windows, aprire «Opzioni internazionali e della lingua» nel Pannello di controllo. "
+     L"Dal menu Start di Windows aprire «Opzioni internazionali e della lingua» nel Pannello di controllo. "
      L"Quindi, nella scheda «Avanzate» (in Vista, nella scheda «Opzioni di amministrazione»), modificare l’impostazione «Lingua per programmi non Unicode» in modo che corrisponda alla lingua dell’applicazione."},
     {"ja",
      L"このアプリケーションのローカライズされたリソース ファイルを読み込めませんでした。"
      L"アプリケーションを再インストールまたは修復してから、もう一度お試しください。",
      L"このアプリケーションは、現在の OS の言語をサポートしていません。"
-     L"Windows の「スタート」メニューから、コントロール パネルの「地域と言語のオプション」を開いてください。"
+     L"Windows のスタート メニューから、コントロール パネルの「地域と言語のオプション」を開いてください。"
      L"次に、「詳細設定」タブ (Vista では「管理」タブ) で、「Unicode 対応ではないプログラムの言語」の設定をアプリケーションの言語に合わせて変更してください。"},
     {"ko",
      L"이 응용 프로그램의 지역화된 리소스 파일을 로드하지 못했습니다. "
@@ -126,13 +128,13 @@ constexpr std::array<MuiMessageRow, kMessageLanguages + 1> allMessages = {{
      L"Nepavyko įkelti šios programos lokalizuotų išteklių failų. "
      L"Iš naujo įdiekite arba pataisykite programą ir bandykite dar kartą.",
      L"Ši programa nepalaiko dabartinės operacinės sistemos kalbos. "
-     L"„Windows“ meniu „Pradėti“ atidarykite valdymo skydo elementą „Regiono ir kalbos parinktys“. "
+     L"„Windows“ meniu Pradėti atidarykite valdymo skydo elementą „Regiono ir kalbos parinktys“. "
      L"Tada skirtuke „Išsamiau“ (sistemoje „Vista“ – skirtuke „Administravimas“) pakeiskite parametrą „Ne Unicode programų kalba“ taip, kad jis atitiktų programos kalbą."},
     {"lv",
      L"Nevarēja ielādēt šīs lietojumprogrammas lokalizētos resursu failus. "
      L"Lūdzu, pārinstalējiet vai izlabojiet lietojumprogrammu un mēģiniet vēlreiz.",
      L"Šī lietojumprogramma neatbalsta pašreizējo operētājsistēmas valodu. "
-     L"Lūdzu, Windows izvēlnē „Sākt” atveriet vadības paneļa elementu „Reģionālās un valodas opcijas”. "
+     L"Lūdzu, Windows izvēlnē Sākt atveriet vadības paneļa elementu „Reģionālās un valodas opcijas”. "
      L"Pēc tam cilnē „Papildu” (sistēmā Vista — cilnē „Administrēšana”) mainiet iestatījumu „Valoda programmām, kas neatbalsta unikodu” tā, lai tas atbilstu lietojumprogrammas valodai."},
     {"nb",
      L"De lokaliserte ressursfilene for dette programmet kunne ikke lastes inn. "
@@ -148,15 +150,15 @@ constexpr std::array<MuiMessageRow, kMessageLanguages + 1> allMessages = {{
      L"Wijzig vervolgens op het tabblad “Geavanceerd” (in Vista op het tabblad “Beheer”) de instelling “Taal voor niet-Unicode-programma’s” zodanig dat deze overeenkomt met de taal van de toepassing."},
     {"pl",
      L"Nie udało się załadować zlokalizowanych plików zasobów tej aplikacji. "
-     L"Proszę ponownie zainstalować lub naprawić aplikację i spróbować jeszcze raz.",
+     L"Zainstaluj ponownie lub napraw aplikację i spróbuj jeszcze raz.",
      L"Ta aplikacja nie obsługuje bieżącego języka systemu operacyjnego. "
-     L"Proszę z menu Start systemu Windows otworzyć „Opcje regionalne i językowe” w Panelu sterowania. "
-     L"Następnie na karcie „Zaawansowane” (w systemie Vista na karcie „Administracyjne”) proszę zmienić ustawienie „Język dla programów nieobsługujących kodu Unicode” tak, aby odpowiadało językowi aplikacji."},
+     L"Otwórz z menu Start systemu Windows „Opcje regionalne i językowe” w Panelu sterowania. "
+     L"Następnie na karcie „Zaawansowane” (w systemie Vista na karcie „Administracyjne”) zmień ustawienie „Język dla programów nieobsługujących kodu Unicode” tak, aby odpowiadało językowi aplikacji."},
     {"pt_BR",
      L"Não foi possível carregar os arquivos de recursos localizados deste aplicativo. "
      L"Reinstale ou repare o aplicativo e tente novamente.",
      L"Este aplicativo não oferece suporte ao idioma atual do sistema operacional. "
-     L"No menu Iniciar do Windows, abra “Opções regionais e de idioma” no Painel de controle. "
+     L"No menu Iniciar do Windows, abra “Opções regionais e de idioma” no Painel de Controle. "
      L"Em seguida, na guia “Avançado” (no Vista, na guia “Administrativo”), altere a configuração “Idioma para programas não Unicode” para que corresponda ao idioma do aplicativo."},
     {"ro",
      L"Fișierele de resurse localizate ale acestei aplicații nu au putut fi încărcate. "
@@ -168,8 +170,8 @@ constexpr std::array<MuiMessageRow, kMessageLanguages + 1> allMessages = {{
      L"Не удалось загрузить локализованные файлы ресурсов этого приложения. "
      L"Переустановите или восстановите приложение и повторите попытку.",
      L"Это приложение не поддерживает текущий язык операционной системы. "
-     L"Откройте через меню «Пуск» Windows компонент панели управления «Язык и региональные стандарты». "
-     L"Затем на вкладке «Дополнительно» (в Vista — на вкладке «Администрирование») измените параметр «Язык программ, не поддерживающих Юникод» так, чтобы он соответствовал языку приложения."},
+     L"Откройте через меню Пуск Windows компонент панели управления «Язык и региональные стандарты». "
+     L"Затем на вкладке «Дополнительно» измените параметр «Язык программ, не поддерживающих Юникод» так, чтобы он соответствовал языку приложения."},
     {"sk",
      L"Súbory lokalizovaných prostriedkov tejto aplikácie sa nepodarilo načítať. "
      L"Aplikáciu preinštalujte alebo opravte a skúste to znova.",
@@ -180,7 +182,7 @@ constexpr std::array<MuiMessageRow, kMessageLanguages + 1> allMessages = {{
      L"Lokaliziranih datotek z viri tega programa ni bilo mogoče naložiti. "
      L"Program znova namestite ali ga popravite in nato poskusite še enkrat.",
      L"Ta program ne podpira trenutnega jezika operacijskega sistema. "
-     L"V meniju »Start« sistema Windows odprite element nadzorne plošče »Področne in jezikovne možnosti«. "
+     L"V meniju Start sistema Windows odprite element nadzorne plošče »Področne in jezikovne možnosti«. "
      L"Nato na zavihku »Dodatno« (v sistemu Vista na zavihku »Skrbništvo«) spremenite nastavitev »Jezik za programe, ki ne podpirajo kodiranja Unicode« tako, da se bo ujemala z jezikom programa."},
     {"sv",
      L"Det gick inte att läsa in de lokaliserade resursfilerna för det här programmet. "
@@ -198,19 +200,19 @@ constexpr std::array<MuiMessageRow, kMessageLanguages + 1> allMessages = {{
      L"Не вдалося завантажити локалізовані файли ресурсів цієї програми. "
      L"Перевстановіть або відновіть програму та повторіть спробу.",
      L"Ця програма не підтримує поточну мову операційної системи. "
-     L"Відкрийте через меню «Пуск» Windows компонент панелі керування «Мова та регіональні стандарти». "
-     L"Потім на вкладці «Додатково» (у Vista — на вкладці «Адміністрування») змініть параметр «Мова програм, що не підтримують Юнікод» так, щоб він відповідав мові цієї програми."},
+     L"Відкрийте через меню Пуск Windows компонент панелі керування «Мова та регіональні стандарти». "
+     L"Потім змініть параметр «Мова програм, що не підтримують Юнікод» так, щоб він відповідав мові цієї програми."},
     {"zh_Hans",
      L"无法加载此应用程序的本地化资源文件。"
      L"请重新安装或修复该应用程序，然后重试。",
      L"此应用程序不支持当前的操作系统语言。"
-     L"请从 Windows“开始”菜单打开“控制面板”中的“区域和语言选项”。"
+     L"请从 Windows 开始菜单打开“控制面板”中的“区域和语言选项”。"
      L"然后，在“高级”选项卡（在 Vista 中为“管理”选项卡）上，更改“非 Unicode 程序的语言”设置，使其与应用程序的语言一致。"},
     {"zh_Hant",
      L"無法載入此應用程式的當地語系化資源檔。"
      L"請重新安裝或修復應用程式，然後再試一次。",
      L"此應用程式不支援目前的作業系統語言。"
-     L"請從 Windows 的「開始」功能表，開啟「控制台」中的「地區及語言選項」。"
+     L"請從 Windows 的開始功能表開啟「控制台」中的「地區及語言選項」。"
      L"然後，在「進階」索引標籤（在 Vista 中為「系統管理」索引標籤）上，變更「非 Unicode 程式的語言」設定，使其與應用程式的語言一致。"},
     {"", kEnglishLocaleUnavailable, kEnglishUnsupportedSystemLocale},
 }};
