@@ -1,6 +1,7 @@
 #pragma once
 // A catalog like the application's, the same on every machine: keys that share long heads, texts of
 // a few words, every eighth with a marker.
+#include <algorithm>
 #include <cstddef>
 #include <numeric>
 #include <random>

@@ -65,8 +65,8 @@ private:
 };
 
 // The first of the units of [begin, end) that equals one of `wanted`, or `end`. Texts are scanned
-// for marks, ends and escapes again and again while a dictionary loads, and slots for tags at every
-// look-up: this takes a fifth of the time of a loop over single units.
+// for marks, ends and escapes again and again while a dictionary loads. A compiler makes no vectors
+// of a loop that ends early; docs/performance.md says what these bring.
 template <class Unit, class... Wanted>
 const Unit* FindUnit(const Unit* begin, const Unit* end, Wanted... wanted) noexcept {
     using Block = UnitBlock<Unit>;
