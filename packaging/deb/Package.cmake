@@ -6,6 +6,8 @@ set(CPACK_PACKAGE_NAME wordlex)
 set(CPACK_PACKAGE_VENDOR Norvale)
 set(CPACK_PACKAGE_CONTACT "Norvale Wordlex maintainers <wordlex@norvale.example>")
 set(CPACK_PACKAGE_VERSION "${PROJECT_VERSION}.0")
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "localization dictionaries for C++ programs")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
@@ -28,34 +30,36 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
   "${PROJECT_BINARY_DIR}/wordlex/catalog"
   "${PROJECT_BINARY_DIR}/localeid")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
-set(same_version "(= ${CPACK_PACKAGE_VERSION})")
+set(same_version "(= ${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
+
+set(what "Wordlex maps keys to localized texts. It looks texts up from any thread, fills
+in values and plurals, and orders languages as the user prefers them.")
 
 set(library_package "libwordlex${PROJECT_VERSION}")
 set(CPACK_DEBIAN_LIBRARIES_PACKAGE_NAME "${library_package}")
 set(CPACK_DEBIAN_LIBRARIES_PACKAGE_SECTION libs)
-set(CPACK_DEBIAN_LIBRARIES_DESCRIPTION "localization dictionaries, shared libraries
- Wordlex maps keys to localized texts: look-ups with default texts, markers,
- plurals, and the order of the user's languages.
- .
- This package holds the shared libraries.")
+set(CPACK_DEBIAN_LIBRARIES_DESCRIPTION "${what}
+
+This package has the shared libraries.")
+# The linker's cache is brought up to date once for all packages.
+set(CPACK_DEBIAN_LIBRARIES_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_LIST_DIR}/triggers")
 
 set(CPACK_DEBIAN_HEADERS_PACKAGE_NAME libwordlex-dev)
 set(CPACK_DEBIAN_HEADERS_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_HEADERS_PACKAGE_SHLIBDEPS OFF)
-set(CPACK_DEBIAN_HEADERS_PACKAGE_DEPENDS "${library_package} ${same_version}, libicu-dev")
+set(CPACK_DEBIAN_HEADERS_PACKAGE_DEPENDS "${library_package} ${same_version}")
 set(CPACK_DEBIAN_HEADERS_PACKAGE_SUGGESTS wordlex)
-set(CPACK_DEBIAN_HEADERS_DESCRIPTION "localization dictionaries, development files
- Wordlex maps keys to localized texts: look-ups with default texts, markers,
- plurals, and the order of the user's languages.
- .
- This package holds the headers and the files for CMake and pkg-config.")
+set(CPACK_DEBIAN_HEADERS_DESCRIPTION "${what}
+
+This package has the headers and the files for CMake and pkg-config.")
 
 set(CPACK_DEBIAN_COMMAND_PACKAGE_NAME wordlex)
 set(CPACK_DEBIAN_COMMAND_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_COMMAND_PACKAGE_DEPENDS "${library_package} ${same_version}")
-set(CPACK_DEBIAN_COMMAND_DESCRIPTION "check, compile and translate Wordlex dictionaries
- Wordlex maps keys to localized texts. This command finds mistakes in
- dictionaries, compiles them, and exchanges them with translators.")
+set(CPACK_DEBIAN_COMMAND_DESCRIPTION "${what}
+
+This package has the command, which checks and compiles dictionaries and
+exchanges them with translators.")
 
 # The documents that every package carries.
 execute_process(
