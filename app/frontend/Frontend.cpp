@@ -53,6 +53,7 @@ const Menu kMenus[] = {
 constexpr const char* kRequests[] = {
     "($$$/Framewright/Status/Autosave=autosave on)",
     "$$$/Framewright/Status/Ready",
+    // wordlex: ignore unextracted-key
     R"($$$/Framewright/Tip/InNoDictionary=^[Rest your eyes^] #{ndash} ^C #{copyyear}\tNorvale)",
     "Volume=11",
     "H.264",

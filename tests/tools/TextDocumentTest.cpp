@@ -7,6 +7,7 @@
 
 #include "tools/base/Annotations.h"
 #include "tools/base/Encodings.h"
+#include "tools/base/EntryLine.h"
 
 namespace {
 
@@ -152,6 +153,27 @@ TEST(TextDocument, SeesLinesAsTheLoaderDoes) {
     }
     EXPECT_FALSE(document.IsComplete());
     EXPECT_EQ(document.Find("Z"), std::nullopt);
+}
+
+// Written values as sources have them: all strings of some troublesome units.
+TEST(TextDocument, ReadsAWrittenValueAsItConverts) {
+    static constexpr char16_t kUnits[] = u"\\^\"\n\u2028#{}nQ=";
+    constexpr std::size_t kLongest = 4;
+    std::vector<unsigned short> written;
+    for (std::size_t number = 0, base = std::size(kUnits) - 1; written.size() <= kLongest;
+         ++number) {
+        written.clear();
+        for (std::size_t rest = number; rest != 0; rest = (rest - 1) / base)
+            written.push_back(kUnits[(rest - 1) % base]);
+        std::vector<unsigned short> units{0xFEFF, '"', 'K', '='};
+        tool::AppendWritten(units, written);
+        units.push_back('"');
+        const TextDocument document(Wide(std::u16string(units.begin(), units.end()), false));
+        ASSERT_EQ(document.Lines().size(), 1U) << tool::ShowRaw(written);
+        ASSERT_TRUE(document.Lines()[0].quoted) << tool::ShowRaw(written);
+        ASSERT_TRUE(tool::ShowTheSame(document.Value(document.Lines()[0]), written))
+            << tool::ShowRaw(written);
+    }
 }
 
 }  // namespace

@@ -118,6 +118,14 @@ public:
     bool hasSections = false;
 };
 
+// What is compared of a written value: what it shows, or all of it where platforms differ.
+Text Compared(Units written) {
+    SectionObserver observer;
+    const auto converted = Escapes::Convert(written, observer);
+    return observer.hasSections ? Text(written.data(), written.size())
+                                : Text(converted.GetData(), converted.GetLength());
+}
+
 }  // namespace
 
 Annotations ParseAnnotations(std::string_view comment) { return ParseAnnotations({}, comment); }
@@ -155,10 +163,10 @@ std::string WithMarks(std::string_view comment, const Annotations& marks) {
     return std::string(head).append(gap).append(kName).append(" ").append(list);
 }
 
+bool ShowTheSame(Units a, Units b) { return Compared(a) == Compared(b); }
+
 std::string ReferenceDigest(Units written) {
-    SectionObserver observer;
-    const auto converted = Escapes::Convert(written, observer);
-    const std::string text = Utf8(observer.hasSections ? written : UnitsOf(converted));
+    const std::string text = Utf8(UnitsOf(Compared(written)));
     char digits[kDigestLength + 1];
     std::snprintf(digits, sizeof digits, "%06x",
                   static_cast<unsigned>(XXH3_64bits(text.data(), text.size()) & 0xFFFFFF));

@@ -32,6 +32,8 @@ Annotations ParseAnnotations(std::string_view before, std::string_view after);
 // stays as it is; the comment itself is returned when it has these marks already.
 std::string WithMarks(std::string_view comment, const Annotations& marks);
 
+// Whether two written values show the same on every platform, however their escapes are written.
+bool ShowTheSame(Units a, Units b);
 // Six hexadecimal digits for a written value. Texts that show the same have the same digest,
 // however their escapes are written. Written to files, never change.
 std::string ReferenceDigest(Units written);

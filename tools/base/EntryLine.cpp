@@ -22,21 +22,25 @@ bool IsDigit(Units units, std::size_t i) {
 
 bool IsControl(unsigned short unit) { return unit < 0x20 || (unit >= 0x7F && unit < 0xA0); }
 
-// What no other escape protects, characters that an editor hides, and those that another reader or
-// UTF-8 would change: controls, marks of width and direction, line and paragraph separators,
-// byte-order marks, lone surrogates.
-bool NeedsNumber(Units value, std::size_t i) {
+// Characters that an editor hides, and those that another reader or UTF-8 would change: controls,
+// marks of width and direction, line and paragraph separators, byte-order marks, lone surrogates.
+bool IsHidden(Units value, std::size_t i) {
     constexpr struct {
         unsigned short first, last;
     } kHidden[] = {{0x200B, 0x200F}, {0x2028, 0x202E}, {0x2060, 0x206F},
                    {0xFEFF, 0xFEFF}, {0xFFF9, 0xFFFB}, {0xFFFE, 0xFFFF}};
     const unsigned short unit = value[i];
-    const unsigned short next = i + 1 < value.size() ? value[i + 1] : 0;
-    // Doubled ahead of the closing mark, "\" would escape the mark.
-    if ((unit == u'\\' && next == 0) || (unit == u'#' && next == u'{')) return true;
     return IsControl(unit) || IsUnpairedSurrogate(value, i) ||
            std::ranges::any_of(
                kHidden, [unit](auto range) { return unit >= range.first && unit <= range.last; });
+}
+
+// What no other escape protects.
+bool NeedsNumber(Units value, std::size_t i) {
+    const unsigned short unit = value[i];
+    const unsigned short next = i + 1 < value.size() ? value[i + 1] : 0;
+    // Doubled before the closing mark, "\" would escape the mark.
+    return (unit == u'\\' && next == 0) || (unit == u'#' && next == u'{') || IsHidden(value, i);
 }
 
 // The unit that stands behind "\" for `unit`, or 0.
@@ -62,6 +66,33 @@ void AppendValue(Line& line, Units value) {
         } else {
             line.push_back(unit);
         }
+    }
+}
+
+void AppendWritten(Line& line, Units written) {
+    unsigned short escape = 0;  // the unit before, where it begins an escape
+    for (std::size_t i = 0; i < written.size(); ++i) {
+        const unsigned short unit = written[i];
+        const bool beginsEscape = escape == 0 && (unit == u'\\' || unit == u'^');
+        const bool isLast = i + 1 == written.size();
+        if (escape == u'\\' && unit == u'"') {
+            line.push_back(unit);
+        } else if (unit == u'\\' && isLast) {  // would escape the closing mark
+            if (escape == unit) line.pop_back();
+            if (escape == u'^') line.push_back(escape);
+            AppendNumber(line, unit);
+        } else if (unit == u'"' || IsHidden(written, i)) {
+            if (escape != 0) line.push_back(escape);  // doubled, it stands for itself
+            if (const unsigned short letter = BackslashEscape(unit); letter != 0) {
+                line.push_back(u'\\');
+                line.push_back(letter);
+            } else {
+                AppendNumber(line, unit);
+            }
+        } else {
+            line.push_back(unit);
+        }
+        escape = beginsEscape ? unit : 0;
     }
 }
 

@@ -10,6 +10,9 @@ namespace tool {
 // The value as an author would write it: what both passes of the conversion would take for an
 // escape is escaped, and so is what a line of text cannot carry. Markers ("^1") stay as they are.
 void AppendValue(std::vector<unsigned short>& line, Units value);
+// A value that is written already, with escapes, made fit for a line: it converts to what `written`
+// converts to. What a line can carry stays as it is written.
+void AppendWritten(std::vector<unsigned short>& line, Units written);
 // The key with "$$$" before it. A byte that would end the key, the entry or the line is written as
 // the character 0x100 above it, of which the loader keeps the low byte.
 void AppendKey(std::vector<unsigned short>& line, std::string_view key);

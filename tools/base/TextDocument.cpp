@@ -4,6 +4,7 @@
 
 #include "tools/base/Files.h"
 #include "tools/base/TextScanner.h"
+#include "wordlex/functionality/BinaryHeader.h"
 #include "wordlex/functionality/Dictionary.h"
 #include "wordlex/functionality/Escapes.h"
 #include "wordlex/functionality/UnicodeUtil.h"
@@ -262,6 +263,27 @@ std::string TextDocument::EncodedLine(Units line) const {
     }
     return Encoded(line.first(valueAt)) + EncodedValue(line.subspan(valueAt, valueLength)) +
            Encoded(line.subspan(valueAt + valueLength));
+}
+
+TextDocument ReadTextDocument(const std::string& name) {
+    std::string bytes = ReadInput(name);
+    if (lexon_private::HasBinaryMagic(bytes.data(), bytes.size())) {
+        throw Failure(name + ": a binary dictionary; give the text that it was made from");
+    }
+    TextDocument document(std::move(bytes));
+    for (const TextDocument::Line& line : document.Lines()) {
+        const std::string place = name + ':' + std::to_string(line.number) + ": ";
+        if (line.kind == TextDocument::Kind::kLost) {
+            throw Failure(place + "these bytes are not text of the encoding; give its --encoding");
+        }
+        if (line.kind == TextDocument::Kind::kMalformed) {
+            throw Failure(place + "the key begins with \"$\" but not with \"$$$\"; write \"$$$\"");
+        }
+    }
+    if (!document.IsComplete()) {
+        throw Failure(name + ": a zero ends the file early; run wordlex check for the place");
+    }
+    return document;
 }
 
 }  // namespace tool

@@ -117,4 +117,8 @@ private:
     std::vector<Edit> edits;
 };
 
+// Reads a file to be edited. Throws a Failure for one of which the loader would not have every
+// line: what an edit takes for all of its entries would be some of them.
+TextDocument ReadTextDocument(const std::string& name);
+
 }  // namespace tool

@@ -87,6 +87,12 @@ constexpr RuleInfo kRules[] = {
     {Rule::kArgumentType, "argument-type", kError,
      "a message argument that needs another type than in the reference"},
     {Rule::kSameAsReference, "same-as-reference", kNote, "a text that equals the reference's"},
+
+    {Rule::kUnextractedKey, "unextracted-key", kWarning,
+     "a key of the sources that the reference does not have"},
+    {Rule::kUnusedKey, "unused-key", kWarning, "a key that no source asks for"},
+    {Rule::kDefaultText, "default-text", kWarning,
+     "a default text in the sources that is not the one of the reference"},
 };
 static_assert(std::size(kRules) == static_cast<std::size_t>(Rule::kCount));
 static_assert([] {

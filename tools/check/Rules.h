@@ -59,6 +59,10 @@ enum class Rule : std::uint8_t {
     kExtraArgument,
     kArgumentType,
     kSameAsReference,
+    // the reference and the sources
+    kUnextractedKey,
+    kUnusedKey,
+    kDefaultText,
     kCount
 };
 

@@ -5,6 +5,7 @@
 
 #include "tools/base/Content.h"
 #include "tools/base/Files.h"
+#include "tools/check/SourceCheck.h"
 #include "tools/verbs/Verbs.h"
 
 namespace tool {
@@ -45,6 +46,16 @@ int Check(const Arguments& arguments) {
         reference = CheckUsable(referenceName, ReadInput(referenceName), ofReference);
     }
     bool failed = false;
+    if (arguments.Has("sources")) {
+        const SourceTexts sources(arguments.All("sources"));
+        const std::vector<std::string> compared =
+            referenceName.empty() ? arguments.operands : std::vector{referenceName};
+        for (const std::string& name : compared) {
+            const std::vector<Finding> found = CheckSources(name, sources, disabled);
+            WriteStandardOutput(Print(found, format));
+            failed |= AnyAtOrAbove(found, failOn);
+        }
+    }
     for (const std::string& name : arguments.operands) {
         Findings findings(disabled);
         const CheckedFile file = CheckFile(name, ReadInput(name), findings);

@@ -6,10 +6,10 @@
 
 #include "tools/base/Annotations.h"
 #include "tools/base/Files.h"
+#include "tools/base/OrderedMerge.h"
 #include "tools/base/Progress.h"
 #include "tools/base/TextDocument.h"
 #include "tools/verbs/Verbs.h"
-#include "wordlex/functionality/BinaryHeader.h"
 
 namespace tool {
 
@@ -29,33 +29,10 @@ std::string ObsoleteName(const fs::path& name) {
 
 bool IsObsoleteName(const fs::path& name) { return name.stem().extension() == kObsolete; }
 
-// Refuses a file of which the loader would not have every line: an update of what it has would take
-// the rest for keys that are missing.
-TextDocument ReadDocument(const std::string& name) {
-    std::string bytes = ReadInput(name);
-    if (lexon_private::HasBinaryMagic(bytes.data(), bytes.size())) {
-        throw Failure(name + ": a binary dictionary; update needs the text that it was made from");
-    }
-    TextDocument document(std::move(bytes));
-    for (const Line& line : document.Lines()) {
-        const std::string place = name + ':' + std::to_string(line.number) + ": ";
-        if (line.kind == TextDocument::Kind::kLost) {
-            throw Failure(place + "these bytes are not text of the encoding; give its --encoding");
-        }
-        if (line.kind == TextDocument::Kind::kMalformed) {
-            throw Failure(place + "the key begins with \"$\" but not with \"$$$\"; write \"$$$\"");
-        }
-    }
-    if (!document.IsComplete()) {
-        throw Failure(name + ": a zero ends the file early; run wordlex check for the place");
-    }
-    return document;
-}
-
 // The texts that translations are updated to, with their digests.
 class Reference {
 public:
-    explicit Reference(const std::string& name) : document(ReadDocument(name)) {
+    explicit Reference(const std::string& name) : document(ReadTextDocument(name)) {
         for (const Line& line : document.Lines())
             digests.push_back(ReferenceDigest(document.Value(line)));
     }
@@ -68,25 +45,16 @@ private:
     std::vector<std::string> digests;  // of the lines
 };
 
-// A line of its own: comment, entry in quotation marks, comment.
-std::vector<unsigned short> MakeLine(Units before, Units entry, Units after) {
-    std::vector<unsigned short> line(before.begin(), before.end());
-    line.push_back(u'"');
-    line.insert(line.end(), entry.begin(), entry.end());
-    line.push_back(u'"');
-    line.insert(line.end(), after.begin(), after.end());
-    return line;
-}
-
 class Updater {
 public:
     Updater(const Reference& updateTo, std::string fileName)
         : reference(updateTo),
           name(std::move(fileName)),
           obsoleteName(ObsoleteName(name)),
-          document(ReadDocument(name)),
-          obsolete(name != kStandardStream && fs::exists(obsoleteName) ? ReadDocument(obsoleteName)
-                                                                       : document.EmptyLikeThis()) {
+          document(ReadTextDocument(name)),
+          obsolete(name != kStandardStream && fs::exists(obsoleteName)
+                       ? ReadTextDocument(obsoleteName)
+                       : document.EmptyLikeThis()) {
         MoveGone();
         obsoleteWithGone = obsolete.Bytes();
         UpdatePresent();
@@ -149,55 +117,12 @@ private:
     }
 
     void UpdatePresent() {
-        const TextDocument& wanted = reference.Document();
-        std::vector<std::size_t> missing;  // lines of the reference, since the last one present
-        const Line* before = nullptr;
-        for (std::size_t i = 0; i < wanted.Lines().size(); ++i) {
-            const Line& line = wanted.Lines()[i];
-            if (wanted.Find(line.key) != i) continue;
-            if (const auto at = document.Find(line.key)) {
-                const Line& present = document.Lines()[*at];
-                Insert(missing, before, &present, line.blankBefore);
-                missing.clear();
-                before = &present;
+        MergeInOrder(
+            document, reference.Document(),
+            [this](const Line& present, std::size_t i) {
                 if (present.quoted) UpdateLine(present, i);
-            } else if (line.quoted) {
-                missing.push_back(i);
-            }
-        }
-        Insert(missing, before, nullptr, true);
-    }
-
-    // Puts lines of the reference between two lines of the translation that enclose them in the
-    // reference, either of which may be null. They keep the empty lines that separate them there:
-    // what such a line separates from `before`, but none from `after`, goes ahead of `after`.
-    void Insert(const std::vector<std::size_t>& missing, const Line* before, const Line* after,
-                bool blankBeforeAfter) {
-        const auto isBlankBefore = [this](std::size_t i) {
-            return reference.Document().Lines()[i].blankBefore;
-        };
-        std::size_t ofAfter = before == nullptr && after != nullptr ? 0 : missing.size();
-        if (before != nullptr && after != nullptr && !blankBeforeAfter) {
-            const auto last = std::find_if(missing.rbegin(), missing.rend(), isBlankBefore);
-            if (last != missing.rend()) {
-                ofAfter = static_cast<std::size_t>(missing.rend() - last) - 1;
-            }
-        }
-        for (std::size_t i = 0; i < missing.size(); ++i) {
-            const auto line = LineFor(missing[i]);
-            const bool blank =
-                isBlankBefore(missing[i]) && i != ofAfter && (i != 0 || before != nullptr);
-            if (after != nullptr && i >= ofAfter) {
-                if (blank) document.InsertBefore(*after, {});
-                document.InsertBefore(*after, line);
-            } else if (before != nullptr) {
-                if (blank) document.InsertAfter(*before, {});
-                document.InsertAfter(*before, line);
-            } else {
-                if (blank) document.Append({});
-                document.Append(line);
-            }
-        }
+            },
+            [this](std::size_t i) { return LineFor(i); });
     }
 
     // The new line of the translation for a line of the reference: one that comes back, or its

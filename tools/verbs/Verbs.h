@@ -14,6 +14,7 @@ int Compare(const Arguments& arguments);
 int Compile(const Arguments& arguments);
 int Completions(const Arguments& arguments);
 int Dump(const Arguments& arguments);
+int Extract(const Arguments& arguments);
 int Lookup(const Arguments& arguments);
 int Stats(const Arguments& arguments);
 int Update(const Arguments& arguments);

@@ -1,0 +1,16 @@
+#pragma once
+#include <string>
+#include <vector>
+
+#include "tools/check/Findings.h"
+#include "tools/extract/SourceTexts.h"
+
+namespace tool {
+
+// How a text dictionary and the sources that it was extracted from differ: first the findings in
+// the dictionary, then those in the sources, in the order of each. A comment on the line of either
+// has a rule ignored. Throws a Failure for a dictionary that is not text or not read whole.
+std::vector<Finding> CheckSources(const std::string& dictionary, const SourceTexts& sources,
+                                  const Findings::Rules& disabled);
+
+}  // namespace tool

@@ -1,0 +1,21 @@
+#pragma once
+#include <string>
+#include <vector>
+
+#include "tools/check/Findings.h"
+
+namespace tool {
+
+// A string literal, or several that the compiler joins, with the escapes of the language resolved.
+struct SourceLiteral {
+    Place place;  // of the opening mark, prefix excluded; of the first one
+    std::vector<unsigned short> text;
+    // "wordlex: ignore unextracted-key" stands in a comment on its line, or alone on the line
+    // before.
+    bool ignored = false;
+};
+
+// The literals that begin with "$$$/" or "($$$/", up to a zero. FindTexts has the rules.
+std::vector<SourceLiteral> FindLiterals(const std::string& name, const std::string& bytes);
+
+}  // namespace tool
