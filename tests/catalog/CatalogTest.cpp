@@ -300,5 +300,26 @@ TEST(CatalogThreads, ReadWhileOneReloads) {
     EXPECT_EQ(u"one", first.Find("/A"));
 }
 
+TEST(CatalogThreads, WatcherReloadsWhenTheFileIsSaved) {
+    const TemporaryFolder folder;
+    lexon::ReloadingCatalog reloading(folder.Write("t.txt", "/A=one"));
+    std::atomic<int> good = 0;
+    std::atomic<int> bad = 0;
+    const lexon::Watcher watcher(
+        reloading, [&](const LoadError* error) { ++(error == nullptr ? good : bad); });
+    const auto wait = [](const std::atomic<int>& count) {
+        for (int i = 0; i < 1000 && count == 0; ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        return count.load();
+    };
+    folder.Write("other.txt", "/A=other");
+    folder.Write("t.txt", "\"$broken\"");
+    EXPECT_LE(1, wait(bad));
+    EXPECT_EQ(u"one", reloading.Current().Find("/A"));
+    std::filesystem::rename(folder.Write("new.txt", "/A=two"), folder / "t.txt");
+    EXPECT_LE(1, wait(good));
+    EXPECT_EQ(u"two", reloading.Current().Find("/A"));
+}
+
 }  // namespace
 }  // namespace catalog_tests

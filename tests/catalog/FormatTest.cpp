@@ -292,7 +292,8 @@ TEST(MessageShape, NamesPlacesAndFaults) {
     const auto names = [](const char* language, bool ordinal) {
         std::string list;
         for (const auto& category : lexon::detail::PluralCategories(language, ordinal))
-            list += category.name + (category.only ? '=' + std::to_string(*category.only) : "") + ' ';
+            list +=
+                category.name + (category.only ? '=' + std::to_string(*category.only) : "") + ' ';
         return list;
     };
     EXPECT_EQ("zero=0 one=1 two=2 few many other ", names("ar", false));

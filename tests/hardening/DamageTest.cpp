@@ -6,6 +6,7 @@
 #include <ctime>
 #include <set>
 
+#include "tests/catalog/SameAnswers.h"
 #include "tests/hardening/Memory.h"
 #include "tests/hardening/Snapshot.h"
 #include "tests/hardening/Streams.h"
@@ -54,6 +55,7 @@ char OutcomeOf(const std::string& file) {
     constexpr std::uint64_t kMostBytesPerByte = 40;
     constexpr std::uint64_t kMostBytes = 150'000;  // buffers, and the first steps on a blind stream
     char outcome = 0;
+    EXPECT_EQ("", catalog_tests::DifferenceOf(file));
     for (const bool compact : {false, true}) {
         bool bringsNothing = false;
         for (const bool filled : {false, true}) {
@@ -219,6 +221,11 @@ TEST(CostlyInput, OfOneMegabyteTakesBoundedTimeAndMemory) {
          1},  // empty entries
         {Saved(oneSlot, lexon::SaveType::kBinary), 2}};
     for (const auto& [content, times] : inputs) {
+        const std::clock_t start = std::clock();
+        const std::uint64_t before = AllocatedBytes();
+        const auto catalog = lexon::Catalog::TryLoad(std::as_bytes(std::span(content)));
+        EXPECT_GE(kMostSeconds * CLOCKS_PER_SEC, std::clock() - start);
+        EXPECT_GE(kMostBytesPerByte * content.size(), AllocatedBytes() - before);
         for (const bool compact : {false, true}) {
             SCOPED_TRACE(content.size());
             Dictionary dictionary(compact);

@@ -19,6 +19,8 @@
 #include "tests/hardening/Streams.h"
 #include "tests/wordlex/Images.h"
 #include "tests/wordlex/Text.h"
+#include "wordlex/catalog/Catalog.h"
+#include "wordlex/catalog/IndexSection.h"
 #include "wordlex/functionality/Dictionary.h"
 #include "wordlex/functionality/DictionaryMap.h"
 #include "wordlex/functionality/Wordlex.h"
@@ -29,6 +31,7 @@ namespace {
 using lexon_private::Dictionary;
 using lexon_private::Wordlex;
 using namespace wordlex_tests;
+using namespace std::string_literals;
 
 const lexon::EncodingInfo kUtf8{1};
 constexpr unsigned short kLong[300] = {u'x'};
@@ -159,6 +162,26 @@ TEST(MemoryRunsOut, QuestionsChangeNothing) {
             });
             EXPECT_EQ(before, Snapshot(dictionary));
         }
+    }
+}
+
+TEST(MemoryRunsOut, CatalogsAreWholeOrNotAtAll) {
+    const TemporaryFolder folder;
+    const std::string image = kLittleFile + lexon::detail::MakeIndexSection(kLittleFile);
+    for (const std::string& file : {kLittleFile, kBigFile, kVersion15File, image,
+                                    "\"$$$/A=Hi\"\n\"$$$/A=Hi\"\n\"$$$/B=b\""s}) {
+        const std::filesystem::path path = folder.Write("t.dat", file);
+        EXPECT_LE(2, ForEveryFailingAllocation([&](auto inject) {
+                      std::optional<lexon::LoadResult> loaded;
+                      const Outcome outcome =
+                          inject([&] { loaded.emplace(lexon::Catalog::TryLoad(path)); });
+                      EXPECT_NE(Outcome::kThrew, outcome);
+                      if (loaded->Ok()) {
+                          EXPECT_EQ(u"Hi", (*loaded)->Find("/A"));
+                      } else {
+                          EXPECT_EQ(lexon::LoadError::Code::kOutOfMemory, loaded->Error().code);
+                      }
+                  }));
     }
 }
 

@@ -21,6 +21,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <initializer_list>
 #include <iterator>
 #include <memory>
@@ -278,6 +279,23 @@ public:
     // Loads the file again and swaps it in in one step. On an error the catalog stays.
     std::optional<LoadError> Reload() noexcept;
     const std::filesystem::path& File() const noexcept;
+
+private:
+    struct State;
+    std::unique_ptr<State> state;
+};
+
+// Reloads a catalog whenever its file is saved: for development. Owns a thread, which its
+// destructor ends; the catalog outlives it.
+class WORDLEX_CATALOG_API Watcher {
+public:
+    // Calls `reloaded` in that thread after each attempt, with the error or null; it must not throw
+    // and may be empty. Throws std::system_error when the file's folder cannot be watched.
+    explicit Watcher(ReloadingCatalog& catalog,
+                     std::function<void(const LoadError*)> reloaded = {});
+    Watcher(const Watcher&) = delete;
+    Watcher& operator=(const Watcher&) = delete;
+    ~Watcher();
 
 private:
     struct State;

@@ -42,11 +42,10 @@ public:
             Refuse(LoadError::Code::kMalformed, line, 0, "more than 4 GB of keys or of texts");
     }
 
-    enum class OfTwo { kFirst, kLast };  // which text of a key counts
-
-    // Calls replaced(line of the text that is lost, line of the one that counts).
+    // Of two texts of a key the last one counts. Calls replaced(line of the text that is lost, line
+    // of the one that counts).
     template <class Replaced>
-    std::shared_ptr<CatalogStore> Finish(OfTwo counts, Replaced replaced) {
+    std::shared_ptr<CatalogStore> Finish(Replaced replaced) {
         auto store = std::make_shared<CatalogStore>();
         auto content = std::make_shared<Content>();
         content->keys = std::move(keys);
@@ -72,7 +71,7 @@ public:
                 content->textOffsets.push_back(textAt);
                 content->textLengths.push_back(textLength);
                 lines.push_back(entry.line);
-            } else if (counts == OfTwo::kLast) {
+            } else {
                 replaced(lines[record.entry], entry.line);
                 record.textOffset = content->textOffsets[record.entry] = textAt;
                 record.textLength = content->textLengths[record.entry] = textLength;
@@ -177,10 +176,9 @@ public:
             before = reader->GetOffset();
         }
         WarnOfTheEnd();
-        auto store =
-            entries.Finish(Collector::OfTwo::kLast, [this](std::size_t lost, std::size_t counts) {
-                Warn(lost, 0, "the text is replaced by that of line " + std::to_string(counts));
-            });
+        auto store = entries.Finish([this](std::size_t lost, std::size_t counts) {
+            Warn(lost, 0, "the text is replaced by that of line " + std::to_string(counts));
+        });
         std::ranges::stable_sort(warnings, {}, &LoadWarning::line);
         store->warnings = std::move(warnings);
         return store;
@@ -277,12 +275,13 @@ std::shared_ptr<CatalogStore> LoadVersion1(Bytes file) {
     }
     if (!reader.Ok()) ThrowFault(reader);
     Collector entries;
-    table.ForEach([&entries](const lexon_private::HashItem& item) {
+    table.ForEach([&](const lexon_private::HashItem& item) {
+        if (table.Find(item) != &item) return;  // in a wrong slot, or after another of its key
         const auto& entry = static_cast<const DictionaryEntry&>(item);
         entries.Add({reinterpret_cast<const char*>(entry.GetData()), entry.GetLength()},
                     entry.GetValue().GetData(), entry.GetValue().GetLength());
     });
-    return entries.Finish(Collector::OfTwo::kFirst, [](std::size_t, std::size_t) {});
+    return entries.Finish([](std::size_t, std::size_t) {});
 }
 
 }  // namespace lexon::detail

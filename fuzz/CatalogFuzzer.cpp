@@ -1,0 +1,59 @@
+// Dictionaries of every kind into a catalog and into the engine: both must give the same answers,
+// and so must a catalog that opens the engine's image with its index, however that is damaged.
+
+#include <cstdint>
+#include <sstream>
+#include <string>
+
+#include "fuzz/Require.h"
+#include "tests/catalog/SameAnswers.h"
+#include "wordlex/catalog/IndexSection.h"
+
+namespace {
+
+using lexon_private::Dictionary;
+
+void Report(const std::string& difference) {
+    if (!difference.empty()) std::fprintf(stderr, "%s\n", difference.c_str());
+    REQUIRE(difference.empty());
+}
+
+// Asks all that can be asked; what the answers are does not count.
+std::size_t AskAll(const lexon::Catalog& catalog) {
+    std::size_t units = 0;
+    for (const lexon::Entry& entry : catalog.All()) {
+        units += entry.text.size() + entry.accelerator.size();
+        units += catalog.Find("$$$" + std::string(entry.key)).value_or(u"").size();
+    }
+    return units;
+}
+
+void CheckIndexed(const std::string& file, std::uint8_t where) {
+    Dictionary engine(true);
+    engine.Read(file.data(), static_cast<int>(file.size()), true);
+    std::ostringstream out;
+    engine.Serialize(out, lexon::SaveType::kBinary, nullptr, lexon::EndianT::kHost, 0);
+    const std::string image = out.str();
+    if (lexon::Catalog::TryLoad(catalog_tests::BytesOf(image)).Ok()) {
+        std::string indexed = image + lexon::detail::MakeIndexSection(image);
+        Report(catalog_tests::DifferenceOf(indexed));
+        const std::size_t section = indexed.size() - image.size();
+        indexed[image.size() + where * section / 256] ^= static_cast<char>(0x81);
+        const auto damaged = lexon::Catalog::TryLoad(catalog_tests::BytesOf(indexed), nullptr);
+        if (damaged.Ok()) AskAll(*damaged);
+    }
+}
+
+}  // namespace
+
+// The input's first byte says whether the magic is put before the rest, and where the index is
+// damaged.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    constexpr std::size_t kLargest = 8192;  // entries that share bytes are written apart
+    if (size == 0 || size > kLargest) return 0;
+    std::string file = (data[0] & 1) != 0 ? "Wordlex Binary Format" : "";
+    file.append(reinterpret_cast<const char*>(data + 1), size - 1);
+    Report(catalog_tests::DifferenceOf(file));
+    CheckIndexed(file, data[0]);
+    return 0;
+}
