@@ -12,8 +12,7 @@ namespace lexon_private {
 namespace {
 
 // Around an item mostly lies what was allocated with it, value and key: they come from memory
-// together with it rather than one after the other, which saves a quarter of a hit in a large
-// table.
+// together with it rather than one after the other.
 void PrefetchAround(const HashItem* item) noexcept {
     constexpr std::intptr_t kCacheLine = 64;
     // By numbers: these lines need not be part of any object.
