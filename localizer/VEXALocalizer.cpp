@@ -1,6 +1,7 @@
 #include "localizer/VEXALocalizer.h"
 
 #include <cerrno>
+#include <cstring>
 #include <fstream>
 #include <string>
 #include <string_view>
@@ -31,6 +32,10 @@ public:
     ScopedLock& operator=(const ScopedLock&) = delete;
 };
 
+UTF16String Copied(const unsigned short* units, unsigned long length) {
+    return UTF16String(reinterpret_cast<const char16_t*>(units), length);
+}
+
 }  // namespace
 
 // The application's 8-bit dictionaries are UTF-8, whatever the environment's locale says.
@@ -38,10 +43,9 @@ Localizer::Localizer() { lexon::Wordlex::SetDefaultApplicationEncoding(lexon::en
 Localizer::~Localizer() = default;
 
 UTF16String Localizer::GetLocalizedString(const char* key) const {
+    if (std::strchr(key, '=') == nullptr) return vexacore::utility::AsciiToUTF16(key);
+    if (std::strncmp(key, "$$$", 3) == 0) return PerformWordlexLookup(key);
     const std::string_view text(key);
-    if (text.find('=') == std::string_view::npos)
-        return vexacore::utility::AsciiToUTF16(text.data(), text.size());
-    if (text.starts_with("$$$")) return PerformWordlexLookup(key);
     if (!text.starts_with("($$$")) return vexacore::utility::UTF8to16(text);
     if (!text.ends_with(')')) return PerformWordlexLookup(key + 1);
     return PerformWordlexLookup(std::string(text.substr(1, text.size() - 2)).c_str());
@@ -53,11 +57,10 @@ UTF16String Localizer::PerformWordlexLookup(const char* key) const {
     if (!dictionary.IsValid()) return vexacore::utility::AsciiToUTF16(key);
     const unsigned short* units = nullptr;
     unsigned long length = 0;
-    if (dictionary.LookupReturnUTF16Ptr(key, units, length))
-        return UTF16String(units, units + length);
+    if (dictionary.LookupReturnUTF16Ptr(key, units, length)) return Copied(units, length);
     const lexon::Wordlex defaultText = dictionary.Lookup(key, nullptr);
     defaultText.GetInternalData(&units, &length);
-    return UTF16String(units, units + length);
+    return Copied(units, length);
 }
 
 bool Localizer::LoadDictionary(const UTF16String& baseFolder) {
