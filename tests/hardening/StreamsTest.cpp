@@ -84,6 +84,20 @@ TEST(FailingStream, ThatThrowsOnRequestLeavesTheDictionaryUsable) {
     }
 }
 
+TEST(FailingStream, ThatThrowsAtItsEndHasGivenEveryLine) {
+    for (const std::string& file : {kText + '\n', kWideText + "\n\0"s}) {
+        for (const bool compact : {false, true}) {
+            std::istringstream stream(file);
+            stream.exceptions(std::ios_base::failbit);
+            Dictionary dictionary(compact);
+            EXPECT_THROW(dictionary.Read(&stream), std::ios_base::failure);
+            Dictionary expected(compact);
+            Load(expected, file);
+            EXPECT_EQ(Snapshot(expected), Snapshot(dictionary));
+        }
+    }
+}
+
 TEST(FailingStream, TakesWhatIsWrittenUpToTheFault) {
     Dictionary table;
     Fill(table);

@@ -33,6 +33,7 @@ struct BinaryHeader;
 //   null stream, null image or size not above 0     no      as before
 //   text: "$" without "$$$" at an entry's head      no      all other lines of the file
 //   text: stream that fails                         as is   what was delivered, the last line cut
+//   text: stream that throws at a fault or its end  as is   the lines before it; throws
 //   text: image of fewer than two bytes             no      as before
 //   text: conversion error or memory exhausted      as is   the lines ahead of the fault; throws
 //   binary image shorter than its header            no      as before

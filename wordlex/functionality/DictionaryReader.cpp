@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <istream>
+#include <utility>
 
 #include "wordlex/functionality/ByteSwapUnicodeReader.h"
 #include "wordlex/functionality/MultibyteReader.h"
@@ -16,6 +17,17 @@ constexpr std::size_t kFirstLineCapacity = 256;
 enum class TextKind { kHostOrder, kOtherOrder, kEightBit };
 
 constexpr long kMarkSize = 2;
+
+// Reads up to `size` bytes and counts them in `got`, which is right when the stream throws, too. No
+// more at a time than the stream promises: a longer read that meets a fault would lose what was
+// delivered before it. A file promises all that is left of it.
+void Take(std::istream& stream, char* buffer, long size, long& got) {
+    while (got < size) {
+        const std::streamsize ready = stream.readsome(buffer + got, size - got);
+        if (ready == 0 && !stream.get(buffer[got])) break;
+        got += std::max<long>(ready, 1);
+    }
+}
 
 TextKind KindOf(const char* firstBytes) {
     unsigned short unit = 0;
@@ -63,26 +75,23 @@ std::unique_ptr<DictionaryReader> DictionaryReader::Make(const char* begin, cons
 }
 
 void DictionaryReader::ReadDataStream(std::istream* stream, char* buffer, long* count) {
-    if (stream == nullptr) {
-        *count = 0;
-        return;
-    }
-    // No more at a time than the stream promises: a longer read that meets a fault would lose what
-    // was delivered ahead of it. A file promises all that is left of it.
-    long got = 0;
-    while (got < *count) {
-        const std::streamsize ready = stream->readsome(buffer + got, *count - got);
-        if (ready == 0 && !stream->get(buffer[got])) break;
-        got += std::max<long>(ready, 1);
-    }
-    *count = got;
+    const long size = std::exchange(*count, 0);
+    if (stream != nullptr) Take(*stream, buffer, size, *count);
 }
 
 void DictionaryReader::ReadDataStream(char* buffer, long* count) {
     if (sourceKind == SourceKind::kMemory) {
         ReadDataBuffer(buffer, count);
-    } else {
-        ReadDataStream(stream, buffer, count);
+        return;
+    }
+    const long size = std::exchange(*count, 0);
+    if (thrown != nullptr) std::rethrow_exception(std::exchange(thrown, nullptr));
+    if (stream == nullptr) return;
+    try {
+        Take(*stream, buffer, size, *count);
+    } catch (...) {
+        if (*count == 0) throw;
+        thrown = std::current_exception();
     }
 }
 

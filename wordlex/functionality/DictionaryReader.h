@@ -1,5 +1,6 @@
 #pragma once
 #include <cstdint>
+#include <exception>
 #include <iosfwd>
 #include <memory>
 
@@ -9,7 +10,8 @@ namespace lexon_private {
 
 // Reads a text dictionary line by line: UTF-16 in either byte order, or 8-bit text.
 // Owns:    its line buffer. Stream and image are borrowed and outlive the reader.
-// Failure: a source that cannot be read ends the text; there is no error state of its own.
+// Failure: a source that cannot be read ends the text; there is no error state of its own. What a
+//          stream throws leaves ReadALine after the last line that is complete before the fault.
 // Input is read ahead in blocks, from the first line on and not before.
 class DictionaryReader {
 public:
@@ -39,7 +41,8 @@ public:
     std::uint64_t GetOffset() const noexcept { return offset; }
 
 protected:
-    // Reads up to `*count` bytes and sets `*count` to those read.
+    // Reads up to `*count` bytes and sets `*count` to those read. A stream that throws after some
+    // bytes gives these first, and the exception at the next call.
     void ReadDataStream(char* buffer, long* count);
 
     Buffer<unsigned short> line;
@@ -55,6 +58,7 @@ private:
     SourceKind sourceKind;
     const char* imageCursor = nullptr;
     const char* imageEnd = nullptr;
+    std::exception_ptr thrown;  // by the stream, after bytes that were given out first
 };
 
 }  // namespace lexon_private
