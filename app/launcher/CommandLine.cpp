@@ -39,7 +39,8 @@ std::variant<Options, Ending> ParseCommandLine(int argc, const char* const* argv
     app.footer(
         "Options end at \"--\".\n"
         "Exit codes: the front end's (0 when all went well, 4 when the document cannot be used), 1 "
-        "when start-up fails, 2 for a bad command line, 3 when there is no dictionary, 255 for a "
+        "when start-up fails, 2 for a bad command line, 3 when the application has no dictionary, "
+        "255 for a "
         "result of the front end that is not from 0 to 255.");
     app.allow_extras();
     if (LacksName(argc, argv)) return Refused("--language= lacks the name of a language");
