@@ -10,6 +10,7 @@
 
 #include "host/Ovis/Language.h"
 #include "host/vexacore/Config.h"
+#include "host/vexacore/Debug.h"
 #include "host/vexacore/Locale.h"
 #include "host/vexacore/Localizer.h"
 #include "host/vexacore/Xml.h"
@@ -271,6 +272,7 @@ TEST(MemoryRunsOut, StartUpLeavesNothingInTheHost) {
     const long failures = ForEveryFailingAllocation(
         [&](auto inject) {
             config::Localizer::Set(&former, {});
+            const std::size_t before = debug::HostEvents::All().size();
             std::optional<Startup::VEXAInitializer> initializer;
             const Outcome outcome = inject([&] { initializer.emplace(); });
             EXPECT_EQ(outcome != Outcome::kThrew, initializer.has_value());
@@ -287,10 +289,14 @@ TEST(MemoryRunsOut, StartUpLeavesNothingInTheHost) {
                 EXPECT_EQ(nullptr, xml::GetParserFactory());
             }
             EXPECT_EQ(nullptr, config::ErrorManager::Get());
-            if (config::Localizer::Get() != nullptr) {
-                EXPECT_EQ(&former, config::Localizer::Get());
-                ++formerStayed;
-            }
+            const auto events = debug::HostEvents::All();
+            const bool replaced = outcome != Outcome::kThrew ||
+                                  std::any_of(events.begin() + static_cast<std::ptrdiff_t>(before),
+                                              events.end(), [](const debug::HostEvent& event) {
+                                                  return event.text == "localizer installed";
+                                              });
+            EXPECT_EQ(replaced ? nullptr : &former, config::Localizer::Get());
+            if (!replaced) ++formerStayed;
             EXPECT_EQ(outer, std::get_new_handler());
         },
         Blocks::kKeptByHost);
