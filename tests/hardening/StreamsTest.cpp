@@ -85,7 +85,7 @@ TEST(FailingStream, ThatThrowsOnRequestLeavesTheDictionaryUsable) {
 }
 
 TEST(FailingStream, ThatThrowsAtItsEndHasGivenEveryLine) {
-    for (const std::string& file : {kText + '\n', kWideText + "\n\0"s}) {
+    for (const std::string& file : {kText + '\n', kWideText + "\n\0"s, "k=v\n"s}) {
         for (const bool compact : {false, true}) {
             std::istringstream stream(file);
             stream.exceptions(std::ios_base::failbit);

@@ -47,6 +47,24 @@ void Narrow(const unsigned short* units, unsigned long count, unsigned char* byt
         bytes[i] = static_cast<unsigned char>(units[i]);
 }
 
+// Keeps a stream from throwing as long as it lives; clears its state at the end.
+class QuietStream {
+public:
+    explicit QuietStream(std::istream& of) : stream(of), thrownOn(of.exceptions()) {
+        stream.exceptions(std::ios_base::goodbit);
+    }
+    ~QuietStream() {
+        stream.clear();
+        stream.exceptions(thrownOn);
+    }
+    QuietStream(const QuietStream&) = delete;
+    QuietStream& operator=(const QuietStream&) = delete;
+
+private:
+    std::istream& stream;
+    std::ios_base::iostate thrownOn;
+};
+
 }  // namespace
 
 Dictionary::Dictionary(bool compact) {
@@ -345,10 +363,13 @@ void Dictionary::Read(std::istream* stream) {
         valid = false;
         return;
     }
+    // A short text is no fault: only the reading of the content throws where the stream does so.
+    std::optional<QuietStream> quiet(*stream);
     // Most files are binary ones from their start: these are read without moving back.
     if (stream->tellg() == std::streampos(0)) {
         ImageReader image(*stream, lexon::EndianT::kHost);
         if (PassMagic(image)) {
+            quiet.reset();
             ReadBinary(image, true);
             return;
         }
@@ -361,6 +382,7 @@ void Dictionary::Read(std::istream* stream) {
     DictionaryReader::ReadDataStream(stream, head, &count);
     stream->clear();
     stream->seekg(0);
+    quiet.reset();
     if (HasBinaryMagic(head, static_cast<std::size_t>(count))) {
         Read(*stream);
     } else {
