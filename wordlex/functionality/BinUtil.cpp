@@ -14,12 +14,24 @@ namespace {
 constexpr bool kBigHost = std::endian::native == std::endian::big;
 
 // The polynomial over the sampled bytes. Nine bytes shifted by five bits each stay below 2^53, so
-// one remainder at the end equals a remainder after every step.
+// one remainder at the end equals a remainder after every step. From ten bytes on there are five to
+// seven samples: the last two are taken without a branch, which would be guessed wrong for every
+// other key of a load.
 std::uint64_t SampledPolynomial(const unsigned char* bytes, unsigned long length) noexcept {
-    const unsigned long step = length < 5 ? 1 : length / 5;
     std::uint64_t polynomial = 0;
-    for (unsigned long i = 0; i < length; i += step)
-        polynomial = (polynomial << 5) + bytes[i];
+    if (length < 10) {
+        for (unsigned long i = 0; i < length; ++i)
+            polynomial = (polynomial << 5) + bytes[i];
+        return polynomial;
+    }
+    const unsigned long step = length / 5;
+    for (unsigned long i = 0; i < 5; ++i)
+        polynomial = (polynomial << 5) + bytes[i * step];
+    for (unsigned long i = 5; i < 7; ++i) {
+        const bool sampled = i * step < length;
+        const std::uint64_t more = (polynomial << 5) + bytes[sampled ? i * step : 0];
+        polynomial = sampled ? more : polynomial;
+    }
     return polynomial;
 }
 

@@ -155,9 +155,12 @@ std::uint32_t Dictionary::FindId(const char* text) const {
 
 std::optional<UnicodeRun> Dictionary::Find(const Key& key) const {
     if (IsCompact()) {
-        const std::uint32_t id = FindId(key);
-        if (id == kNoId) return std::nullopt;
-        return compactStore->GetValue(id);
+        const unsigned short* units = nullptr;
+        unsigned long length = 0;
+        if (FindInPlace(key, units, length)) return UnicodeRun(units, length);
+        // The empty key may be held, but no id of it is valid.
+        if (key.length != 0 || FindId(key) == kNoId) return std::nullopt;
+        return UnicodeRun();
     }
     const DictionaryEntry* const entry = FindEntry(key);
     if (entry == nullptr) return std::nullopt;
@@ -166,10 +169,7 @@ std::optional<UnicodeRun> Dictionary::Find(const Key& key) const {
 
 bool Dictionary::FindInPlace(const Key& key, const unsigned short*& units,
                              unsigned long& length) const {
-    if (IsCompact()) {
-        const std::uint32_t id = FindId(key);
-        return id != kNoId && compactStore->GetUTF16Ptr(id, units, length);
-    }
+    if (IsCompact()) return compactStore->FindUTF16Ptr(key.bytes, key.length, units, length);
     const DictionaryEntry* const entry = FindEntry(key);
     if (entry == nullptr) return false;
     units = entry->GetValue().GetData();

@@ -55,9 +55,9 @@ const cFarray* FastArray::FindEntry(std::uint32_t id, std::uint32_t& entry) cons
 }
 
 std::uint32_t FastArray::FindUnder(std::uint32_t hash, const unsigned char* key,
-                                   unsigned long keyLength) const {
+                                   unsigned long keyLength, Place& place) const {
     const auto hasKey = [&](std::uint32_t id) {
-        const Place place = PlaceOf(id);
+        place = PlaceOf(id);
         const PackedRuns<unsigned char>& keys = arrays[place.array].keys;
         return keys.Length(place.entry) == keyLength &&
                (keyLength == 0 || std::memcmp(keys.Data(place.entry), key, keyLength) == 0);
@@ -66,7 +66,20 @@ std::uint32_t FastArray::FindUnder(std::uint32_t hash, const unsigned char* key,
 }
 
 std::uint32_t FastArray::FindId(const unsigned char* key, unsigned long keyLength) const {
-    return FindUnder(KeyHash(key, keyLength), key, keyLength);
+    Place place{};
+    return FindUnder(KeyHash(key, keyLength), key, keyLength, place);
+}
+
+bool FastArray::FindUTF16Ptr(const unsigned char* key, unsigned long keyLength,
+                             const unsigned short*& units, unsigned long& unitCount) const {
+    Place place{};
+    if (keyLength == 0 || FindUnder(KeyHash(key, keyLength), key, keyLength, place) == kNoId) {
+        return false;
+    }
+    const PackedRuns<unsigned short>& values = arrays[place.array].values;
+    units = values.Data(place.entry);
+    unitCount = values.Length(place.entry) / sizeof *units;
+    return true;
 }
 
 bool FastArray::ValidId(std::uint32_t id) const {
@@ -184,9 +197,10 @@ std::uint32_t FastArray::Add(const unsigned char* key, unsigned long keyLength,
     using Texts = PackedRuns<unsigned short>;
     if (accelerator == nullptr) acceleratorLength = 0;
     const std::uint32_t hash = KeyHash(key, keyLength);
-    const std::uint32_t held = FindUnder(hash, key, keyLength);
+    Place place{};
+    const std::uint32_t held = FindUnder(hash, key, keyLength, place);
     if (held != kNoId) {
-        ReplaceTexts(held, value, valueLength, accelerator, acceleratorLength);
+        ReplaceTexts(place, value, valueLength, accelerator, acceleratorLength);
         return held;
     }
 
@@ -212,11 +226,9 @@ std::uint32_t FastArray::Add(const unsigned char* key, unsigned long keyLength,
     return totalCount++;
 }
 
-void FastArray::ReplaceTexts(std::uint32_t id, const unsigned char* value,
-                             unsigned long valueLength, const unsigned char* accelerator,
-                             unsigned long acceleratorLength) {
+void FastArray::ReplaceTexts(Place place, const unsigned char* value, unsigned long valueLength,
+                             const unsigned char* accelerator, unsigned long acceleratorLength) {
     using Texts = PackedRuns<unsigned short>;
-    const Place place = PlaceOf(id);
     cFarray& array = arrays[place.array];
     const std::uint32_t entry = place.entry;
     const std::uint16_t storedValue = Texts::StoredLength(valueLength);

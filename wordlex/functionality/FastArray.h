@@ -53,6 +53,9 @@ public:
 
     // The id of the entry with exactly this key, or kNoId.
     std::uint32_t FindId(const unsigned char* key, unsigned long keyLength) const;
+    // The value of that entry in place, as GetUTF16Ptr returns it.
+    bool FindUTF16Ptr(const unsigned char* key, unsigned long keyLength,
+                      const unsigned short*& units, unsigned long& unitCount) const;
     bool ValidId(std::uint32_t id) const;
     // Entries neither removed nor overridden.
     std::uint32_t LiveCount() const noexcept { return liveCount; }
@@ -137,14 +140,14 @@ private:
     Place PlaceOf(std::uint32_t id) const;  // of an id below the total
     // The array of a valid id and the entry's index there; null for an invalid id.
     const cFarray* FindEntry(std::uint32_t id, std::uint32_t& entry) const;
-    // The first id under the hash whose entry has the key, or kNoId.
-    std::uint32_t FindUnder(std::uint32_t hash, const unsigned char* key,
-                            unsigned long keyLength) const;
+    // The first id under the hash whose entry has the key, or kNoId. Sets the place of that entry.
+    std::uint32_t FindUnder(std::uint32_t hash, const unsigned char* key, unsigned long keyLength,
+                            Place& place) const;
 
     void ReserveArray();  // makes room for one more array
     cFarray& WritableArray();
     // Changes value and accelerator of an entry.
-    void ReplaceTexts(std::uint32_t id, const unsigned char* value, unsigned long valueLength,
+    void ReplaceTexts(Place place, const unsigned char* value, unsigned long valueLength,
                       const unsigned char* accelerator, unsigned long acceleratorLength);
 
     // Kills the entries of the image whose keys are held here, takes them off its lists, and

@@ -60,8 +60,9 @@ std::vector<FastArray::Update> FastArray::TakeHeldKeys(ArrayImage& image) {
         const std::uint16_t keyLength = array.keys.Length(entry);
         if (image.keySlots[entry] == ArrayImage::kNoSlot || keyLength >= kMergedKeyLimit)
             return true;
+        Place place{};
         const std::uint32_t held =
-            FindUnder(SlotHash(image, slot, entry), array.keys.Data(entry), keyLength);
+            FindUnder(SlotHash(image, slot, entry), array.keys.Data(entry), keyLength, place);
         if (held == kNoId) return true;
         if (updateOf[held] == kNoId) {
             updateOf[held] = static_cast<std::uint32_t>(updates.size());

@@ -22,22 +22,11 @@ public:
         std::memcpy(&lanes, units, sizeof lanes);
         equal = (... | (lanes == static_cast<Unit>(wanted)));
     }
-    // Whether one is found here or there.
-    UnitBlock operator|(const UnitBlock& other) const noexcept {
-        UnitBlock either(*this);
-        either.equal |= other.equal;
-        return either;
-    }
     bool HasAny() const noexcept { return (Half(0) | Half(1)) != 0; }
-    // The first and the last one found; there is one.
+    // The first one found; there is one.
     std::ptrdiff_t First() const noexcept {
         return Half(0) != 0 ? UnitsIn(LeadingZeros(Half(0)))
                             : kUnits / 2 + UnitsIn(LeadingZeros(Half(1)));
-    }
-    std::ptrdiff_t Last() const noexcept {
-        return kUnits - 1 -
-               (Half(1) != 0 ? UnitsIn(TrailingZeros(Half(1)))
-                             : kUnits / 2 + UnitsIn(TrailingZeros(Half(0))));
     }
 
 private:
@@ -46,12 +35,9 @@ private:
 
     static constexpr bool kLittle = std::endian::native == std::endian::little;
 
-    // Zeros ahead of and behind the ones, in the order of memory.
+    // Zeros before the first one, in the order of memory.
     static int LeadingZeros(std::uint64_t half) noexcept {
         return kLittle ? std::countr_zero(half) : std::countl_zero(half);
-    }
-    static int TrailingZeros(std::uint64_t half) noexcept {
-        return kLittle ? std::countl_zero(half) : std::countr_zero(half);
     }
     static std::ptrdiff_t UnitsIn(int bits) noexcept {
         return bits / static_cast<int>(CHAR_BIT * sizeof(Unit));

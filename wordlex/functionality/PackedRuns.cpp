@@ -50,8 +50,8 @@ void PackedRuns<Unit>::ReadTables(ImageReader& reader, std::uint32_t count, std:
     bool bad = false;
     for (std::uint32_t i = 0; i < count; ++i)
         bad |= end(i) > areaSize;
-    for (std::uint32_t i = 1; i < count && !areaIsShared; ++i)
-        areaIsShared = end(i - 1) > offsets[i];
+    for (std::uint32_t i = 1; i < count; ++i)
+        areaIsShared |= end(i - 1) > offsets[i];
     if (!bad) return;
     std::uint32_t first = 0;
     while (end(first) <= areaSize)
@@ -72,9 +72,12 @@ void PackedRuns<Unit>::ReadArea(ImageReader& reader, std::uint32_t areaSize) {
 
 template <class Unit>
 void PackedRuns<Unit>::AlignTexts() {
+    for (std::uint16_t& length : lengths)
+        length = StoredLength(length);
+    const auto isOdd = [](std::uint32_t offset) { return offset % sizeof(Unit) != 0; };
+    if (std::none_of(offsets.begin(), offsets.end(), isOdd)) return;
     for (std::size_t i = 0; i < lengths.size(); ++i) {
-        lengths[i] = StoredLength(lengths[i]);
-        if (offsets[i] % sizeof(Unit) == 0) continue;
+        if (!isOdd(offsets[i])) continue;
         if (buffers.empty()) buffers = Table<Run>(lengths.size());
         const auto* const bytes = reinterpret_cast<const unsigned char*>(area.data());
         buffers[i] = Copy(bytes + offsets[i], lengths[i]);
