@@ -244,5 +244,66 @@ TEST(CostlyInput, OfOneMegabyteTakesBoundedTimeAndMemory) {
     }
 }
 
+// A version 2 image of those keys, in slot 0, whose values are all the same bytes.
+std::string WithSharedValue(const std::string& lines, std::size_t valueSize, bool sharesKeys) {
+    constexpr std::size_t kKeySize = 4;
+    const std::size_t count = lines.size() / (kKeySize + 1);
+    std::string image = kLittleFile.substr(0, 34);
+    const auto put = [&image](std::size_t value, std::size_t width) {
+        for (std::size_t i = 0; i < width; ++i)
+            image += static_cast<char>(value >> 8 * i);
+    };
+    put(0, 4);
+    image += 'Y';
+    for (const std::size_t field : {count, count, 1UL, count * kKeySize, valueSize})
+        put(field, 4);
+    for (std::size_t i = 0; i < count; ++i)
+        put(sharesKeys ? 0 : kKeySize * i, 4);
+    for (std::size_t i = 0; i < count; ++i)
+        put(sharesKeys ? 0xFFFF : kKeySize, 2);
+    image.append(4 * count, '\0');
+    for (std::size_t i = 0; i < count; ++i)
+        put(valueSize, 2);
+    for (std::size_t i = 0; i < count; ++i)
+        image.append(lines, i * (kKeySize + 1), kKeySize);
+    image.append(valueSize, 'v');
+    put(0, 2);
+    put(count, 4);
+    for (std::size_t i = 0; i < count; ++i)
+        put(i, 4);
+    put(0, 4);
+    return image;
+}
+
+TEST(CostlyInput, StringsMayShareBytesOnlyAsFarAsHonestFilesDo) {
+    const std::string lines = KeysOfOneBucket(20'000);
+    struct Row {
+        int line;
+        std::size_t valueSize;
+        bool sharesKeys;
+        bool taken;
+    };
+    for (const Row& row : {Row{__LINE__, 4, false, true}, Row{__LINE__, 0xFFFE, false, false},
+                           Row{__LINE__, 4, true, false}}) {
+        SCOPED_TRACE(row.line);
+        const std::string image = WithSharedValue(lines, row.valueSize, row.sharesKeys);
+        Dictionary dictionary(true);
+        Load(dictionary, lines);
+        const std::uint64_t allocated = AllocatedBytes();
+        Load(dictionary, image);
+        EXPECT_GE(20 * image.size(), AllocatedBytes() - allocated);
+        EXPECT_TRUE(dictionary.IsValid());
+        EXPECT_EQ(20'000U, dictionary.NumKeys());
+        EXPECT_EQ(row.taken ? u"\x7676\x7676" : u"",
+                  Text(dictionary.Lookup(lines.substr(0, 4).c_str(), nullptr)));
+    }
+}
+
+TEST(CostlyInput, AnEmptyDictionaryCostsSomeHundredBytes) {
+    const std::uint64_t allocated = AllocatedBytes();
+    const Dictionary dictionary;
+    EXPECT_GE(500U, sizeof dictionary + AllocatedBytes() - allocated);
+}
+
 }  // namespace
 }  // namespace hardening

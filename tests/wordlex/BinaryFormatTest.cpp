@@ -216,5 +216,11 @@ TEST(BinaryFormat, Version15ValuesKeepTheirUnits) {
     EXPECT_EQ((std::u16string{0xFEFF, 0xFFFE, 0xD800, u'A'}), Loaded(file, Form::kMemory)["A"]);
 }
 
+TEST(ByteOrder, IsOneOfThreeValues) {
+    for (const int value : {-1, 0, 1, 2, 3})
+        EXPECT_EQ(value == 0, lexon_private::setEndian(static_cast<lexon::EndianT>(value)))
+            << value;
+}
+
 }  // namespace
 }  // namespace wordlex_tests

@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
 #include <memory>
-#include <random>
 #include <set>
 #include <sstream>
 
@@ -296,59 +294,6 @@ TEST(DictionarySave, TypesAndStores) {
     const std::string emptyKey = "\xFF\xFE\"\0=\0v\0\"\0\n\0"s;
     const auto reread = FromText(u"\"=v\"");
     EXPECT_EQ(Saved(*reread, lexon::SaveType::kText), emptyKey);
-}
-
-// Long random sequences against a simple map, in both the store and what it is saved to and loaded
-// from again; loads and additions mix, so that images lie between writable arrays.
-TEST(DictionaryModel, RandomSequencesAgreeWithAMap) {
-    std::mt19937 random(20);
-    const auto below = [&random](unsigned n) { return random() % n; };
-    for (int sequence = 0; sequence < 4; ++sequence) {
-        Dictionary dictionary(true);
-        std::map<std::string, std::u16string> model;
-        std::map<std::string, unsigned long> ids;
-        for (int step = 0; step < 3000; ++step) {
-            const std::string key = "/Key/" + std::to_string(below(700));
-            const std::u16string value(below(20), static_cast<char16_t>(u'a' + below(26)));
-            const auto action = below(20);
-            if (action == 0) {  // merge an image of a few keys
-                Dictionary more(true);
-                for (unsigned i = 0; i < 5; ++i) {
-                    const std::string newKey = key + std::to_string(i);
-                    Add(more, newKey.c_str(), value);
-                    model[newKey] = value;
-                }
-                Load(dictionary,
-                     Saved(more, lexon::SaveType::kBinary,
-                           below(2) == 0 ? lexon::EndianT::kBig : lexon::EndianT::kLittle));
-                for (const auto& [k, v] : model)
-                    ids[k] = dictionary.GetNumericId(k.c_str());
-            } else if (action < 4) {
-                EXPECT_EQ(dictionary.Remove(key.c_str()), model.erase(key) == 1 ? ids[key] : kNone);
-            } else {
-                const unsigned long id = Add(dictionary, key.c_str(), value);
-                if (model.insert_or_assign(key, value).second) ids[key] = id;
-                EXPECT_EQ(id, ids[key]) << "a changed value keeps its id";
-            }
-        }
-        std::set<std::string> keys;
-        for (const auto& [key, value] : model) {
-            keys.insert(key);
-            EXPECT_EQ(Lookup(dictionary, key.c_str()), value);
-            EXPECT_EQ(Text(dictionary.Lookup(ids[key], nullptr)), value);
-        }
-        EXPECT_EQ(dictionary.NumKeys(), model.size());
-        EXPECT_EQ(Keys(dictionary), keys);
-        for (const auto order : {lexon::EndianT::kBig, lexon::EndianT::kLittle}) {
-            const std::string image = Saved(dictionary, lexon::SaveType::kBinary, order);
-            Dictionary reloaded;
-            Load(reloaded, image);
-            EXPECT_EQ(Keys(reloaded), keys);
-            EXPECT_EQ(Saved(reloaded, lexon::SaveType::kBinary, order), image);
-            for (const auto& [key, value] : model)
-                EXPECT_EQ(reloaded.GetNumericId(key.c_str()), ids[key]);
-        }
-    }
 }
 
 }  // namespace
