@@ -128,6 +128,27 @@ void GetText(benchmark::State& state) {
     }
 }
 
+// A text of so many megabytes whose keys all fall into one bucket: its hash reads every fourth
+// byte.
+template <Store kStore>
+void LoadOneBucket(benchmark::State& state) {
+    const auto size = static_cast<std::size_t>(state.range(0)) << 20;
+    std::string text;
+    for (std::size_t number = 10'000'000; text.size() < size; ++number) {
+        const std::string digits = std::to_string(number);
+        std::string key = "/k__/k__/k__/k__/k__";
+        for (std::size_t i = 0; i < digits.size(); ++i)
+            key[i / 2 * 4 + 2 + i % 2] = digits[i];
+        text += key + "=text\n";
+    }
+    for (auto _ : state) {
+        lexon::Dictionary dictionary(kStore == Store::kCompact);
+        dictionary.Read(text.data(), static_cast<int>(text.size()), true);
+        benchmark::DoNotOptimize(dictionary.NumKeys());
+    }
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
+}
+
 void AddAll(benchmark::State& state) {
     for (auto _ : state) {
         lexon::Dictionary dictionary(true);
@@ -182,9 +203,9 @@ void WriteAtOnce(benchmark::State& state) {
 BENCHMARK(LookupHit<Store::kHash>) SIZES;
 BENCHMARK(LookupHit<Store::kCompact>) SIZES;
 BENCHMARK(PlainMap<true>) SIZES;
-BENCHMARK(LookupInPlace<Store::kHash>) SIZES;
-BENCHMARK(LookupInPlace<Store::kCompact>) SIZES;
-BENCHMARK(PlainMap<false>) SIZES;
+BENCHMARK(LookupInPlace<Store::kHash>) SIZES->Arg(1'000'000);
+BENCHMARK(LookupInPlace<Store::kCompact>) SIZES->Arg(1'000'000);
+BENCHMARK(PlainMap<false>) SIZES->Arg(1'000'000);
 BENCHMARK(LookupMissWithDefault<Store::kHash>) SIZES;
 BENCHMARK(LookupMissWithDefault<Store::kCompact>) SIZES;
 BENCHMARK(LoadFile<Store::kHash, true>) SIZES;
@@ -194,6 +215,8 @@ BENCHMARK(LoadFile<Store::kCompact, false>) SIZES;
 BENCHMARK(GetText) SIZES;
 BENCHMARK_CAPTURE(LoadEightBit, Lf, "\n")->Arg(10'000);
 BENCHMARK_CAPTURE(LoadEightBit, CrLf, "\r\n")->Arg(10'000);
+BENCHMARK(LoadOneBucket<Store::kHash>)->Arg(1)->Arg(8)->Unit(benchmark::kMillisecond);
+BENCHMARK(LoadOneBucket<Store::kCompact>)->Arg(1)->Arg(8)->Unit(benchmark::kMillisecond);
 #define ADDED_SIZES ->Arg(10'000)->Arg(50'000)->Arg(100'000)->Arg(200'000)
 BENCHMARK(AddAll) ADDED_SIZES;
 BENCHMARK(LookupAdded) ADDED_SIZES;
