@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <future>
 #include <random>
+#include <span>
 
 #include "wordlex/catalog/Catalog.h"
 #include "wordlex/catalog/MessagePattern.h"
@@ -247,6 +248,21 @@ TEST(Format, RefusesWhatDoesNotFitWhenAsked) {
             EXPECT_STREQ(row.what, error.what());
         }
     }
+}
+
+TEST(Format, FillsTheTextsOfCatalogsAndChains) {
+    const auto load = [](std::string_view text) {
+        return lexon::Catalog::Load(std::as_bytes(std::span(text)));
+    };
+    const lexon::Chain chain({{"de", load("\"$$$/A=^1 von ^2\"")},
+                              {"ru", load("\"B={0, plural, one {# клип} few {# клипа} "
+                                          "many {# клипов} other {# клипа}}\"")}});
+    EXPECT_EQ(u"1.000 von 2.000", chain.Format("$$$/A=^1 of ^2", {1000, 2000}));
+    EXPECT_EQ(u"1\u00A0000 клипов", chain.FormatMessage("B", {1000}));
+    EXPECT_EQ(u"1\u00A0000 ^", chain.Format("$$$C=^1 ^^", {1000}));
+    EXPECT_EQ(u"1,000 von x", chain.Links()[0].catalog.Format("/A", {1000, "x"}));
+    EXPECT_EQ(u"7 y",
+              lexon::Catalog().FormatMessage("D={n, plural, one {x} other {# y}}", {{"n", 7}}));
 }
 
 TEST(FormatMessage, ServesThreadsAtOnce) {

@@ -128,7 +128,8 @@ void MessageCheck::CheckForms(const std::string& key, const Definition& entry,
                               const MessagePlace& place, const Categories& categories,
                               const Add& add) const {
     if (categories.empty()) return;
-    const std::string argument = Braced(place.name) + " of " + ShowKey(key);
+    std::string argument = Braced(place.name);
+    argument += " of " + ShowKey(key);
     const auto has = [&place](const std::string& selector) {
         return std::ranges::any_of(place.selectors, [&selector](const std::u16string& written) {
             return Utf8(written) == selector;

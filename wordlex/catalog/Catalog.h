@@ -98,210 +98,6 @@ struct Entry {
     std::u16string_view accelerator;  // empty: none
 };
 
-class LoadResult;
-
-// An immutable dictionary.
-// Owns:   a handle to shared content: a copy costs one counter and shares it; a moved-from catalog
-//         is empty. Views into the content are valid while any copy of the catalog lives.
-// Cost:   a look-up reads the key once, hashes it, and compares it with one key as a rule. It
-//         allocates nothing unless it returns a string.
-// Failure: what is not there is std::nullopt. Strings that are made can throw std::bad_alloc.
-class WORDLEX_CATALOG_API Catalog {
-public:
-    class Entries;
-
-    Catalog() noexcept = default;  // empty
-
-    // Loads a file. TryLoad returns a LoadError instead of throwing, exhausted memory included.
-    // A file that `wordlex compile --indexed` wrote is mapped: nothing is read before it is asked
-    // for, so replace such a file by renaming another one onto it, never in place. Other files are
-    // read whole. A file that is not regular is refused without being opened for reading.
-    // The lines of text dictionaries go through the older part of the library, of which several
-    // threads must not use anything at once: a program that also uses lexon::Dictionary takes its
-    // lock for loading a text or a version 1 file, too.
-    static Catalog Load(const std::filesystem::path& file);
-    static LoadResult TryLoad(const std::filesystem::path& file) noexcept;
-
-    // Loads a dictionary from memory. With a keeper nothing is copied of an indexed file, and the
-    // bytes stay as they are until the keeper is released: by the last copy of the catalog. The
-    // keeper may be any owner, of a mapping for instance; null says that the bytes live for ever.
-    static Catalog Load(std::span<const std::byte> bytes);
-    static Catalog Load(std::span<const std::byte> bytes, std::shared_ptr<const void> keeper);
-    static LoadResult TryLoad(std::span<const std::byte> bytes) noexcept;
-    static LoadResult TryLoad(std::span<const std::byte> bytes,
-                              std::shared_ptr<const void> keeper) noexcept;
-
-    // The text of the key, in place.
-    std::optional<std::u16string_view> Find(std::string_view key) const noexcept;
-    // The text of the key, else its default text: UTF-8, with its escapes converted as those of a
-    // dictionary are. Bytes that are not UTF-8 become U+FFFD.
-    std::u16string Text(std::string_view key) const;
-    // The same as UTF-8. Halves of surrogate pairs become U+FFFD.
-    std::string TextUtf8(std::string_view key) const;
-
-    // Ids count from 0. Those of version 2 files stand in the file; the entries of other
-    // dictionaries are numbered in the order in which Entries visits them.
-    std::optional<std::u16string_view> Find(std::uint32_t id) const noexcept;
-    std::optional<std::uint32_t> IdOf(std::string_view key) const noexcept;
-    std::optional<std::string_view> KeyOf(std::uint32_t id) const noexcept;
-    // The accelerator string of an entry that has one. Only version 2 files have them.
-    std::optional<std::u16string_view> Accelerator(std::string_view key) const noexcept;
-    std::optional<std::u16string_view> Accelerator(std::uint32_t id) const noexcept;
-
-    // A forward range over all entries in the order of their ids: for (const Entry& entry : ...).
-    // It borrows the catalog's content.
-    Entries All() const noexcept;
-    // The name that the file gives its language, such as "fr_FR"; empty for text and version 1.
-    std::string_view Locale() const noexcept;
-    // Of a text dictionary, ascending by line; empty for any other.
-    std::span<const LoadWarning> Warnings() const noexcept;
-
-private:
-    explicit Catalog(std::shared_ptr<const detail::CatalogStore> content) noexcept;
-
-    std::shared_ptr<const detail::CatalogStore> store;  // null when empty
-};
-
-class WORDLEX_CATALOG_API Catalog::Entries {
-public:
-    class Iterator {
-    public:
-        using value_type = Entry;
-        using difference_type = std::ptrdiff_t;
-        using iterator_category = std::input_iterator_tag;
-        using reference = Entry;
-        using pointer = void;
-
-        Iterator() noexcept = default;
-        Entry operator*() const noexcept;
-        Iterator& operator++() noexcept {
-            ++id;
-            SkipDead();
-            return *this;
-        }
-        Iterator operator++(int) noexcept {
-            const Iterator before = *this;
-            ++*this;
-            return before;
-        }
-        bool operator==(const Iterator& other) const noexcept { return id == other.id; }
-
-    private:
-        friend class Entries;
-        Iterator(const detail::CatalogStore* in, std::uint32_t first) noexcept
-            : store(in), id(first) {}
-        WORDLEX_CATALOG_API void SkipDead() noexcept;
-
-        const detail::CatalogStore* store = nullptr;
-        std::uint32_t id = 0;
-    };
-
-    Iterator begin() const noexcept;
-    Iterator end() const noexcept;
-
-private:
-    friend class Catalog;
-    explicit Entries(const detail::CatalogStore* in) noexcept : store(in) {}
-
-    const detail::CatalogStore* store;  // null: no entries
-};
-
-// A catalog or the reason why there is none.
-class WORDLEX_CATALOG_API LoadResult {
-public:
-    LoadResult(Catalog loaded) noexcept : content(std::move(loaded)) {}
-    LoadResult(LoadError why) noexcept : content(std::move(why)) {}
-
-    bool Ok() const noexcept { return content.index() == 0; }
-    explicit operator bool() const noexcept { return Ok(); }
-    // Throws LoadException when there is none.
-    const Catalog& Value() const {
-        if (!Ok()) throw LoadException(Error());
-        return *std::get_if<0>(&content);
-    }
-    const Catalog& operator*() const noexcept { return *std::get_if<0>(&content); }  // only if Ok()
-    const Catalog* operator->() const noexcept { return std::get_if<0>(&content); }  // null if not
-    const LoadError& Error() const& noexcept { return *std::get_if<1>(&content); }   // only if not
-    LoadError&& Error() && noexcept { return std::move(*std::get_if<1>(&content)); }
-
-private:
-    std::variant<Catalog, LoadError> content;
-};
-
-// Several catalogs in order: the first one that has a key answers.
-// Threads: as a Catalog's, once it is built.
-class WORDLEX_CATALOG_API Chain {
-public:
-    struct Link {
-        std::string language;
-        Catalog catalog;
-    };
-    struct Answer {
-        std::u16string_view text;
-        const Link* link;  // which catalog gave it; valid while the chain lives unchanged
-    };
-
-    // The order in which the languages of a product serve its user: those that the user prefers as
-    // MuiSortLocalesPerUserPreference places them (for "pt_BR": "pt_BR", then "pt", then others of
-    // the family), then the product's `own`; the others are left out. `preferred` stands for the
-    // system's list of languages unless it is empty.
-    static std::vector<std::string> Order(std::span<const std::string> available,
-                                          const std::string& own,
-                                          std::span<const std::string> preferred = {});
-
-    Chain() = default;
-    explicit Chain(std::vector<Link> first) : links(std::move(first)) {}
-    void Append(std::string language, Catalog catalog) {
-        links.push_back({std::move(language), std::move(catalog)});
-    }
-
-    std::optional<Answer> Find(std::string_view key) const noexcept;
-    std::u16string Text(std::string_view key) const;  // else the default text, as Catalog's
-    std::string TextUtf8(std::string_view key) const;
-    std::span<const Link> Links() const noexcept { return links; }
-
-private:
-    std::vector<Link> links;
-};
-
-// A catalog that is loaded anew while others read it.
-// Threads: all members but the destructor may run at once in any threads.
-class WORDLEX_CATALOG_API ReloadingCatalog {
-public:
-    explicit ReloadingCatalog(std::filesystem::path path);  // loads; throws LoadException
-    ReloadingCatalog(const ReloadingCatalog&) = delete;
-    ReloadingCatalog& operator=(const ReloadingCatalog&) = delete;
-    ~ReloadingCatalog();
-
-    // The catalog of this moment. It stays as it is, with every view into it, while the caller
-    // keeps it: take it once for each piece of work, not for each text.
-    Catalog Current() const noexcept;
-    // Loads the file again and swaps it in in one step. On an error the catalog stays.
-    std::optional<LoadError> Reload() noexcept;
-    const std::filesystem::path& File() const noexcept;
-
-private:
-    struct State;
-    std::unique_ptr<State> state;
-};
-
-// Reloads a catalog whenever its file is saved: for development. Owns a thread, which its
-// destructor ends; the catalog outlives it.
-class WORDLEX_CATALOG_API Watcher {
-public:
-    // Calls `reloaded` in that thread after each attempt, with the error or null; it must not throw
-    // and may be empty. Throws std::system_error when the file's folder cannot be watched.
-    explicit Watcher(ReloadingCatalog& catalog,
-                     std::function<void(const LoadError*)> reloaded = {});
-    Watcher(const Watcher&) = delete;
-    Watcher& operator=(const Watcher&) = delete;
-    ~Watcher();
-
-private:
-    struct State;
-    std::unique_ptr<State> state;
-};
-
 // A value for a text, with or without a name. Its texts are borrowed and must outlive the call.
 // 8-bit texts are UTF-8; bytes that are not become U+FFFD. A null pointer is the empty text.
 // Points in time are shown as date and time in the system's time zone, days as a date alone.
@@ -437,6 +233,226 @@ public:
 
 private:
     const detail::LanguageFormats* formats;  // lives as long as the process
+};
+
+class LoadResult;
+
+// An immutable dictionary.
+// Owns:   a handle to shared content: a copy costs one counter and shares it; a moved-from catalog
+//         is empty. Views into the content are valid while any copy of the catalog lives.
+// Cost:   a look-up reads the key once, hashes it, and compares it with one key as a rule. It
+//         allocates nothing unless it returns a string.
+// Failure: what is not there is std::nullopt. Strings that are made can throw std::bad_alloc.
+class WORDLEX_CATALOG_API Catalog {
+public:
+    class Entries;
+
+    Catalog() noexcept = default;  // empty
+
+    // Loads a file. TryLoad returns a LoadError instead of throwing, exhausted memory included.
+    // A file that `wordlex compile --indexed` wrote is mapped: nothing is read before it is asked
+    // for, so replace such a file by renaming another one onto it, never in place. Other files are
+    // read whole. A file that is not regular is refused without being opened for reading.
+    // The lines of text dictionaries go through the older part of the library, of which several
+    // threads must not use anything at once: a program that also uses lexon::Dictionary takes its
+    // lock for loading a text or a version 1 file, too.
+    static Catalog Load(const std::filesystem::path& file);
+    static LoadResult TryLoad(const std::filesystem::path& file) noexcept;
+
+    // Loads a dictionary from memory. With a keeper nothing is copied of an indexed file, and the
+    // bytes stay as they are until the keeper is released: by the last copy of the catalog. The
+    // keeper may be any owner, of a mapping for instance; null says that the bytes live for ever.
+    static Catalog Load(std::span<const std::byte> bytes);
+    static Catalog Load(std::span<const std::byte> bytes, std::shared_ptr<const void> keeper);
+    static LoadResult TryLoad(std::span<const std::byte> bytes) noexcept;
+    static LoadResult TryLoad(std::span<const std::byte> bytes,
+                              std::shared_ptr<const void> keeper) noexcept;
+
+    // The text of the key, in place.
+    std::optional<std::u16string_view> Find(std::string_view key) const noexcept;
+    // The text of the key, else its default text: UTF-8, with its escapes converted as those of a
+    // dictionary are. Bytes that are not UTF-8 become U+FFFD.
+    std::u16string Text(std::string_view key) const;
+    // The same as UTF-8. Halves of surrogate pairs become U+FFFD.
+    std::string TextUtf8(std::string_view key) const;
+
+    // The same text, filled as a Formatter of the language Locale() does it. Text dictionaries do
+    // not name their language: use a Formatter of your own with them. Whether a text is a message
+    // pattern is not in the file: the caller knows, as it knows the arguments.
+    std::u16string Format(std::string_view key, Arguments arguments,
+                          const FormatOptions& options = {}) const;
+    std::u16string FormatMessage(std::string_view key, Arguments arguments,
+                                 const FormatOptions& options = {}) const;
+
+    // Ids count from 0. Those of version 2 files stand in the file; the entries of other
+    // dictionaries are numbered in the order in which Entries visits them.
+    std::optional<std::u16string_view> Find(std::uint32_t id) const noexcept;
+    std::optional<std::uint32_t> IdOf(std::string_view key) const noexcept;
+    std::optional<std::string_view> KeyOf(std::uint32_t id) const noexcept;
+    // The accelerator string of an entry that has one. Only version 2 files have them.
+    std::optional<std::u16string_view> Accelerator(std::string_view key) const noexcept;
+    std::optional<std::u16string_view> Accelerator(std::uint32_t id) const noexcept;
+
+    // A forward range over all entries in the order of their ids: for (const Entry& entry : ...).
+    // It borrows the catalog's content.
+    Entries All() const noexcept;
+    // The name that the file gives its language, such as "fr_FR"; empty for text and version 1.
+    std::string_view Locale() const noexcept;
+    // Of a text dictionary, ascending by line; empty for any other.
+    std::span<const LoadWarning> Warnings() const noexcept;
+
+private:
+    explicit Catalog(std::shared_ptr<const detail::CatalogStore> content) noexcept;
+
+    std::shared_ptr<const detail::CatalogStore> store;  // null when empty
+};
+
+class WORDLEX_CATALOG_API Catalog::Entries {
+public:
+    class Iterator {
+    public:
+        using value_type = Entry;
+        using difference_type = std::ptrdiff_t;
+        using iterator_category = std::input_iterator_tag;
+        using reference = Entry;
+        using pointer = void;
+
+        Iterator() noexcept = default;
+        Entry operator*() const noexcept;
+        Iterator& operator++() noexcept {
+            ++id;
+            SkipDead();
+            return *this;
+        }
+        Iterator operator++(int) noexcept {
+            const Iterator before = *this;
+            ++*this;
+            return before;
+        }
+        bool operator==(const Iterator& other) const noexcept { return id == other.id; }
+
+    private:
+        friend class Entries;
+        Iterator(const detail::CatalogStore* in, std::uint32_t first) noexcept
+            : store(in), id(first) {}
+        WORDLEX_CATALOG_API void SkipDead() noexcept;
+
+        const detail::CatalogStore* store = nullptr;
+        std::uint32_t id = 0;
+    };
+
+    Iterator begin() const noexcept;
+    Iterator end() const noexcept;
+
+private:
+    friend class Catalog;
+    explicit Entries(const detail::CatalogStore* in) noexcept : store(in) {}
+
+    const detail::CatalogStore* store;  // null: no entries
+};
+
+// A catalog or the reason why there is none.
+class WORDLEX_CATALOG_API LoadResult {
+public:
+    LoadResult(Catalog loaded) noexcept : content(std::move(loaded)) {}
+    LoadResult(LoadError why) noexcept : content(std::move(why)) {}
+
+    bool Ok() const noexcept { return content.index() == 0; }
+    explicit operator bool() const noexcept { return Ok(); }
+    // Throws LoadException when there is none.
+    const Catalog& Value() const {
+        if (!Ok()) throw LoadException(Error());
+        return *std::get_if<0>(&content);
+    }
+    const Catalog& operator*() const noexcept { return *std::get_if<0>(&content); }  // only if Ok()
+    const Catalog* operator->() const noexcept { return std::get_if<0>(&content); }  // null if not
+    const LoadError& Error() const& noexcept { return *std::get_if<1>(&content); }   // only if not
+    LoadError&& Error() && noexcept { return std::move(*std::get_if<1>(&content)); }
+
+private:
+    std::variant<Catalog, LoadError> content;
+};
+
+// Several catalogs in order: the first one that has a key answers.
+// Threads: as a Catalog's, once it is built.
+class WORDLEX_CATALOG_API Chain {
+public:
+    struct Link {
+        std::string language;
+        Catalog catalog;
+    };
+    struct Answer {
+        std::u16string_view text;
+        const Link* link;  // which catalog gave it; valid while the chain lives unchanged
+    };
+
+    // The order in which the languages of a product serve its user: those that the user prefers as
+    // MuiSortLocalesPerUserPreference places them (for "pt_BR": "pt_BR", then "pt", then others of
+    // the family), then the product's `own`; the others are left out. `preferred` stands for the
+    // system's list of languages unless it is empty.
+    static std::vector<std::string> Order(std::span<const std::string> available,
+                                          const std::string& own,
+                                          std::span<const std::string> preferred = {});
+
+    Chain() = default;
+    explicit Chain(std::vector<Link> first) : links(std::move(first)) {}
+    void Append(std::string language, Catalog catalog) {
+        links.push_back({std::move(language), std::move(catalog)});
+    }
+
+    std::optional<Answer> Find(std::string_view key) const noexcept;
+    std::u16string Text(std::string_view key) const;  // else the default text, as Catalog's
+    std::string TextUtf8(std::string_view key) const;
+    // Filled as the language of the link writes it that gave the text; a default text as that of
+    // the last link, the product's own.
+    std::u16string Format(std::string_view key, Arguments arguments,
+                          const FormatOptions& options = {}) const;
+    std::u16string FormatMessage(std::string_view key, Arguments arguments,
+                                 const FormatOptions& options = {}) const;
+    std::span<const Link> Links() const noexcept { return links; }
+
+private:
+    Formatter FormatterOf(const std::optional<Answer>& answer) const;
+
+    std::vector<Link> links;
+};
+
+// A catalog that is loaded anew while others read it.
+// Threads: all members but the destructor may run at once in any threads.
+class WORDLEX_CATALOG_API ReloadingCatalog {
+public:
+    explicit ReloadingCatalog(std::filesystem::path path);  // loads; throws LoadException
+    ReloadingCatalog(const ReloadingCatalog&) = delete;
+    ReloadingCatalog& operator=(const ReloadingCatalog&) = delete;
+    ~ReloadingCatalog();
+
+    // The catalog of this moment. It stays as it is, with every view into it, while the caller
+    // keeps it: take it once for each piece of work, not for each text.
+    Catalog Current() const noexcept;
+    // Loads the file again and swaps it in in one step. On an error the catalog stays.
+    std::optional<LoadError> Reload() noexcept;
+    const std::filesystem::path& File() const noexcept;
+
+private:
+    struct State;
+    std::unique_ptr<State> state;
+};
+
+// Reloads a catalog whenever its file is saved: for development. Owns a thread, which its
+// destructor ends; the catalog outlives it.
+class WORDLEX_CATALOG_API Watcher {
+public:
+    // Calls `reloaded` in that thread after each attempt, with the error or null; it must not throw
+    // and may be empty. Throws std::system_error when the file's folder cannot be watched.
+    explicit Watcher(ReloadingCatalog& catalog,
+                     std::function<void(const LoadError*)> reloaded = {});
+    Watcher(const Watcher&) = delete;
+    Watcher& operator=(const Watcher&) = delete;
+    ~Watcher();
+
+private:
+    struct State;
+    std::unique_ptr<State> state;
 };
 
 }  // namespace lexon

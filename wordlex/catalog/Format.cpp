@@ -8,6 +8,7 @@
 #include <map>
 #include <new>
 #include <optional>
+#include <utility>
 
 namespace lexon::detail {
 
@@ -40,7 +41,7 @@ char16_t FindZeroDigit(const icu::number::LocalizedNumberFormatter& numbers) {
     const icu::UnicodeString zero = written(0);
     if (zero.length() != 1) return 0;
     for (int digit = 1; digit <= 9; ++digit) {
-        const icu::UnicodeString three = written(111 * digit);
+        const icu::UnicodeString three = written(std::int64_t{111} * digit);
         if (three.length() != 3) return 0;
         for (int i = 0; i < 3; ++i) {
             if (three[i] != zero[0] + digit) return 0;
@@ -102,15 +103,18 @@ LanguageFormats::LanguageFormats(const std::string& language)
 const LanguageFormats& LanguageFormats::For(std::string_view language) {
     struct Known {
         std::mutex lock;
-        std::map<std::string, LanguageFormats, std::less<>> formats;
+        std::map<std::string, LanguageFormats> formats;
     };
     // Never freed: formatters may be in use in threads that outlive the static objects.
     static Known& known = *new Known;
-    const std::lock_guard guard(known.lock);
-    const auto found = known.formats.find(language);
-    if (found != known.formats.end()) return found->second;
+    // A thread mostly asks for the language that it asked for last.
+    static thread_local std::pair<std::string, const LanguageFormats*> last;
+    if (last.second != nullptr && last.first == language) return *last.second;
     const std::string name(language);
-    return known.formats.try_emplace(name, name).first->second;
+    const std::lock_guard guard(known.lock);
+    const LanguageFormats& formats = known.formats.try_emplace(name, name).first->second;
+    last = {name, &formats};
+    return formats;
 }
 
 bool LanguageFormats::HasOtherDirection(std::u16string_view text) const {
@@ -398,6 +402,37 @@ std::u16string Formatter::Format(std::u16string_view text, Arguments arguments,
 std::u16string Formatter::FormatMessage(std::u16string_view pattern, Arguments arguments,
                                         const FormatOptions& options) const {
     return detail::FillMessage(*formats, pattern, arguments, options);
+}
+
+std::u16string Catalog::Format(std::string_view key, Arguments arguments,
+                               const FormatOptions& options) const {
+    return Formatter(Locale()).Format(Text(key), arguments, options);
+}
+
+std::u16string Catalog::FormatMessage(std::string_view key, Arguments arguments,
+                                      const FormatOptions& options) const {
+    return Formatter(Locale()).FormatMessage(Text(key), arguments, options);
+}
+
+Formatter Chain::FormatterOf(const std::optional<Answer>& answer) const {
+    if (answer) return Formatter(answer->link->language);
+    return Formatter(links.empty() ? std::string_view() : links.back().language);
+}
+
+std::u16string Chain::Format(std::string_view key, Arguments arguments,
+                             const FormatOptions& options) const {
+    const auto answer = Find(key);
+    const Formatter formatter = FormatterOf(answer);
+    return answer ? formatter.Format(answer->text, arguments, options)
+                  : formatter.Format(Text(key), arguments, options);
+}
+
+std::u16string Chain::FormatMessage(std::string_view key, Arguments arguments,
+                                    const FormatOptions& options) const {
+    const auto answer = Find(key);
+    const Formatter formatter = FormatterOf(answer);
+    return answer ? formatter.FormatMessage(answer->text, arguments, options)
+                  : formatter.FormatMessage(Text(key), arguments, options);
 }
 
 }  // namespace lexon

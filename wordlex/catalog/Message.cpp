@@ -30,39 +30,34 @@ std::u16string Copied(const icu::UnicodeString& text) {
 
 }  // namespace
 
-// A pattern, parsed once. Two threads may not fill one of ICU's formats at once, so each takes one
-// for the time of a call.
+// A pattern, parsed once, and ICU's formats of it that no thread holds: two threads may not fill
+// one of them at once.
 class ParsedMessage {
 public:
+    using Format = std::unique_ptr<icu::MessageFormat>;
+
     ParsedMessage(std::u16string_view text, const icu::Locale& language)
-        : pattern(text), locale(language), shape(ParseMessage(text)) {
-        if (!shape.fault) idle.push_back(Make());
-    }
+        : pattern(text), locale(language), shape(ParseMessage(text)) {}
 
     std::u16string_view Pattern() const { return pattern; }
-    const MessageShape& Shape() const { return shape; }  // with a fault Fill may not be called
+    const MessageShape& Shape() const { return shape; }
     bool Selects(std::u16string_view name) const {
         return std::ranges::any_of(shape.places, [name](const MessagePlace& place) {
             return place.type == u"select" && place.name == name;
         });
     }
 
-    // False where an argument has a type that its place cannot show, or the pattern of a number or
-    // a date is malformed.
-    bool Fill(std::span<const icu::UnicodeString> names, std::span<const icu::Formattable> values,
-              icu::UnicodeString& out) {
-        auto format = Take();
-        if (format == nullptr) return false;
-        UErrorCode status = U_ZERO_ERROR;
-        format->format(names.data(), values.data(), static_cast<std::int32_t>(names.size()), out,
-                       status);
-        const std::lock_guard guard(lock);
-        idle.push_back(std::move(format));
-        return U_SUCCESS(status);
-    }
-
-private:
-    std::unique_ptr<icu::MessageFormat> Make() const {
+    // Null where the pattern, or that of a number or a date in it, is malformed.
+    Format Take() {
+        if (shape.fault) return nullptr;
+        {
+            const std::lock_guard guard(lock);
+            if (!idle.empty()) {
+                Format format = std::move(idle.back());
+                idle.pop_back();
+                return format;
+            }
+        }
         UErrorCode status = U_ZERO_ERROR;
         UParseError ignored{};
         auto format =
@@ -71,45 +66,50 @@ private:
         if (U_FAILURE(status)) format.reset();
         return format;
     }
-    std::unique_ptr<icu::MessageFormat> Take() {
-        {
-            const std::lock_guard guard(lock);
-            if (!idle.empty()) {
-                auto format = std::move(idle.back());
-                idle.pop_back();
-                return format;
-            }
-        }
-        return Make();
+    void Return(Format format) {
+        if (format == nullptr) return;
+        const std::lock_guard guard(lock);
+        idle.push_back(std::move(format));
     }
 
+private:
     std::u16string pattern;
     icu::Locale locale;
     MessageShape shape;
     std::mutex lock;
-    std::vector<std::unique_ptr<icu::MessageFormat>> idle;
+    std::vector<Format> idle;
 };
 
-ParsedMessage& MessageCache::Get(std::u16string_view pattern, const icu::Locale& locale) {
-    // What this thread has used last, found without the lock.
-    struct Recent {
-        const MessageCache* cache = nullptr;
-        std::shared_ptr<ParsedMessage> message;
-    };
-    static thread_local std::array<Recent, 16> recents;
-    const std::size_t size = pattern.size();
-    const std::size_t mixed =
-        size == 0 ? 0 : 31 * size + 7U * pattern[size / 2] + pattern[1 % size];
-    Recent& recent = recents[mixed % recents.size()];
-    if (recent.cache != this || recent.message->Pattern() != pattern) {
-        recent.message = Share(pattern, locale);
-        recent.cache = this;
+namespace {
+
+// A message that a thread has used lately, with a format of its own.
+struct HeldMessage {
+    const MessageCache* cache = nullptr;
+    std::shared_ptr<ParsedMessage> message;
+    ParsedMessage::Format format;
+};
+
+// The pattern's message in the thread's few, found without a lock as a rule. It stays until the
+// thread asks for another one.
+const HeldMessage& Hold(MessageCache& cache, std::u16string_view pattern,
+                        const icu::Locale& locale) {
+    static thread_local std::array<HeldMessage, 16> few;
+    std::size_t mixed = pattern.size();
+    if (!pattern.empty()) mixed = 31 * mixed + pattern[pattern.size() / 2];
+    HeldMessage& held = few[mixed % few.size()];
+    if (held.cache != &cache || held.message->Pattern() != pattern) {
+        HeldMessage other{&cache, cache.Get(pattern, locale), nullptr};
+        other.format = other.message->Take();
+        std::swap(held, other);
+        if (other.message != nullptr) other.message->Return(std::move(other.format));
     }
-    return *recent.message;
+    return held;
 }
 
-std::shared_ptr<ParsedMessage> MessageCache::Share(std::u16string_view pattern,
-                                                   const icu::Locale& locale) {
+}  // namespace
+
+std::shared_ptr<ParsedMessage> MessageCache::Get(std::u16string_view pattern,
+                                                 const icu::Locale& locale) {
     {
         const std::shared_lock guard(lock);
         const auto found = messages.find(pattern);
@@ -209,7 +209,8 @@ void RequireMatch(const MessageShape& shape, Arguments arguments,
 
 std::u16string FillMessage(const LanguageFormats& formats, std::u16string_view pattern,
                            Arguments arguments, const FormatOptions& options) {
-    ParsedMessage& message = formats.Messages().Get(pattern, formats.Locale());
+    const HeldMessage& held = Hold(formats.Messages(), pattern, formats.Locale());
+    const ParsedMessage& message = *held.message;
     const bool throws = options.onMismatch == OnMismatch::kThrow;
     if (const auto& fault = message.Shape().fault) {
         if (!throws) return std::u16string(pattern);
@@ -231,7 +232,12 @@ std::u16string FillMessage(const LanguageFormats& formats, std::u16string_view p
     }
     if (throws) RequireMatch(message.Shape(), arguments, names);
     icu::UnicodeString out;
-    if (message.Fill(names, values, out)) return Copied(out);
+    if (held.format != nullptr) {
+        UErrorCode status = U_ZERO_ERROR;
+        held.format->format(names.data(), values.data(), static_cast<std::int32_t>(names.size()),
+                            out, status);
+        if (U_SUCCESS(status)) return Copied(out);
+    }
     if (!throws) return std::u16string(pattern);
     throw FormatError(FormatError::Code::kWrongType,
                       "an argument has not the type that the message pattern shows");

@@ -27,12 +27,10 @@ public:
     // Starts anew when it holds this many: patterns are the texts of a program, not its data.
     static constexpr std::size_t kMostMessages = 16384;
 
-    // The result lives until this thread gets another one.
-    ParsedMessage& Get(std::u16string_view pattern, const icu::Locale& locale);
+    // Never null.
+    std::shared_ptr<ParsedMessage> Get(std::u16string_view pattern, const icu::Locale& locale);
 
 private:
-    std::shared_ptr<ParsedMessage> Share(std::u16string_view pattern, const icu::Locale& locale);
-
     struct Hash {
         using is_transparent = void;
         std::size_t operator()(std::u16string_view text) const {
