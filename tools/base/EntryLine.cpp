@@ -22,19 +22,6 @@ bool IsDigit(Units units, std::size_t i) {
 
 bool IsControl(unsigned short unit) { return unit < 0x20 || (unit >= 0x7F && unit < 0xA0); }
 
-// Characters that an editor hides, and those that another reader or UTF-8 would change: controls,
-// marks of width and direction, line and paragraph separators, byte-order marks, lone surrogates.
-bool IsHidden(Units value, std::size_t i) {
-    constexpr struct {
-        unsigned short first, last;
-    } kHidden[] = {{0x200B, 0x200F}, {0x2028, 0x202E}, {0x2060, 0x206F},
-                   {0xFEFF, 0xFEFF}, {0xFFF9, 0xFFFB}, {0xFFFE, 0xFFFF}};
-    const unsigned short unit = value[i];
-    return IsControl(unit) || IsUnpairedSurrogate(value, i) ||
-           std::ranges::any_of(
-               kHidden, [unit](auto range) { return unit >= range.first && unit <= range.last; });
-}
-
 // What no other escape protects.
 bool NeedsNumber(Units value, std::size_t i) {
     const unsigned short unit = value[i];
@@ -52,6 +39,17 @@ unsigned short BackslashEscape(unsigned short unit) {
 }
 
 }  // namespace
+
+bool IsHidden(Units value, std::size_t i) {
+    constexpr struct {
+        unsigned short first, last;
+    } kHidden[] = {{0x200B, 0x200F}, {0x2028, 0x202E}, {0x2060, 0x206F},
+                   {0xFEFF, 0xFEFF}, {0xFFF9, 0xFFFB}, {0xFFFE, 0xFFFF}};
+    const unsigned short unit = value[i];
+    return IsControl(unit) || IsUnpairedSurrogate(value, i) ||
+           std::ranges::any_of(
+               kHidden, [unit](auto range) { return unit >= range.first && unit <= range.last; });
+}
 
 void AppendValue(Line& line, Units value) {
     for (std::size_t i = 0; i < value.size(); ++i) {

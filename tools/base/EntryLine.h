@@ -7,6 +7,11 @@
 
 namespace tool {
 
+// Whether the unit at `i` is one that an editor hides, or that another reader or UTF-8 would change:
+// controls, marks of width and direction, line and paragraph separators, byte-order marks, lone
+// surrogates.
+bool IsHidden(Units value, std::size_t i);
+
 // The value as an author would write it: what both passes of the conversion would take for an
 // escape is escaped, and so is what a line of text cannot carry. Markers ("^1") stay as they are.
 void AppendValue(std::vector<unsigned short>& line, Units value);

@@ -286,4 +286,8 @@ TextDocument ReadTextDocument(const std::string& name) {
     return document;
 }
 
+std::string ObsoleteName(const std::filesystem::path& name) {
+    return (name.parent_path() / name.stem()).string() + ".obsolete" + name.extension().string();
+}
+
 }  // namespace tool

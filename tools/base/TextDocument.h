@@ -1,5 +1,6 @@
 #pragma once
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -120,5 +121,8 @@ private:
 // Reads a file to be edited. Throws a Failure for one of which the loader would not have every
 // line: what an edit takes for all of its entries would be some of them.
 TextDocument ReadTextDocument(const std::string& name);
+
+// Where `update` keeps the entries that are gone: "de.txt" -> "de.obsolete.txt".
+std::string ObsoleteName(const std::filesystem::path& name);
 
 }  // namespace tool

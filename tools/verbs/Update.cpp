@@ -21,12 +21,6 @@ using Line = TextDocument::Line;
 constexpr std::string_view kStandardStream = "-";
 constexpr std::string_view kObsolete = ".obsolete";
 
-// "de.txt" -> "de.obsolete.txt"
-std::string ObsoleteName(const fs::path& name) {
-    return (name.parent_path() / name.stem()).string() + std::string(kObsolete) +
-           name.extension().string();
-}
-
 bool IsObsoleteName(const fs::path& name) { return name.stem().extension() == kObsolete; }
 
 // The texts that translations are updated to, with their digests.
