@@ -137,6 +137,15 @@ Annotations ParseAnnotations(std::string_view before, std::string_view after) {
     return found;
 }
 
+std::string ForPeople(std::string_view comment) {
+    const Comment split = Split(comment);
+    std::string text(Trimmed(split.head));
+    for (const Part& part : split.parts) {
+        if (part.kind == Kind::kForPeople) (text += text.empty() ? "" : "; ") += part.text;
+    }
+    return text;
+}
+
 std::string WithMarks(std::string_view comment, const Annotations& marks) {
     const Annotations there = ParseAnnotations(comment);
     if (there.untranslated == marks.untranslated && there.stale == marks.stale &&

@@ -28,6 +28,9 @@ Annotations ParseAnnotations(std::string_view comment);
 // The annotations of both comments of a line. Offsets count in the comment of their own.
 Annotations ParseAnnotations(std::string_view before, std::string_view after);
 
+// What the comment says to people: the text without the annotations.
+std::string ForPeople(std::string_view comment);
+
 // The comment with its marks untranslated, stale and from replaced by those of `marks`. All else
 // stays as it is; the comment itself is returned when it has these marks already.
 std::string WithMarks(std::string_view comment, const Annotations& marks);

@@ -44,6 +44,15 @@ OptionInfo Reference() {
             .help = "The dictionary that the files translate"};
 }
 
+OptionInfo ExchangeFormat(const std::string& help, const std::string& fallback) {
+    return {.name = "format",
+            .takes = Takes::kChoice,
+            .value = "FORM",
+            .help = help,
+            .choices = {"po"},
+            .fallback = fallback};
+}
+
 OptionInfo Disable() {
     return {.name = "disable",
             .takes = Takes::kChoices,
@@ -166,6 +175,34 @@ std::vector<VerbInfo> MakeVerbs() {
          .options = {Reference(),
                      {.name = "check", .help = "Change nothing; exit with 1 if it would"}},
          .run = Update},
+        {.name = "export",
+         .operands = {{.name = "FILE"}},
+         .help = "Write a translation for translators, as gettext's PO",
+         .example = "wordlex export --reference=en.txt de.txt -o de.po",
+         .options = {{.name = "reference",
+                      .takes = Takes::kFile,
+                      .value = "FILE",
+                      .help = "The dictionary that FILE translates; without it FILE becomes a "
+                              "template"},
+                     ExchangeFormat("The format of the output", "po"),
+                     Output("The file for translators", "-"),
+                     {.name = "language",
+                      .takes = Takes::kText,
+                      .value = "NAME",
+                      .help = "The language of FILE, where its name does not say it"},
+                     {.name = "source-language",
+                      .takes = Takes::kText,
+                      .value = "NAME",
+                      .help = "The language of the reference, in the same way"}},
+         .run = Export},
+        {.name = "import",
+         .operands = {{.name = "FROM"}, {.name = "FILE"}},
+         .help = "Take what translators sent back into a translation",
+         .example = "wordlex import --reference=en.txt de.po de.txt",
+         .options = {Reference(),
+                     ExchangeFormat("The format of FROM, where its content does not say it", ""),
+                     Output("The translation, if not FILE itself")},
+         .run = Import},
         {.name = "completions",
          .operands = {{.name = "SHELL", .choices = {"bash", "zsh", "fish"}}},
          .help = "Write the completions of this command for a shell",

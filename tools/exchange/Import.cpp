@@ -1,0 +1,209 @@
+#include <algorithm>
+#include <array>
+#include <iostream>
+#include <map>
+#include <unordered_map>
+
+#include "tools/base/Annotations.h"
+#include "tools/base/Content.h"
+#include "tools/base/Files.h"
+#include "tools/base/Progress.h"
+#include "tools/exchange/Exchange.h"
+#include "tools/exchange/Po.h"
+#include "tools/exchange/ShownText.h"
+#include "tools/verbs/Verbs.h"
+
+namespace tool {
+
+namespace {
+
+using Line = TextDocument::Line;
+using ByShownKey = std::unordered_map<std::string, const Line*>;
+
+ByShownKey LinesOf(const TextDocument& document) {
+    ByShownKey lines;
+    for (const Line& line : document.Lines())
+        lines.insert_or_assign(ShownKey(line.key), &line);  // the last one counts
+    return lines;
+}
+
+// Takes the units of one file into a translation.
+class Importer {
+public:
+    Importer(std::string exchangeName, const std::string& dictionaryName,
+             const std::string& nameOfReference)
+        : source(std::move(exchangeName)),
+          name(dictionaryName),
+          referenceName(nameOfReference),
+          reference(ReadTextDocument(referenceName)),
+          document(ReadTextDocument(name)),
+          wanted(LinesOf(reference)),
+          present(LinesOf(document)) {}
+
+    void Take(const Exchange& exchange) {
+        std::unordered_map<std::string_view, std::uint64_t> seen;
+        for (const Unit& unit : exchange.units) {
+            const auto [first, isNew] = seen.try_emplace(unit.key, unit.line);
+            if (!isNew) {
+                throw Failure(Place(unit.line) + ": a second text for the key \"" + unit.key +
+                              "\", the first is in line " + std::to_string(first->second) +
+                              "; keep one of them");
+            }
+            TakeUnit(unit);
+        }
+        if (!changed.empty()) CheckResult();
+        std::ranges::stable_sort(problems, {}, &Problem::line);
+    }
+
+    // Prints what is wrong with the texts. False when an error is among it.
+    bool Report() const {
+        bool good = true;
+        for (const Problem& problem : problems) {
+            std::cerr << Place(problem.line) << ": " << Name(problem.severity) << ": "
+                      << problem.text << '\n';
+            good &= problem.severity != Severity::kError;
+        }
+        return good;
+    }
+
+    std::string Result() const { return document.Bytes(); }
+    bool Changes() const { return document.HasEdits(); }
+
+    // "FILE: 2 translated, 1 stale"
+    std::string Summary() const {
+        static constexpr const char* kWhat[] = {"untranslated", "stale", "translated"};
+        static_assert(std::size(kWhat) == kStates);
+        std::string text;
+        for (std::size_t i = kStates; i-- > 0;) {
+            if (counts[i] == 0) continue;
+            text += (text.empty() ? "" : ", ") + std::to_string(counts[i]) + ' ' + kWhat[i];
+        }
+        return name + ": " + (text.empty() ? "nothing new" : text) + '\n';
+    }
+
+private:
+    static constexpr std::size_t kStates = 3;
+
+    struct Problem {
+        std::uint64_t line;
+        Severity severity;
+        std::string text;
+    };
+
+    std::string Place(std::uint64_t line) const { return source + ':' + std::to_string(line); }
+
+    void TakeUnit(const Unit& unit) {
+        const auto there = wanted.find(unit.key);
+        const auto here = present.find(unit.key);
+        const bool isEmpty = unit.state == State::kUntranslated;
+        if (there == wanted.end() || here == present.end()) {
+            if (!isEmpty && !IsThere(unit, here)) ReportAbsent(unit, there != wanted.end());
+            return;
+        }
+        const Line& referenceLine = *there->second;
+        const Line& line = *here->second;
+        const Unit now = MakeUnit(reference, referenceLine, document, &line);
+        const std::string shown = ShownText(document.Value(line));
+        if (isEmpty) {
+            if (now.state == State::kUntranslated || shown == now.source) return;
+            document.SetValue(line, reference.Value(referenceLine));
+            return Mark(unit, line, referenceLine, State::kUntranslated);
+        }
+        const bool isCurrent = unit.source == now.source;
+        const bool isSame = unit.target == shown;
+        const State state =
+            isCurrent && unit.state == State::kTranslated ? unit.state : State::kNeedsReview;
+        // A translation that nobody touched is as old as it was.
+        const bool wasTranslated =
+            now.state == State::kTranslated && unit.state == State::kTranslated;
+        if (isSame && (now.state == state || wasTranslated)) return;
+        if (!isSame) document.SetValue(line, WrittenText(unit.target));
+        if (!isCurrent) {
+            problems.push_back({unit.line, Severity::kWarning,
+                                "the reference's text of \"" + unit.key +
+                                    "\" has changed since; the translation is marked stale"});
+        }
+        Mark(unit, line, referenceLine, state);
+    }
+
+    bool IsThere(const Unit& unit, ByShownKey::const_iterator here) const {
+        return here != present.end() && ShownText(document.Value(*here->second)) == unit.target;
+    }
+
+    void ReportAbsent(const Unit& unit, bool inReference) {
+        const std::string cure = inReference
+                                     ? name + " does not have the key \"" + unit.key +
+                                           "\"; run wordlex update --reference=" + referenceName +
+                                           ' ' + name + " first"
+                                     : referenceName + " does not have the key \"" + unit.key +
+                                           "\"; take the entry out, or correct its key";
+        problems.push_back({unit.line, Severity::kError, cure});
+    }
+
+    // An entry without room for a comment has its text alone.
+    void Mark(const Unit& unit, const Line& line, const Line& referenceLine, State state) {
+        ++counts[static_cast<std::size_t>(state)];
+        if (state != State::kUntranslated) changed.emplace(line.number, unit.line);
+        if (!line.quoted) return;
+        const Annotations marks{state == State::kUntranslated,
+                                state == State::kNeedsReview,
+                                false,
+                                ReferenceDigest(reference.Value(referenceLine)),
+                                {}};
+        document.SetComment(line, line.before, WithMarks(document.Comment(line, line.before), {}));
+        document.SetComment(line, line.after, WithMarks(document.Comment(line, line.after), marks));
+    }
+
+    // The lines of the result are those of the dictionary: no import adds or removes one.
+    void CheckResult() {
+        Findings ofReference;
+        const CheckedFile checkedReference =
+            CheckFile(referenceName, reference.Bytes(), ofReference);
+        Findings findings;
+        const CheckedFile result = CheckFile(name, document.Bytes(), findings);
+        if (result.usable) CheckAgainst(result, checkedReference, ofReference, findings);
+        for (const Finding& finding : findings.Take()) {
+            const auto line = changed.find(finding.place.line);
+            const bool isOfFile = finding.rule == Rule::kUtf8Mark;
+            if (finding.place.file != name || line == changed.end() || isOfFile) continue;
+            problems.push_back({line->second, Info(finding.rule).severity,
+                                finding.text + " [" + Info(finding.rule).name + ']'});
+        }
+    }
+
+    std::string source;
+    std::string name;
+    std::string referenceName;
+    TextDocument reference;
+    TextDocument document;
+    ByShownKey wanted;
+    ByShownKey present;
+    // Lines of the dictionary whose texts are those of these lines of the source.
+    std::map<std::uint64_t, std::uint64_t> changed;
+    std::vector<Problem> problems;
+    std::array<std::size_t, kStates> counts{};
+};
+
+}  // namespace
+
+int Import(const Arguments& arguments) {
+    const std::string& source = arguments.operands[0];
+    const std::string& name = arguments.operands[1];
+    if (!arguments.Has("reference")) throw UsageFailure("--reference is required");
+    const std::string& output = arguments.Has("output") ? arguments.Get("output") : name;
+    const std::string shownSource = source == "-" ? "standard input" : source;
+    const Exchange exchange = ReadPo(shownSource, ReadInput(source));
+    Importer importer(shownSource, name, arguments.Get("reference"));
+    {
+        const Progress progress("importing", source);
+        importer.Take(exchange);
+    }
+    if (!importer.Report()) return kDifference;
+    if (output != name || output == "-" || importer.Changes()) {
+        WriteOutput(output, importer.Result());
+    }
+    if (output != "-") WriteStandardOutput(importer.Summary());
+    return kSuccess;
+}
+
+}  // namespace tool
