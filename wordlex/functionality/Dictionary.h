@@ -42,7 +42,8 @@ struct BinaryHeader;
 //   version 2: slot above 1020, id of an entry      no      as before
 //     that there is not
 //   version 2: body cut short, id base in conflict, as is   as before; compact, with the new locale
-//     a string outside its area, too many entries
+//     a string outside its area, strings that share
+//     too many bytes, too many entries
 //   version 1: body cut short, tables that          no      the entries linked ahead of the fault
 //     decrease, slot above 1020
 //   binary: memory exhausted, conversion error      as is   as before; throws

@@ -22,7 +22,7 @@ class ImageWriter;
 enum class ImageResult {
     kLoaded,     // merged; also when it brings nothing
     kRejected,   // it ends early, its id base conflicts with the store, a string leaves its area,
-                 // ids run out
+                 // strings share too many bytes, ids run out
     kMalformed,  // it names a slot above 1020 or an entry that there is not
 };
 

@@ -242,7 +242,8 @@ public:
 
     // Enumeration: HasMoreKey moves to the next key and returns false after the last one; the call
     // after that starts anew. Both NextKey forms return the key that HasMoreKey moved to, as often
-    // as they are called. An enumeration ends when a key is added or removed.
+    // as they are called. When a key is added or removed, the enumeration of a hash-table
+    // dictionary ends, and that of a compact one goes on by id.
     bool HasMoreKey();
     bool ReSetKeyEnumeration();  // false for a hash-table dictionary
     // Copies the key and a NUL. A buffer that is null or too small throws 'BUFF' or returns false.
