@@ -72,6 +72,7 @@ TEST_F(RoundTripTest, OfGeneratedDictionariesInBothByteOrders) {
         ASSERT_EQ(
             Run("wordlex dump a -o b && wordlex compile --disable=wide-key --disable=empty-key "
                 "--disable=unknown-escape --disable=lone-surrogate --disable=blank-at-equals "
+                "--disable=unbalanced-direction,replacement-character,trailing-ampersand "
                 "--locale=xx --endian=" +
                 name + " b -o c && wordlex compare a c"),
             (Outcome{0, ""}));

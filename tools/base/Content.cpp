@@ -70,13 +70,10 @@ void Read(Dictionary& dictionary, const std::string& name, const std::string& by
 
 CheckedFile CheckUsable(const std::string& name, const std::string& bytes, Findings& findings,
                         std::string* tooLong) {
-    constexpr Rule kFatal[] = {Rule::kMalformedBinary, Rule::kUtf16WithoutMark, Rule::kDollarKey};
     constexpr Rule kCut[] = {Rule::kKeyLength, Rule::kValueLength};
     CheckedFile file = CheckFile(name, bytes, findings);
-    const std::vector<Finding> found = findings.Take();
-    const std::string fault = FirstOf(found, kFatal);
-    if (!fault.empty()) throw Failure(fault);
-    if (tooLong != nullptr) *tooLong = FirstOf(found, kCut);
+    findings.ThrowIfFatal();
+    if (tooLong != nullptr) *tooLong = FirstOf(findings.Take(), kCut);
     return file;
 }
 

@@ -3,7 +3,8 @@
 #include <vector>
 
 #include "tools/base/Text.h"
-#include "tools/check/CheckedFile.h"
+#include "tools/base/Progress.h"
+#include "tools/check/Check.h"
 #include "wordlex/functionality/Dictionary.h"
 
 namespace tool {

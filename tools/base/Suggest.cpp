@@ -12,6 +12,10 @@ char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 0x20) :
 }  // namespace
 
 std::size_t EditDistance(std::string_view a, std::string_view b, std::size_t limit) {
+    while (!a.empty() && !b.empty() && Lower(a.front()) == Lower(b.front())) {
+        a.remove_prefix(1);
+        b.remove_prefix(1);
+    }
     if (std::max(a.size(), b.size()) - std::min(a.size(), b.size()) >= limit) return limit;
     // Three rows of the table of distances between the heads of both words.
     std::vector<std::size_t> beforeLast(b.size() + 1);
@@ -36,7 +40,7 @@ std::size_t EditDistance(std::string_view a, std::string_view b, std::size_t lim
 
 std::string Nearest(std::string_view word, std::span<const std::string> known) {
     std::string nearest;
-    std::size_t limit = std::max<std::size_t>(1, word.size() / 3) + 1;
+    std::size_t limit = std::min<std::size_t>(2, word.size() / 3) + 1;
     for (const std::string& candidate : known) {
         const std::size_t distance = EditDistance(word, candidate, limit);
         if (distance >= limit) continue;

@@ -1,5 +1,6 @@
+#include "tools/check/BinaryCheck.h"
+
 #include "tools/base/BinaryFile.h"
-#include "tools/check/CheckedFile.h"
 
 namespace tool {
 
@@ -26,7 +27,7 @@ public:
             Add(Rule::kUnreachableEntry, "an entry with the key " + ShowKey(key) +
                                              " that a look-up of the key does not find");
         }
-        if (entry.found) file.entries.try_emplace(key, Definition{{file.name}, std::move(value)});
+        if (entry.found) file.entries[key].value = std::move(value);
     }
 
 private:
@@ -49,7 +50,9 @@ private:
         }
     }
 
-    void Add(Rule rule, std::string text) { findings.Add(rule, {file.name}, std::move(text)); }
+    void Add(Rule rule, std::string text) {
+        findings.Add(rule, {.file = file.name}, std::move(text));
+    }
 
     CheckedFile& file;
     Findings& findings;
@@ -60,13 +63,13 @@ void CheckFault(const BinaryFile& binary, CheckedFile& file, Findings& findings)
     if (binary.Fault() != ImageFault::kNone) {
         const bool isQuiet =
             binary.HeaderRead() && binary.IsVersion2() && !IsMalformed(binary.Fault());
-        findings.Add(Rule::kMalformedBinary, {file.name, 0, 0, binary.FaultOffset()},
+        findings.Add(Rule::kMalformedBinary, {.file = file.name, .offset = binary.FaultOffset()},
                      std::string("refused: ") + Describe(binary.Fault()) +
                          (isQuiet ? quiet
                                   : "; the dictionary becomes invalid and the application shows "
                                     "all of its keys raw"));
     } else if (binary.NoneAliveAt().has_value()) {
-        findings.Add(Rule::kMalformedBinary, {file.name, 0, 0, binary.NoneAliveAt()},
+        findings.Add(Rule::kMalformedBinary, {.file = file.name, .offset = binary.NoneAliveAt()},
                      std::string("the number of living entries is 0") + quiet);
     } else {
         return;
@@ -77,22 +80,12 @@ void CheckFault(const BinaryFile& binary, CheckedFile& file, Findings& findings)
 }  // namespace
 
 CheckedFile CheckBinary(const std::string& name, const std::string& bytes, Findings& findings) {
-    CheckedFile file{name, {}};
+    CheckedFile file{.name = name};
     const BinaryFile binary(bytes);
     file.locale = binary.Header().locale.value_or("");
     EntryCheck entries(file, findings);
     binary.ForEachEntry([&](const BinaryEntry& entry) { entries.Check(entry); });
     CheckFault(binary, file, findings);
-    return file;
-}
-
-CheckedFile CheckFile(const std::string& name, const std::string& bytes, Findings& findings) {
-    const bool binary = lexon_private::HasBinaryMagic(bytes.data(), bytes.size());
-    Progress progress("checking", name, binary ? 0 : bytes.size());
-    CheckedFile file =
-        binary ? CheckBinary(name, bytes, findings) : CheckText(name, bytes, findings, progress);
-    CheckAccelerators(file, findings);
-    CheckMessages(file, findings);
     return file;
 }
 

@@ -1,9 +1,9 @@
 #pragma once
-#include <map>
+#include <cstdint>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
-#include "tools/base/Progress.h"
 #include "tools/base/Text.h"
 #include "tools/check/Findings.h"
 
@@ -14,31 +14,58 @@ inline constexpr std::size_t kMostBytes = 65535;
 // A merge of version 2 files does not find longer keys.
 inline constexpr std::size_t kMergeableKeyBytes = 1023;
 
+// A part of a line: indexes into the units of its file.
+struct Part {
+    std::size_t begin = 0;
+    std::size_t end = 0;
+};
+
 // The entry of a key as the loader has it at the end of the file.
+// Parts are those of a text file; in binary files they are empty and the line is 0.
 struct Definition {
-    Place place;  // of the key; in binary files the file alone
+    std::uint64_t line = 0;
+    std::size_t lineBegin = 0;  // in the units of the file
+    Part key;
+    Part written;   // the value
+    Part firstKey;  // of the first one of the entries with these bytes as key
+    std::uint64_t firstLine = 0;
+    std::size_t firstLineBegin = 0;
     Text value;
+    bool untranslated = false;
+    bool stale = false;
     bool isMessage = false;  // by its own line
-    // The value as it is written, where that is not the value itself, and the column it begins at.
-    std::vector<unsigned short> written = {};
-    std::uint64_t valueColumn = 0;
+    std::string from;        // as in Annotations
 };
 
 // A file that `check` has gone through.
 struct CheckedFile {
+    using Entries = std::unordered_map<std::string, Definition>;
+
     std::string name;
-    std::map<std::string, Definition> entries;  // those that a look-up of their key finds
-    std::string locale = {};                         // as the file itself says, empty where it does not
-    bool usable = true;  // false where the entries are not what the author wrote, or are none
+    Entries entries = {};     // those that a look-up of their key finds
+    std::string locale = {};  // as the file itself says, empty where it does not
+    bool usable = true;       // false where the entries are not what the author wrote, or are none
+    std::vector<unsigned short> units = {};  // of all lines of a text file, one after the other
+
+    Units UnitsOf(Part part) const {
+        return Units(units).subspan(part.begin, part.end - part.begin);
+    }
+    // Both ends lie in the line.
+    Place PlaceOf(std::uint64_t line, std::size_t lineBegin, Part part) const;
+    // Of the entry's key; in binary files the file alone.
+    Place PlaceOf(const Definition& entry) const { return PlaceOf(entry, entry.key); }
+    Place PlaceOf(const Definition& entry, Part part) const {
+        return PlaceOf(entry.line, entry.lineBegin, part);
+    }
+    // In the order of the file; those of binary files in the order of their keys.
+    std::vector<const Entries::value_type*> InOrder() const;
 };
 
-// What the loader would trip over or silently change in a file of either kind.
-CheckedFile CheckFile(const std::string& name, const std::string& bytes, Findings& findings);
-CheckedFile CheckText(const std::string& name, const std::string& bytes, Findings& findings,
-                      Progress& progress);
-CheckedFile CheckBinary(const std::string& name, const std::string& bytes, Findings& findings);
+// Units of the converted value, where they are written; in binary files the file alone.
+Place PlaceInValue(const CheckedFile& file, const Definition& entry, std::size_t begin,
+                   std::size_t end);
 
-// Accelerators that entries beside each other share.
+// Accelerators of a file's entries: none, several, shared with an entry beside.
 void CheckAccelerators(const CheckedFile& file, Findings& findings);
 // The values whose own lines say that they are message patterns.
 void CheckMessages(const CheckedFile& file, Findings& findings);

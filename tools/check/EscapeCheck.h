@@ -1,16 +1,21 @@
 #pragma once
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "tools/base/Text.h"
 #include "tools/check/Rules.h"
 
 namespace tool {
 
-// Takes a finding at a unit of the written value.
-using EscapeSink = std::function<void(Rule, std::size_t position, std::string text)>;
+// Takes a finding at some units of the written value.
+using EscapeSink =
+    std::function<void(Rule, std::size_t position, std::size_t length, std::string text)>;
 
-// Converts a written value as the loader does, and tells what in it is no escape or is dropped.
+// Converts a written value as the loader does, and reports what in it is no escape or is dropped.
 Text CheckEscapes(Units written, const EscapeSink& add);
+
+// For each unit of the converted value, the position of what it was written as.
+std::vector<std::size_t> OriginsOf(Units written);
 
 }  // namespace tool

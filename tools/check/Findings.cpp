@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <string_view>
 #include <tuple>
 
+#include "tools/base/Files.h"
 #include "tools/base/Json.h"
 
 namespace tool {
@@ -40,11 +42,14 @@ std::string JsonFinding(const Finding& finding) {
     if (finding.place.line != 0) {
         object["line"] = finding.place.line;
         object["column"] = finding.place.column;
+        if (finding.place.endColumn != 0) object["endColumn"] = finding.place.endColumn;
     }
     if (finding.place.offset.has_value()) object["offset"] = *finding.place.offset;
     object["severity"] = Name(rule.severity);
     object["text"] = finding.text;
     object["rule"] = rule.name;
+    if (finding.key.has_value()) PutKey(object, "key", *finding.key);
+    if (!finding.missingFrom.empty()) PutFile(object, "missingFrom", finding.missingFrom);
     return JsonLine(object);
 }
 
@@ -62,8 +67,22 @@ std::string Show(const Place& place) {
     return place.column == 0 ? line : line + ':' + std::to_string(place.column);
 }
 
-void Findings::Add(Rule rule, Place place, std::string text) {
-    if (!disabled[Index(rule)]) findings.push_back({rule, std::move(place), std::move(text)});
+void Findings::Add(Rule rule, Place place, std::string text, std::optional<std::string> key) {
+    if (disabled[Index(rule)]) return;
+    findings.push_back({rule, std::move(place), std::move(text), std::move(key)});
+}
+
+void Findings::AddMissing(Rule rule, Place place, std::string text, std::string key,
+                          std::string missingFrom) {
+    if (disabled[Index(rule)]) return;
+    missing.push_back(
+        {rule, std::move(place), std::move(text), std::move(key), std::move(missingFrom)});
+}
+
+void Findings::ThrowIfFatal() const {
+    for (const Finding& finding : findings) {
+        if (IsFatal(finding.rule)) throw Failure(Show(finding.place) + ": " + finding.text);
+    }
 }
 
 void Findings::Ignore(std::uint64_t line, const Rules& rules) { ignored.push_back({line, rules}); }
@@ -78,6 +97,7 @@ std::vector<Finding> Findings::Take() {
         return Ignores(finding.place.line, finding.rule);
     });
     std::ranges::stable_sort(findings, {}, Order);
+    std::ranges::move(missing, std::back_inserter(findings));
     return std::move(findings);
 }
 

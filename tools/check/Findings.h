@@ -9,11 +9,16 @@
 
 namespace tool {
 
-// Where something was found. Lines and columns count from 1, columns in characters; 0 is none.
+// Where something was found: some characters of one line, a byte of a binary file, or a file.
+// Lines and columns count from 1, columns in characters; 0 is none. Units are UTF-16 units of the
+// line from 0. Neither counts a byte-order mark. Ends are exclusive.
 struct Place {
     std::string file;
     std::uint64_t line = 0;
     std::uint64_t column = 0;
+    std::uint64_t endColumn = 0;
+    std::uint64_t unit = 0;
+    std::uint64_t endUnit = 0;
     std::optional<std::uint64_t> offset = std::nullopt;  // bytes, in binary files
 };
 // "file:line:column", "file:line", "file:@0xOFFSET" or "file"
@@ -23,6 +28,8 @@ struct Finding {
     Rule rule;
     Place place;
     std::string text;
+    std::optional<std::string> key = std::nullopt;  // its bytes, where the finding is about one
+    std::string missingFrom = {};  // the file that lacks the key, where `place` is in the reference
 };
 
 enum class Format : std::uint8_t { kText, kColouredText, kJson };
@@ -34,10 +41,16 @@ public:
 
     explicit Findings(const Rules& disabledRules = {}) : disabled(disabledRules) {}
 
-    void Add(Rule rule, Place place, std::string text);
+    void Add(Rule rule, Place place, std::string text,
+             std::optional<std::string> key = std::nullopt);
+    // What the file lacks; the place is in its reference.
+    void AddMissing(Rule rule, Place place, std::string text, std::string key,
+                    std::string missingFrom);
     // Drops what these rules find on a line from here on.
     void Ignore(std::uint64_t line, const Rules& rules);
     bool Ignores(std::uint64_t line, Rule rule) const;
+    // Throws a Failure that names the first finding for which the application refuses the file.
+    void ThrowIfFatal() const;
     // Ends the search: the findings in the order of their places.
     std::vector<Finding> Take();
 
@@ -50,6 +63,7 @@ private:
     Rules disabled;
     std::vector<Ignored> ignored;  // lines ascending
     std::vector<Finding> findings;
+    std::vector<Finding> missing;
 };
 
 bool AnyAtOrAbove(const std::vector<Finding>& findings, Severity severity);

@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "tools/base/Annotations.h"
+#include "tools/base/Suggest.h"
+#include "tools/check/CharacterCheck.h"
 #include "tools/check/EscapeCheck.h"
 #include "wordlex/functionality/Dictionary.h"
 
@@ -27,32 +29,67 @@ std::string Counted(std::size_t count, const char* thing) {
     return std::to_string(count) + ' ' + thing + (count == 1 ? "" : "s");
 }
 
+bool BeginsWith(Units text, std::string_view ascii) {
+    return text.size() >= ascii.size() && std::equal(ascii.begin(), ascii.end(), text.begin());
+}
+
+Units WithoutBlanks(Units text) {
+    while (!text.empty() && IsBlank(text.front()))
+        text = text.subspan(1);
+    while (!text.empty() && IsBlank(text.back()))
+        text = text.first(text.size() - 1);
+    return text;
+}
+
+// Whether the text begins as comments do in one language or another.
+bool BeginsComment(Units text) {
+    constexpr std::string_view kSigns[] = {"#", "//", ";", "--", "/*", "<!--"};
+    return std::ranges::any_of(kSigns, [&](auto sign) { return BeginsWith(text, sign); });
+}
+
+bool IsWordPart(unsigned short unit) {
+    return (unit >= '0' && unit <= '9') || (unit >= 'A' && unit <= 'Z') ||
+           (unit >= 'a' && unit <= 'z') || unit > 0x00BF;
+}
+
 }  // namespace
 
-void LineCheck::Add(Rule rule, const unsigned short* position, std::string text) {
-    findings.Add(rule, {file.name, scanner.LineNumber(), scanner.Column(position)},
-                 std::move(text));
+void LineCheck::Add(Rule rule, Units where, std::string text, std::optional<std::string> key) {
+    const unsigned short* const begin = where.data();
+    const unsigned short* const end = begin + where.size();
+    const unsigned short* const line = scanner.Line().data();
+    const std::ptrdiff_t mark = scanner.LineNumber() == 1 && *line == 0xFEFF ? 1 : 0;
+    Place place{file.name, scanner.LineNumber(), scanner.Column(begin), scanner.Column(end)};
+    place.unit = static_cast<std::uint64_t>(std::max(begin - line - mark, std::ptrdiff_t{0}));
+    place.endUnit = static_cast<std::uint64_t>(std::max(end - line - mark, std::ptrdiff_t{0}));
+    findings.Add(rule, std::move(place), std::move(text), std::move(key));
 }
 
 void LineCheck::Check() {
     if (scanner.IsLost()) {
-        findings.Add(Rule::kInvalidText, {file.name, scanner.LineNumber(), scanner.LostColumn()},
-                     "these bytes are no text of the encoding; the loader skips the whole line");
+        findings.Add(Rule::kInvalidText,
+                     {file.name, scanner.LineNumber(), scanner.LostColumn(), scanner.LostColumn()},
+                     "these bytes are not text of the encoding; the loader skips the whole line");
         return;
     }
+    if (IsOfConflict()) return;
     Parts parts;
-    const unsigned short* const line = scanner.Line().data();
+    const Units units = scanner.Line();
+    const unsigned short* const line = units.data();
     parts.opening = Dictionary::FindQuoteMark(line);
     if (parts.opening != nullptr) parts.closing = Dictionary::FindQuoteMark(parts.opening + 1);
-    Annotate(parts);
+    Definition entry;
+    if (parts.opening != nullptr) TakeAnnotations({line, parts.opening}, entry);
+    if (parts.closing != nullptr) TakeAnnotations({parts.closing + 1, line + units.size()}, entry);
 
     const unsigned short* key = nullptr;
     const unsigned short* value = nullptr;
     unsigned long keyLength = 0;
     unsigned long valueLength = 0;
     if (!Dictionary::ParseEntry(line, key, keyLength, value, valueLength)) {
-        const unsigned short* const entry = parts.opening != nullptr ? parts.opening + 1 : line;
-        malformedKeys.push_back({file.name, scanner.LineNumber(), scanner.Column(entry)});
+        Add(Rule::kDollarKey, {parts.opening != nullptr ? parts.opening + 1 : line, 1},
+            "the key begins with \"$\" but not with \"$$$\": the dictionary becomes invalid and "
+            "the application shows all of its keys raw");
         return;
     }
     parts.key = {key, keyLength};
@@ -61,76 +98,121 @@ void LineCheck::Check() {
     CheckMarks(parts);
     CheckKey(parts);
     if (parts.opening != nullptr) CheckEquals(parts);
-    Define(parts, CheckValue(parts));
+    if (entry.untranslated) {
+        Add(Rule::kUntranslated, parts.value, "marked as untranslated", Narrow(parts.key));
+    } else if (entry.stale) {
+        Add(Rule::kStale, parts.value, "marked as stale: the reference's text has changed",
+            Narrow(parts.key));
+    }
+    entry.value = CheckValue(parts);
+    Define(parts, std::move(entry));
 }
 
-// Does what the comments on the line say.
-void LineCheck::Annotate(Parts& parts) {
-    if (parts.opening == nullptr) return;
-    const unsigned short* const begin = scanner.Line().data();
-    const Units outside[] = {{begin, parts.opening},
-                             parts.closing == nullptr
-                                 ? Units()
-                                 : Units(parts.closing + 1, begin + scanner.Line().size())};
+// Whether the line belongs to a conflict's marks. A conflict is one finding, at its first line; the
+// keys that both of its sides have are none.
+bool LineCheck::IsOfConflict() {
+    constexpr std::size_t kLength = 7;
+    Units line = scanner.Line();
+    if (scanner.LineNumber() == 1 && line.front() == 0xFEFF) line = line.subspan(1);
+    if (line.size() < kLength) return false;
+    const unsigned short sign = line.front();
+    const bool isMark = (sign == '<' || sign == '=' || sign == '>' || sign == '|') &&
+                        std::ranges::count(line.first(kLength), sign) == kLength &&
+                        (line.size() == kLength || (sign != '=' && IsBlank(line[kLength])));
+    if (!isMark) return false;
+    if (sign == '<' || conflict == Conflict::kNone) {
+        Add(Rule::kConflictMarker, line,
+            "a mark of a conflict, which becomes an entry; choose one of the sides");
+    }
+    conflict = sign == '<'                                  ? Conflict::kFirstSide
+               : sign == '>' || conflict == Conflict::kNone ? Conflict::kNone
+                                                            : Conflict::kOtherSide;
+    return true;
+}
+
+void LineCheck::TakeAnnotations(Units comment, Definition& entry) {
+    if (comment.empty()) return;
+    const std::string text = Utf8(comment);
+    const Annotations annotations = ParseAnnotations(text);
     Findings::Rules rules;
-    for (const Units part : outside) {
-        if (part.empty()) continue;
-        const Annotations annotations = ParseAnnotations(Utf8(part));
-        parts.isMessage |= annotations.message;
-        for (const Annotations::Rule& named : annotations.ignored) {
-            if (const auto rule = FindRule(named.name)) {
-                rules.set(static_cast<std::size_t>(*rule));
-            } else {
-                Add(Rule::kUnknownRule, part.data(), "there is no rule \"" + named.name + '"');
-            }
+    for (const Annotations::Rule& ignored : annotations.ignored) {
+        if (const auto rule = FindRule(ignored.name)) {
+            rules.set(static_cast<std::size_t>(*rule));
+            continue;
         }
+        const Units before = UnitsOf(FromUtf8(std::string_view(text).substr(0, ignored.offset)));
+        Add(Rule::kUnknownRule, comment.subspan(before.size(), ignored.name.size()),
+            "there is no rule \"" + ignored.name + '"' + DidYouMean(ignored.name, RuleNames()));
     }
     if (rules.any()) findings.Ignore(scanner.LineNumber(), rules);
+    entry.untranslated |= annotations.untranslated;
+    entry.stale |= annotations.stale;
+    entry.isMessage |= annotations.message;
+    if (!annotations.from.empty()) entry.from = annotations.from;
 }
 
 void LineCheck::CheckMarks(const Parts& parts) {
+    const Units line = scanner.Line();
     if (parts.opening == nullptr) {
-        Add(Rule::kUnquotedLine, scanner.Line().data(),
+        Add(Rule::kUnquotedLine, line,
             "no quotation marks: the line becomes an entry with the key " +
                 ShowKey(Narrow(parts.key)));
         return;
     }
-    if (parts.closing != nullptr) return;
+    if (parts.closing != nullptr) return CheckOutside(parts);
     // The last mark of the line is an escaped one: was it meant to close?
-    const Units line = scanner.Line();
     const auto last = std::find_if_not(line.rbegin(), line.rend(), IsBlank);
     if (last != line.rend() && *last == u'"' && &*last > parts.opening) {
-        Add(Rule::kTrailingBackslash, &*last - 1,
+        Add(Rule::kTrailingBackslash, {&*last - 1, 2},
             "the backslash escapes the closing quotation mark, which becomes part of the value");
     } else {
-        Add(Rule::kUnclosedQuote, parts.opening,
+        Add(Rule::kUnclosedQuote, {parts.opening, 1},
             "the quotation mark is not closed: the entry runs to the end of the line");
+    }
+}
+
+// What stands outside of the quotation marks of a closed entry.
+void LineCheck::CheckOutside(const Parts& parts) {
+    const Units line = scanner.Line();
+    const Units before = WithoutBlanks({line.data(), parts.opening});
+    if (BeginsComment(before)) {
+        Add(Rule::kCommentedEntry, before,
+            ShowRaw(before) + " does not switch the entry off: the loader reads it");
+    }
+    const Units after = WithoutBlanks({parts.closing + 1, line.data() + line.size()});
+    if (after.empty() || BeginsComment(after)) return;
+    const bool isCut = after.data() == parts.closing + 1 && IsWordPart(after.front());
+    if (isCut || std::ranges::find(after, u'"') != after.end()) {
+        Add(Rule::kTextAfterMark, after,
+            ShowRaw(after) +
+                " after the closing quotation mark is lost; a quotation mark inside "
+                "a text is written \\\", and each entry has a line of its own");
     }
 }
 
 void LineCheck::CheckKey(const Parts& parts) {
     const Units key = parts.key;
     if (key.empty()) {
-        Add(Rule::kEmptyKey, key.data(), "an entry without a key");
+        Add(Rule::kEmptyKey, key, "an entry without a key");
         return;
     }
     const auto wide = std::ranges::find_if(key, [](unsigned short unit) { return unit > 0x00FF; });
     if (wide != key.end()) {
         const auto low = static_cast<char>(static_cast<unsigned char>(*wide));
-        Add(Rule::kWideKey, &*wide,
+        Add(Rule::kWideKey, {&*wide, 1},
             CodePoint(*wide) + " in a key: its low byte is kept, " + ShowKey({&low, 1}));
     }
     static constexpr unsigned short kPrefix[] = {'$', '$', '$'};
     const auto prefix = std::search(key.begin(), key.end(), std::begin(kPrefix), std::end(kPrefix));
     if (prefix != key.end()) {
-        Add(Rule::kInnerPrefix, &*prefix,
+        Add(Rule::kInnerPrefix, {&*prefix, std::size(kPrefix)},
             "\"$$$\" does not begin the key and becomes part of it: " + ShowKey(Narrow(key)));
     }
     const std::string size = "a key of " + Counted(key.size(), "byte");
     if (key.size() > kMostBytes) {
-        Add(Rule::kKeyLength, key.data(), size + ": binary files have room for 65,535");
+        Add(Rule::kKeyLength, key, size + ": binary files have room for 65,535");
     } else if (key.size() > kMergeableKeyBytes) {
-        Add(Rule::kLongKey, key.data(), size + ": a merge of binary files does not find it");
+        Add(Rule::kLongKey, key, size + ": a merge of binary files does not find it");
     }
 }
 
@@ -138,68 +220,72 @@ void LineCheck::CheckEquals(const Parts& parts) {
     if (parts.key.empty()) return;
     const unsigned short* const keyEnd = parts.key.data() + parts.key.size();
     if (!parts.hasEquals) {
-        Add(Rule::kNoEquals, keyEnd, "no \"=\": the value is empty");
+        Add(Rule::kNoEquals, {keyEnd, std::size_t{0}}, "no \"=\": the value is empty");
         return;
     }
     if (IsBlank(parts.key.back())) {
-        Add(Rule::kBlankAtEquals, keyEnd - 1, "the blank before \"=\" is part of the key");
+        Add(Rule::kBlankAtEquals, {keyEnd - 1, 1}, "the blank before \"=\" is part of the key");
     }
     if (!parts.value.empty() && IsBlank(parts.value.front())) {
-        Add(Rule::kBlankAtEquals, parts.value.data(),
-            "the blank behind \"=\" is part of the value");
+        Add(Rule::kBlankAtEquals, parts.value.first(1),
+            "the blank after \"=\" is part of the value");
     }
 }
 
 Text LineCheck::CheckValue(const Parts& parts) {
     const Units written = parts.value;
-    Text value = CheckEscapes(written, [&](Rule rule, std::size_t position, std::string text) {
-        Add(rule, written.data() + position, std::move(text));
-    });
+    const EscapeSink add = [&](Rule rule, std::size_t position, std::size_t length,
+                               std::string text) {
+        Add(rule, written.subspan(position, length), std::move(text));
+    };
+    Text value = CheckEscapes(written, add);
     const Units units = UnitsOf(value);
     if (2 * units.size() > kMostBytes) {
-        Add(Rule::kValueLength, written.data(),
+        Add(Rule::kValueLength, written,
             "a value of " + Counted(2 * units.size(), "byte") +
                 ": binary files have room for 65,535");
     }
     if (const std::size_t at = FindUnpairedSurrogate(units); at != units.size()) {
         const std::size_t raw = FindUnpairedSurrogate(written);
-        Add(Rule::kLoneSurrogate, written.data() + (raw == written.size() ? 0 : raw),
+        Add(Rule::kLoneSurrogate, written.subspan(raw == written.size() ? 0 : raw, 1),
             CodePoint(units[at]) + " is half of a surrogate pair");
     }
+    CheckCharacters(written, units, add);
     return value;
 }
 
-void LineCheck::Define(const Parts& parts, Text value) {
+void LineCheck::Define(const Parts& parts, Definition entry) {
+    const Units line = scanner.Line();
+    entry.line = scanner.LineNumber();
+    entry.lineBegin = file.units.size();
+    file.units.insert(file.units.end(), line.begin(), line.end());
+    const auto partOf = [&](Units units) {
+        const auto begin = entry.lineBegin + static_cast<std::size_t>(units.data() - line.data());
+        return Part{begin, begin + units.size()};
+    };
+    entry.key = partOf(parts.key);
+    entry.written = partOf(parts.value);
+    entry.firstKey = entry.key;
+    entry.firstLine = entry.line;
+    entry.firstLineBegin = entry.lineBegin;
     const std::string key = Narrow(parts.key);
-    const Place place{file.name, scanner.LineNumber(), scanner.Column(parts.key.data())};
-    const First written{{parts.key.begin(), parts.key.end()}, place};
-    const auto [entry, isNew] = firsts.try_emplace(key, written);
+    const auto [place, isNew] = file.entries.try_emplace(key);
     if (!isNew) {
-        const First& first = entry->second;
-        const bool same = first.key == written.key;
-        findings.Add(same ? Rule::kDuplicateKey : Rule::kKeyCollision, place,
-                     "the key " + ShowKey(key) +
-                         (same ? " is defined first at " : " is the same bytes as the one at ") +
-                         Show(first.place) + "; this text replaces that one");
+        const Definition& before = place->second;
+        entry.firstKey = before.firstKey;
+        entry.firstLine = before.firstLine;
+        entry.firstLineBegin = before.firstLineBegin;
+        const bool same = std::ranges::equal(file.UnitsOf(before.firstKey), parts.key);
+        if (conflict != Conflict::kOtherSide) {
+            Add(same ? Rule::kDuplicateKey : Rule::kKeyCollision, parts.key,
+                "the key " + ShowKey(key) +
+                    (same ? " is defined first at " : " is the same bytes as the one at ") +
+                    Show(file.PlaceOf(before.firstLine, before.firstLineBegin, before.firstKey)) +
+                    "; this text replaces that one",
+                key);
+        }
     }
-    Definition definition{place, std::move(value)};
-    definition.isMessage = parts.isMessage;
-    // Only a message pattern has places inside its value, and none is one without a brace.
-    if (std::ranges::find(parts.value, u'{') != parts.value.end() &&
-        !std::ranges::equal(UnitsOf(definition.value), parts.value)) {
-        definition.written.assign(parts.value.begin(), parts.value.end());
-    }
-    definition.valueColumn = scanner.Column(parts.value.data());
-    file.entries.insert_or_assign(key, std::move(definition));
-}
-
-void LineCheck::Finish() {
-    for (const Place& place : malformedKeys) {
-        findings.Add(Rule::kDollarKey, place,
-                     "the key begins with \"$\" but not with \"$$$\": the dictionary becomes "
-                     "invalid and the application shows all of its keys raw, the " +
-                         Counted(file.entries.size(), "good key") + " of this file included");
-    }
+    place->second = std::move(entry);
 }
 
 }  // namespace tool

@@ -1,6 +1,5 @@
 #pragma once
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "tools/base/TextScanner.h"
@@ -17,8 +16,6 @@ public:
 
     // The line that the scanner stands at.
     void Check();
-    // Tells what the malformed keys of the file cost; to be called when all lines were checked.
-    void Finish();
 
 private:
     // Where the parts of a line are, as the loader takes it apart. Null or empty where there is
@@ -29,27 +26,24 @@ private:
         Units key;
         Units value;
         bool hasEquals = false;
-        bool isMessage = false;
     };
+    enum class Conflict { kNone, kFirstSide, kOtherSide };
 
-    void Add(Rule rule, const unsigned short* position, std::string text);
-    void Annotate(Parts& parts);
+    void Add(Rule rule, Units where, std::string text,
+             std::optional<std::string> key = std::nullopt);
+    bool IsOfConflict();
+    void TakeAnnotations(Units comment, Definition& entry);
     void CheckMarks(const Parts& parts);
+    void CheckOutside(const Parts& parts);
     void CheckKey(const Parts& parts);
     void CheckEquals(const Parts& parts);
     Text CheckValue(const Parts& parts);
-    void Define(const Parts& parts, Text value);
+    void Define(const Parts& parts, Definition entry);
 
     const TextScanner& scanner;
     CheckedFile& file;
     Findings& findings;
-    std::vector<Place> malformedKeys;
-    // How and where each key stood first.
-    struct First {
-        std::vector<unsigned short> key;
-        Place place;
-    };
-    std::unordered_map<std::string, First> firsts;
+    Conflict conflict = Conflict::kNone;
 };
 
 }  // namespace tool

@@ -2,9 +2,8 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <map>
 #include <set>
-
-#include "wordlex/functionality/DictionaryEntry.h"
 
 namespace tool {
 
@@ -13,7 +12,6 @@ namespace {
 using lexon::detail::MessageFault;
 using lexon::detail::MessagePlace;
 using lexon::detail::MessageShape;
-using lexon_private::DictionaryEntry;
 
 std::u16string_view PatternOf(const Text& value) {
     const Units units = UnitsOf(value);
@@ -26,38 +24,6 @@ std::string Utf8(std::u16string_view text) {
 }
 
 std::string Braced(std::u16string_view name) { return '{' + Utf8(name) + '}'; }
-
-// Where the unit of a converted value is written. Only the conversion knows, so this one converts
-// ever more of the value: the last beginning of it that ends at the unit is the place.
-std::size_t WrittenPosition(Units written, std::size_t position) {
-    constexpr std::size_t kMostUnits = 4096;  // the search takes the square of them
-    if (written.size() > kMostUnits) return 0;
-    const auto converted = [written](std::size_t length) {
-        return DictionaryEntry::ConvertEscapeSequences(written.data(), length).GetLength();
-    };
-    std::size_t end = converted(written.size());
-    if (end <= position) return written.size();
-    for (std::size_t at = written.size(); at > 0; --at) {
-        const std::size_t begin = converted(at - 1);
-        if (begin <= position && position < end) return at - 1;
-        end = begin;
-    }
-    return 0;
-}
-
-// The place of a unit of the value; in binary files that of the entry.
-Place PlaceOf(const Definition& entry, std::size_t position) {
-    Place place = entry.place;
-    if (place.line == 0) return place;
-    const bool isConverted = !entry.written.empty();
-    const Units written = isConverted ? Units(entry.written) : UnitsOf(entry.value);
-    const std::size_t end = isConverted ? WrittenPosition(written, position) : position;
-    place.column = entry.valueColumn;
-    for (std::size_t i = 0; i < end; ++i) {
-        if (!IsSecondHalf(written, i)) ++place.column;
-    }
-    return place;
-}
 
 // What an argument has to be for a place to show it.
 enum class Need { kAnything, kNumber, kDate, kText };
@@ -112,21 +78,19 @@ std::optional<MessageShape> MessageCheck::Check(const std::string& key, const De
     MessageShape shape = lexon::detail::ParseMessage(PatternOf(entry.value));
     if (shape.fault) {
         const bool noOther = shape.fault->kind == MessageFault::Kind::kNoOther;
-        add(noOther ? Rule::kMessageDefault : Rule::kMessageSyntax,
-            PlaceOf(entry, shape.fault->position),
+        add(noOther ? Rule::kMessageDefault : Rule::kMessageSyntax, shape.fault->position,
             "the message of " + ShowKey(key) + " has " + shape.fault->reason);
         return std::nullopt;
     }
     for (const MessagePlace& place : shape.places) {
-        if (place.type == u"plural") CheckForms(key, entry, place, cardinals, add);
-        if (place.type == u"selectordinal") CheckForms(key, entry, place, ordinals, add);
+        if (place.type == u"plural") CheckForms(key, place, cardinals, add);
+        if (place.type == u"selectordinal") CheckForms(key, place, ordinals, add);
     }
     return shape;
 }
 
-void MessageCheck::CheckForms(const std::string& key, const Definition& entry,
-                              const MessagePlace& place, const Categories& categories,
-                              const Add& add) const {
+void MessageCheck::CheckForms(const std::string& key, const MessagePlace& place,
+                              const Categories& categories, const Add& add) const {
     if (categories.empty()) return;
     std::string argument = Braced(place.name);
     argument += " of " + ShowKey(key);
@@ -139,7 +103,7 @@ void MessageCheck::CheckForms(const std::string& key, const Definition& entry,
         if (has(category.name) || (category.only && has('=' + std::to_string(*category.only)))) {
             continue;
         }
-        add(Rule::kMessageCategory, PlaceOf(entry, place.position),
+        add(Rule::kMessageCategory, place.position,
             argument + " has no form \"" + category.name + "\", which " + language + " needs");
     }
     for (const std::u16string& written : place.selectors) {
@@ -149,20 +113,19 @@ void MessageCheck::CheckForms(const std::string& key, const Definition& entry,
                 categories.end()) {
             continue;
         }
-        add(Rule::kMessageUnusedForm, PlaceOf(entry, place.position),
+        add(Rule::kMessageUnusedForm, place.position,
             argument + " has a form \"" + selector + "\", which " + language + " does not have");
     }
 }
 
-void MessageCheck::Compare(const std::string& key, const Definition& entry,
-                           const MessageShape& shape, const MessageShape& reference,
-                           const Add& add) const {
+void MessageCheck::Compare(const std::string& key, const MessageShape& shape,
+                           const MessageShape& reference, const Add& add) const {
     const Needs here = NeedsOf(shape);
     const Needs there = NeedsOf(reference);
     const std::string text = "the message of " + ShowKey(key);
     for (const auto& [name, needs] : there) {
         if (!here.contains(name)) {
-            add(Rule::kMissingArgument, PlaceOf(entry, 0),
+            add(Rule::kMissingArgument, 0,
                 text + " does not have the reference's argument " + Braced(name));
         }
     }
@@ -172,12 +135,12 @@ void MessageCheck::Compare(const std::string& key, const Definition& entry,
         const Need need = NeedOf(place);
         if (known == there.end()) {
             if (told.insert(place.name).second) {
-                add(Rule::kExtraArgument, PlaceOf(entry, place.position),
+                add(Rule::kExtraArgument, place.position,
                     text + " has the argument " + Braced(place.name) +
                         ", which the reference does not have");
             }
         } else if (need != Need::kAnything && !known->second.contains(need)) {
-            add(Rule::kArgumentType, PlaceOf(entry, place.position),
+            add(Rule::kArgumentType, place.position,
                 text + " needs " + Name(need) + " for " + Braced(place.name) + ", the reference " +
                     Name(*known->second.rbegin()));
         }
@@ -185,11 +148,13 @@ void MessageCheck::Compare(const std::string& key, const Definition& entry,
 }
 
 void CheckMessages(const CheckedFile& file, Findings& findings) {
+    const auto isMessage = [](const auto& entry) { return entry.second.isMessage; };
+    if (std::ranges::none_of(file.entries, isMessage)) return;
     const MessageCheck messages(file);
     for (const auto& [key, entry] : file.entries) {
         if (!entry.isMessage) continue;
-        messages.Check(key, entry, [&findings](Rule rule, Place place, std::string text) {
-            findings.Add(rule, std::move(place), std::move(text));
+        messages.Check(key, entry, [&](Rule rule, std::size_t at, std::string text) {
+            findings.Add(rule, PlaceInValue(file, entry, at, at + 1), std::move(text), key);
         });
     }
 }

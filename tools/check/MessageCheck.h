@@ -19,22 +19,20 @@ public:
     // The file outlives the check.
     explicit MessageCheck(const CheckedFile& checkedFile);
 
-    // Takes what is wrong: its rule, its place and a text.
-    using Add = std::function<void(Rule, Place, std::string)>;
+    // Takes what is wrong: its rule, the unit of the value and a text.
+    using Add = std::function<void(Rule, std::size_t, std::string)>;
     // Checks one entry by itself. Nothing where the pattern cannot be parsed.
     std::optional<lexon::detail::MessageShape> Check(const std::string& key,
                                                      const Definition& entry, const Add& add) const;
     // Checks what an entry has places for against its reference's.
-    void Compare(const std::string& key, const Definition& entry,
-                 const lexon::detail::MessageShape& shape,
+    void Compare(const std::string& key, const lexon::detail::MessageShape& shape,
                  const lexon::detail::MessageShape& reference, const Add& add) const;
 
 private:
     using Categories = std::vector<lexon::detail::PluralCategory>;
 
-    void CheckForms(const std::string& key, const Definition& entry,
-                    const lexon::detail::MessagePlace& place, const Categories& categories,
-                    const Add& add) const;
+    void CheckForms(const std::string& key, const lexon::detail::MessagePlace& place,
+                    const Categories& categories, const Add& add) const;
 
     std::string language;
     Categories cardinals;

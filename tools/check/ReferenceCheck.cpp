@@ -2,151 +2,282 @@
 #include <functional>
 #include <map>
 #include <set>
+#include <string_view>
+#include <unordered_set>
 
+#include "tools/base/Annotations.h"
+#include "tools/base/Suggest.h"
+#include "tools/check/Accelerators.h"
 #include "tools/check/CheckedFile.h"
 #include "tools/check/MessageCheck.h"
+#include "tools/check/Placeholders.h"
+#include "tools/check/Punctuation.h"
 
 namespace tool {
 
 namespace {
 
-std::set<std::string> Markers(const Text& text) {
-    std::set<std::string> markers;
-    for (unsigned char n = 0; n <= 9; ++n) {
-        if (text.WillReplace(n)) markers.insert("^" + std::to_string(n));
-    }
-    return markers;
-}
+// An entry and the one that it translates.
+class Comparison {
+public:
+    Comparison(const CheckedFile& checkedFile, const CheckedFile& referenceFile,
+               const MessageCheck& messagesOfFile, const Findings& ofReference,
+               Findings& findingsOfFile, const std::string& keyOfBoth, const Definition& entry,
+               const Definition& entryOfReference)
+        : file(checkedFile),
+          referenceOf(referenceFile),
+          messages(messagesOfFile),
+          ignored(ofReference),
+          findings(findingsOfFile),
+          key(keyOfBoth),
+          here(entry),
+          there(entryOfReference),
+          text(UnitsOf(entry.value)),
+          original(UnitsOf(entryOfReference.value)) {}
 
-// The names of the parameter tags: of all that stands in quotation marks, what the string class
-// finds as one.
-std::set<std::string> Parameters(const Text& text) {
-    std::set<std::string> tried;
-    std::set<std::string> names;
-    const Units units = UnitsOf(text);
-    auto opening = std::ranges::find(units, u'"');
-    while (opening != units.end()) {
-        const auto closing = std::find(opening + 1, units.end(), u'"');
-        if (closing == units.end()) break;
-        const std::string name = Utf8(Units(opening + 1, closing));
-        Text copy = text;
-        if (tried.insert(name).second && SubstituteParameter(copy, name, {})) {
-            names.insert(name);
+    void Run() {
+        if (here.untranslated || IsWithoutEquals()) return;
+        CheckDigest();
+        if (text.empty()) {
+            if (!original.empty()) {
+                Add(Rule::kEmptyText, "the text of " + ShowKey(key) +
+                                          " is empty, the reference's is " + Show(original));
+            }
+            return;
         }
-        opening = closing;
+        if (there.isMessage) CompareMessages();
+        if (here.value == there.value) {
+            Add(Rule::kSameAsReference, "the text of " + ShowKey(key) + " equals the reference's");
+            return;
+        }
+        ComparePlaceholders();
+        CompareAccelerators();
+        CompareSections();
+        CompareBlanks();
+        CompareEnds();
     }
-    return names;
-}
 
-using Names = std::set<std::string> (*)(const Text&);
+private:
+    void Add(Rule rule, Place place, std::string what) {
+        if (ignored.Ignores(there.line, rule)) return;
+        findings.Add(rule, std::move(place), std::move(what), key);
+    }
+    void Add(Rule rule, std::string what) {
+        Add(rule, file.PlaceOf(here, here.written), std::move(what));
+    }
+    void Add(Rule rule, const Placeholder& at, std::string what) {
+        Add(rule, PlaceInValue(file, here, at.begin, at.end), std::move(what));
+    }
 
-struct PlaceholderKind {
-    Names names;
-    Rule missing;
-    Rule extra;
-    const char* what;
-};
-constexpr PlaceholderKind kPlaceholderKinds[] = {
-    {Markers, Rule::kMissingMarker, Rule::kExtraMarker, "marker "},
-    {Parameters, Rule::kMissingParameter, Rule::kExtraParameter, "parameter tag "},
-};
+    // Which has a finding of its own.
+    bool IsWithoutEquals() const { return here.line != 0 && here.written.begin == here.key.end; }
 
-using Add = std::function<void(Rule, std::string text)>;
+    void CheckDigest() {
+        if (here.stale || here.from.empty() || there.line == 0) return;
+        if (ReferenceDigest(referenceOf.UnitsOf(there.written)) == here.from) return;
+        Add(Rule::kStale,
+            "the text of " + ShowKey(key) + " translates one that the reference has changed since");
+    }
 
-void ComparePlaceholders(const std::string& key, const Text& text, const Text& reference,
-                         const Add& add) {
-    for (const PlaceholderKind& kind : kPlaceholderKinds) {
-        const auto here = kind.names(text);
-        const auto there = kind.names(reference);
-        const auto tell = [&](Rule rule, const std::string& name, const char* how) {
-            add(rule,
-                "the text of " + ShowKey(key) + how + kind.what + ShowRaw(UnitsOf(FromUtf8(name))));
+    // The comment on the reference's line counts for its translations.
+    void CompareMessages() {
+        const MessageCheck::Add drop = [](Rule, std::size_t, const std::string&) {};
+        const MessageCheck::Add add = [&](Rule rule, std::size_t at, std::string what) {
+            Add(rule, Placeholder{"", at, at + 1}, std::move(what));
         };
-        for (const std::string& name : there) {
-            if (!here.contains(name)) tell(kind.missing, name, " lacks the reference's ");
+        // An entry whose own line has the comment was checked by itself.
+        const auto own = messages.Check(key, here, here.isMessage ? drop : add);
+        const auto wanted = messages.Check(key, there, drop);
+        if (own && wanted) messages.Compare(key, *own, *wanted, add);
+    }
+
+    void ComparePlaceholders() {
+        std::vector<Placeholder> foreign;
+        if (!here.isMessage && !there.isMessage) {
+            foreign = ForeignPlaceholders(text);
+            for (const Placeholder& meant : ForeignPlaceholders(original)) {
+                const auto same = std::ranges::find(foreign, meant.name, &Placeholder::name);
+                if (same != foreign.end()) foreign.erase(same);
+            }
         }
-        for (const std::string& name : here) {
-            if (!there.contains(name)) tell(kind.extra, name, " has, unlike the reference, the ");
+        CompareNames(Markers(text), Markers(original), foreign,
+                     {Rule::kMissingMarker, Rule::kExtraMarker, "marker "});
+        CompareNames(Parameters(here.value), Parameters(there.value), foreign,
+                     {Rule::kMissingParameter, Rule::kExtraParameter, "parameter tag "});
+        for (const Placeholder& other : foreign) {
+            Add(Rule::kForeignPlaceholder, other,
+                ShowRaw(UnitsOf(FromUtf8(other.name))) +
+                    " is not replaced by the application, which shows it as it is");
         }
     }
-}
 
-// The comment on the reference's line counts for its translations.
-void CheckTranslatedMessage(const std::string& key, const Definition& entry,
-                            const Definition& reference, const MessageCheck& messages,
-                            const MessageCheck::Add& add) {
-    const MessageCheck::Add drop = [](Rule, const Place&, const std::string&) {};
-    // An entry whose own line has the comment was checked by itself.
-    const auto here = messages.Check(key, entry, entry.isMessage ? drop : add);
-    const auto there = messages.Check(key, reference, drop);
-    if (here && there) messages.Compare(key, entry, *here, *there, add);
-}
+    struct Kind {
+        Rule missing;
+        Rule extra;
+        const char* what;
+    };
+    // One that stands in place of a missing one, be it of another system, is one finding with it.
+    void CompareNames(const std::vector<Placeholder>& names,
+                      const std::vector<Placeholder>& originals, std::vector<Placeholder>& foreign,
+                      const Kind& kind) {
+        const auto shown = [](const Placeholder& one) {
+            return ShowRaw(UnitsOf(FromUtf8(one.name)));
+        };
+        std::map<std::string, std::size_t> left;
+        for (const Placeholder& one : originals)
+            ++left[one.name];
+        std::vector<Placeholder> extra;
+        std::set<std::string> found;
+        for (const Placeholder& one : names) {
+            const auto wanted = left.find(one.name);
+            if (wanted == left.end()) {
+                extra.push_back(one);
+            } else if (wanted->second == 0) {
+                Add(Rule::kRepeatedMarker, one,
+                    std::string("the ") + kind.what + shown(one) +
+                        " stands more often than in the reference");
+            } else {
+                --wanted->second;
+            }
+            found.insert(one.name);
+        }
+        for (const Placeholder& one : originals) {
+            if (!found.insert(one.name).second) continue;
+            const std::string what =
+                "the text of " + ShowKey(key) + " lacks the reference's " + kind.what + shown(one);
+            std::vector<Placeholder>& others = extra.empty() ? foreign : extra;
+            if (others.empty()) {
+                Add(kind.missing, what);
+                continue;
+            }
+            Add(kind.missing, others.front(),
+                what + "; " + shown(others.front()) + " stands in its place");
+            others.erase(others.begin());
+        }
+        for (const Placeholder& one : extra) {
+            Add(kind.extra, one,
+                "the text of " + ShowKey(key) + " has, unlike the reference, the " + kind.what +
+                    shown(one));
+        }
+    }
 
-// Upper and lower case of Latin, Greek and Cyrillic letters mark the same key.
-unsigned short FoldCase(unsigned short unit) {
-    const bool oneBlock = (unit >= 'A' && unit <= 'Z') ||
-                          (unit >= 0x00C0 && unit <= 0x00DE && unit != 0x00D7) ||
-                          (unit >= 0x0391 && unit <= 0x03A9) || (unit >= 0x0410 && unit <= 0x042F);
-    return oneBlock ? unit + 0x20 : unit;
+    void CompareAccelerators() {
+        const Ampersands found = FindAmpersands(text);
+        const Ampersands wanted = FindAmpersands(original);
+        if (found.marks.empty() && !wanted.marks.empty() && !found.trailing) {
+            Add(Rule::kMissingAccelerator, "no accelerator; the reference marks " +
+                                               ShowRaw(original.subspan(wanted.marks[0], 2)));
+        } else if (!found.marks.empty() && wanted.marks.empty()) {
+            Add(Rule::kExtraAccelerator, Placeholder{"", found.marks[0], found.marks[0] + 2},
+                "an accelerator, which the reference does not have; to show \"&\", double it");
+        }
+        if (found.end == text.size() && wanted.end != original.size()) {
+            Add(Rule::kMissingShortcut,
+                "no key combination; the reference has " + Show(original.subspan(wanted.end)));
+        }
+    }
+
+    void CompareSections() {
+        if (here.line == 0 || there.line == 0) return;
+        const std::string written = Utf8(file.UnitsOf(here.written));
+        const std::string wanted = Utf8(referenceOf.UnitsOf(there.written));
+        for (const char* const platform : {"macos", "mswindows", "ios", "android"}) {
+            const std::string begin = std::string("#{") + platform + '}';
+            if (wanted.find(begin) == wanted.npos || written.find(begin) != written.npos) continue;
+            Add(Rule::kMissingSection, "no section " + begin + ", which the reference has");
+        }
+    }
+
+    void CompareBlanks() {
+        const OuterBlanks found = BlanksAround(text.first(FindAmpersands(text).end));
+        const OuterBlanks wanted = BlanksAround(original.first(FindAmpersands(original).end));
+        // A blank after "=" has a finding of its own.
+        const bool told =
+            here.written.begin != here.written.end && file.units[here.written.begin] == ' ';
+        if ((found.before != wanted.before && !told) ||
+            (found.after != wanted.after && !found.wideEnd)) {
+            Add(Rule::kOuterBlanks,
+                std::to_string(found.before) + " blanks before and " + std::to_string(found.after) +
+                    " after the text; the reference has " + std::to_string(wanted.before) +
+                    " and " + std::to_string(wanted.after));
+        }
+        const std::size_t breaks = LineBreaks(text);
+        const std::size_t wantedBreaks = LineBreaks(original);
+        if (breaks != wantedBreaks) {
+            Add(Rule::kLineBreaks, std::to_string(breaks) + " line breaks; the reference has " +
+                                       std::to_string(wantedBreaks));
+        }
+    }
+
+    void CompareEnds() {
+        const FinalMark found = FinalPunctuation(text.first(FindAmpersands(text).end));
+        const FinalMark wanted = FinalPunctuation(original.first(FindAmpersands(original).end));
+        if (found.kind == wanted.kind || (found.mayLackStop && wanted.kind == "a full stop"))
+            return;
+        const std::size_t at = std::min(found.at, text.size() - 1);
+        Add(Rule::kFinalPunctuation, Placeholder{"", at, at + 1},
+            "the text ends in " + std::string(found.kind) + ", the reference's in " +
+                std::string(wanted.kind));
+    }
+
+    const CheckedFile& file;
+    const CheckedFile& referenceOf;
+    const MessageCheck& messages;
+    const Findings& ignored;
+    Findings& findings;
+    const std::string& key;
+    const Definition& here;
+    const Definition& there;
+    Units text;
+    Units original;
+};
+
+// Whether two keys are members of a row of keys: "Text1" is not "Text2" misspelt.
+bool DifferInDigits(std::string_view a, std::string_view b) {
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    return std::ranges::equal(a, b,
+                              [&](char x, char y) { return x == y || (isDigit(x) && isDigit(y)); });
 }
 
 }  // namespace
 
-void CheckAccelerators(const CheckedFile& file, Findings& findings) {
-    // Entries beside each other differ behind the last "/" alone.
-    std::map<std::pair<std::string, unsigned short>, const std::string*> marked;
-    std::vector<const std::pair<const std::string, Definition>*> inOrder;
-    for (const auto& entry : file.entries)
-        inOrder.push_back(&entry);
-    std::ranges::stable_sort(inOrder, {},
-                             [](const auto* entry) { return entry->second.place.line; });
-    for (const auto* item : inOrder) {
-        const auto& [key, entry] = *item;
-        const unsigned short accelerator = FoldCase(entry.value.GetAccelerator());
-        const std::size_t slash = key.rfind('/');
-        if (accelerator == 0 || slash == std::string::npos) continue;
-        const auto [first, isNew] = marked.try_emplace({key.substr(0, slash), accelerator}, &key);
-        if (isNew) continue;
-        findings.Add(Rule::kSameAccelerator, entry.place,
-                     "the accelerator " + ShowRaw(Units(&accelerator, 1)) + " of " + ShowKey(key) +
-                         " is that of " + ShowKey(*first->second) + " too");
-    }
-}
-
 void CheckAgainst(const CheckedFile& file, const CheckedFile& reference,
                   const Findings& ofReference, Findings& findings) {
+    std::vector<const CheckedFile::Entries::value_type*> missing;
+    std::vector<std::string> missingKeys;
     const MessageCheck messages(file);
-    for (const auto& entry : reference.entries) {
-        const std::string& key = entry.first;
-        const Definition& there = entry.second;
-        const auto here = file.entries.find(key);
-        const bool missing = here == file.entries.end();
-        const Add add = [&](Rule rule, std::string text) {
-            if (ofReference.Ignores(there.place.line, rule)) return;
-            findings.Add(rule, missing ? Place{file.name} : here->second.place, std::move(text));
-        };
-        if (missing) {
-            add(Rule::kMissingKey, "the key " + ShowKey(key) + " of the reference (" +
-                                       Show(there.place) + ") is missing");
-            continue;
-        }
-        const Text& text = here->second.value;
-        ComparePlaceholders(key, text, there.value, add);
-        if (there.isMessage) {
-            CheckTranslatedMessage(key, here->second, there, messages,
-                                   [&](Rule rule, Place place, std::string what) {
-                                       if (ofReference.Ignores(there.place.line, rule)) return;
-                                       findings.Add(rule, std::move(place), std::move(what));
-                                   });
-        }
-        if (text == there.value && !text.IsEmpty()) {
-            add(Rule::kSameAsReference, "the text of " + ShowKey(key) + " equals the reference's");
+    for (const auto* item : reference.InOrder()) {
+        const auto here = file.entries.find(item->first);
+        if (here != file.entries.end()) {
+            Comparison(file, reference, messages, ofReference, findings, item->first, here->second,
+                       item->second)
+                .Run();
+        } else if (!ofReference.Ignores(item->second.line, Rule::kMissingKey)) {
+            missing.push_back(item);
+            missingKeys.push_back(item->first);
         }
     }
-    for (const auto& [key, entry] : file.entries) {
-        if (reference.entries.contains(key)) continue;
-        findings.Add(Rule::kObsoleteKey, entry.place,
-                     "the reference does not have the key " + ShowKey(key));
+    std::vector<const CheckedFile::Entries::value_type*> obsolete;
+    for (const auto* item : file.InOrder()) {
+        if (!reference.entries.contains(item->first)) obsolete.push_back(item);
+    }
+    // A misspelt key is one finding. Whole groups that were renamed are not misspelt.
+    constexpr std::size_t kMostCompared = 1'000'000;
+    const bool isFew = obsolete.size() * missing.size() <= kMostCompared;
+    std::unordered_set<std::string> misspelt;
+    for (const auto* item : obsolete) {
+        std::string nearest = isFew ? Nearest(item->first, missingKeys) : "";
+        if (DifferInDigits(nearest, item->first)) nearest.clear();
+        std::string what = "the reference does not have the key " + ShowKey(item->first);
+        if (!nearest.empty()) what += "; did you mean " + ShowKey(nearest) + '?';
+        findings.Add(Rule::kObsoleteKey, file.PlaceOf(item->second), std::move(what), item->first);
+        misspelt.insert(std::move(nearest));
+    }
+    for (const auto* item : missing) {
+        if (misspelt.contains(item->first)) continue;
+        findings.AddMissing(Rule::kMissingKey, reference.PlaceOf(item->second),
+                            file.name + " lacks the key " + ShowKey(item->first), item->first,
+                            file.name);
     }
 }
 

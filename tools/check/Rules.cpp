@@ -1,7 +1,7 @@
 #include "tools/check/Rules.h"
 
 #include <algorithm>
-#include <array>
+#include <iterator>
 
 namespace tool {
 
@@ -16,6 +16,8 @@ constexpr auto kNote = Severity::kNote;
 constexpr RuleInfo kRules[] = {
     {Rule::kUtf16WithoutMark, "utf16-without-mark", kError,
      "UTF-16 without its byte-order mark, which is read as 8-bit text up to its first zero byte"},
+    {Rule::kFalseUtf16Mark, "false-utf16-mark", kError,
+     "8-bit text after a UTF-16 mark, which the loader reads as UTF-16"},
     {Rule::kUtf8Mark, "utf8-mark", kWarning, "a UTF-8 mark, which the loader takes for text"},
     {Rule::kZero, "zero", kError, "a zero, which ends the file for the loader"},
     {Rule::kOddByte, "odd-byte", kWarning, "UTF-16 with an odd byte at its end, which is dropped"},
@@ -24,10 +26,16 @@ constexpr RuleInfo kRules[] = {
 
     {Rule::kDollarKey, "dollar-key", kError,
      "a key with \"$\" but not \"$$$\": the whole dictionary becomes invalid"},
+    {Rule::kConflictMarker, "conflict-marker", kError,
+     "a version control system's mark of a conflict, which becomes an entry"},
     {Rule::kUnclosedQuote, "unclosed-quote", kError,
      "a quotation mark that is not closed: the value runs to the end of the line"},
     {Rule::kTrailingBackslash, "trailing-backslash", kError,
      "a value that ends in a backslash, which escapes the closing quotation mark"},
+    {Rule::kTextAfterMark, "text-after-mark", kError,
+     "text after the closing quotation mark that is no comment, and is lost"},
+    {Rule::kCommentedEntry, "commented-entry", kError,
+     "an entry after a comment sign, which does not switch it off"},
     {Rule::kUnquotedLine, "unquoted-line", kWarning,
      "a line without quotation marks, which becomes an entry as a whole"},
     {Rule::kNoEquals, "no-equals", kWarning, "an entry without \"=\", which has an empty value"},
@@ -56,7 +64,22 @@ constexpr RuleInfo kRules[] = {
     {Rule::kDoubledHat, "doubled-hat", kWarning,
      "\"^^\" ahead of a digit, which leaves a marker and no \"^\""},
     {Rule::kDroppedText, "dropped-text", kNote,
-     "text that a platform section or #{comment} keeps out of the value"},
+     "text that a platform section keeps out of the value"},
+    {Rule::kHiddenCharacter, "hidden-character", kWarning,
+     "a control, a line separator or a zero-width character that an editor does not "
+     "show"},
+    {Rule::kUnbalancedDirection, "unbalanced-direction", kWarning,
+     "a mark that begins or ends a direction of writing without its other half"},
+    {Rule::kReplacementCharacter, "replacement-character", kWarning,
+     "U+FFFD, which stands for a character that a conversion lost"},
+    {Rule::kDoubleEncoded, "double-encoded", kWarning,
+     "UTF-8 that was taken for another encoding and converted again"},
+    {Rule::kDecomposed, "decomposed", kWarning,
+     "a letter and its accent as two characters, where there is one for both"},
+    {Rule::kDoubledAccelerator, "doubled-accelerator", kWarning,
+     "a second accelerator in a text, which is dropped"},
+    {Rule::kTrailingAmpersand, "trailing-ampersand", kWarning,
+     "\"&\" at the end of a text, which is dropped"},
     {Rule::kMessageSyntax, "message-syntax", kError, "a message pattern that cannot be parsed"},
     {Rule::kMessageDefault, "message-default", kError,
      "a plural or select of a message without the form \"other\""},
@@ -72,8 +95,12 @@ constexpr RuleInfo kRules[] = {
 
     {Rule::kSameAccelerator, "same-accelerator", kWarning,
      "the same accelerator on two entries beside each other"},
+    {Rule::kUntranslated, "untranslated", kWarning, "an entry that is marked as untranslated"},
+    {Rule::kStale, "stale", kWarning,
+     "a translation of a text that the reference has changed since"},
     {Rule::kMissingKey, "missing-key", kWarning, "a key of the reference that is missing"},
     {Rule::kObsoleteKey, "obsolete-key", kWarning, "a key that the reference does not have"},
+    {Rule::kEmptyText, "empty-text", kError, "an empty text where the reference has one"},
     {Rule::kMissingMarker, "missing-marker", kError, "a marker of the reference that is missing"},
     {Rule::kExtraMarker, "extra-marker", kError, "a marker that the reference does not have"},
     {Rule::kMissingParameter, "missing-parameter", kError,
@@ -86,6 +113,23 @@ constexpr RuleInfo kRules[] = {
      "a message argument that the reference does not have"},
     {Rule::kArgumentType, "argument-type", kError,
      "a message argument that needs another type than in the reference"},
+    {Rule::kRepeatedMarker, "repeated-marker", kWarning,
+     "a marker that stands more often than in the reference"},
+    {Rule::kForeignPlaceholder, "foreign-placeholder", kWarning,
+     "\"{name}\", \"%d\" or \"&amp;\", which the application shows as they are"},
+    {Rule::kMissingAccelerator, "missing-accelerator", kWarning,
+     "no accelerator where the reference has one"},
+    {Rule::kExtraAccelerator, "extra-accelerator", kWarning,
+     "an accelerator where the reference has none"},
+    {Rule::kMissingShortcut, "missing-shortcut", kWarning,
+     "no key combination where the reference has one"},
+    {Rule::kMissingSection, "missing-section", kWarning,
+     "no section for a platform where the reference has one"},
+    {Rule::kOuterBlanks, "outer-blanks", kWarning,
+     "blanks around the text that differ from the reference's"},
+    {Rule::kLineBreaks, "line-breaks", kWarning, "more or fewer line breaks than in the reference"},
+    {Rule::kFinalPunctuation, "final-punctuation", kWarning,
+     "a text that ends in other punctuation than the reference's"},
     {Rule::kSameAsReference, "same-as-reference", kNote, "a text that equals the reference's"},
 
     {Rule::kUnextractedKey, "unextracted-key", kWarning,
@@ -110,6 +154,17 @@ const char* Name(Severity severity) {
 }
 
 std::span<const RuleInfo> AllRules() { return kRules; }
+
+std::vector<std::string> RuleNames() {
+    std::vector<std::string> names;
+    std::ranges::transform(kRules, std::back_inserter(names), &RuleInfo::name);
+    return names;
+}
+
+bool IsFatal(Rule rule) {
+    return rule == Rule::kMalformedBinary || rule == Rule::kUtf16WithoutMark ||
+           rule == Rule::kFalseUtf16Mark || rule == Rule::kDollarKey;
+}
 
 const RuleInfo& Info(Rule rule) { return kRules[static_cast<std::size_t>(rule)]; }
 

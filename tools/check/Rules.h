@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace tool {
 
@@ -14,14 +16,18 @@ const char* Name(Severity severity);
 enum class Rule : std::uint8_t {
     // what a text file is made of
     kUtf16WithoutMark,
+    kFalseUtf16Mark,
     kUtf8Mark,
     kZero,
     kOddByte,
     kInvalidText,
     // lines
     kDollarKey,
+    kConflictMarker,
     kUnclosedQuote,
     kTrailingBackslash,
+    kTextAfterMark,
+    kCommentedEntry,
     kUnquotedLine,
     kNoEquals,
     kBlankAtEquals,
@@ -40,6 +46,13 @@ enum class Rule : std::uint8_t {
     kUnknownEscape,
     kDoubledHat,
     kDroppedText,
+    kHiddenCharacter,
+    kUnbalancedDirection,
+    kReplacementCharacter,
+    kDoubleEncoded,
+    kDecomposed,
+    kDoubledAccelerator,
+    kTrailingAmpersand,
     kMessageSyntax,
     kMessageDefault,
     kMessageCategory,
@@ -49,8 +62,11 @@ enum class Rule : std::uint8_t {
     kUnreachableEntry,
     // texts beside each other
     kSameAccelerator,
+    kUntranslated,
+    kStale,
     kMissingKey,
     kObsoleteKey,
+    kEmptyText,
     kMissingMarker,
     kExtraMarker,
     kMissingParameter,
@@ -58,6 +74,15 @@ enum class Rule : std::uint8_t {
     kMissingArgument,
     kExtraArgument,
     kArgumentType,
+    kRepeatedMarker,
+    kForeignPlaceholder,
+    kMissingAccelerator,
+    kExtraAccelerator,
+    kMissingShortcut,
+    kMissingSection,
+    kOuterBlanks,
+    kLineBreaks,
+    kFinalPunctuation,
     kSameAsReference,
     // the reference and the sources
     kUnextractedKey,
@@ -76,5 +101,8 @@ struct RuleInfo {
 std::span<const RuleInfo> AllRules();
 const RuleInfo& Info(Rule rule);
 std::optional<Rule> FindRule(std::string_view name);
+std::vector<std::string> RuleNames();
+// Whether the application refuses a file for it: no verb but `check` uses such a file.
+bool IsFatal(Rule rule);
 
 }  // namespace tool

@@ -1,6 +1,8 @@
+#include "tools/check/TextCheck.h"
+
 #include <algorithm>
 
-#include "tools/check/CheckedFile.h"
+#include "tools/base/Progress.h"
 #include "tools/check/LineCheck.h"
 
 namespace tool {
@@ -8,12 +10,13 @@ namespace tool {
 namespace {
 
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+constexpr std::size_t kUtf16MarkSize = 2;
+constexpr std::size_t kLookedAt = 512;
 
 // Whether 8-bit text is UTF-16 that lacks its mark: its first pair of bytes is an ASCII character,
 // or of its first half kilobyte every other byte is mostly zero, and hardly one of the bytes
 // between them.
 bool LooksLikeUtf16(std::string_view bytes) {
-    constexpr std::size_t kLookedAt = 512;
     bytes = bytes.substr(0, std::min(kLookedAt, bytes.size() / 2 * 2));
     if (bytes.empty()) return false;
     const auto isAscii = [](unsigned char c) { return c != 0 && c < 0x80; };
@@ -27,14 +30,21 @@ bool LooksLikeUtf16(std::string_view bytes) {
     return 8 * few < many && 4 * many > bytes.size();
 }
 
+// Whether text after the mark of UTF-16 is none: UTF-16 has a zero byte in each ASCII character,
+// and the quotation marks of the first entries are such characters.
+bool IsEightBit(std::string_view bytes) {
+    const std::string_view head = bytes.substr(0, kLookedAt);
+    return head.find('"') != std::string_view::npos && head.find('\0') == std::string_view::npos;
+}
+
 void CheckEnd(const TextScanner& scanner, const std::string& name, Findings& findings) {
     const TextScanner::End end = scanner.AtEnd();
-    const Place place{name, end.line, end.column};
+    const Place place{name, end.line, end.column, end.column};
     const std::string left = std::to_string(end.bytesLeft);
     if (end.byZero) {
         findings.Add(
             Rule::kZero, place,
-            "a zero ends the file here; the loader does not read the " + left + " bytes behind it");
+            "a zero ends the file here; the loader does not read the " + left + " bytes after it");
     } else if (end.bytesLeft != 0) {
         findings.Add(Rule::kOddByte, place, "UTF-16 with an odd byte at its end, which is dropped");
     }
@@ -42,10 +52,17 @@ void CheckEnd(const TextScanner& scanner, const std::string& name, Findings& fin
 
 }  // namespace
 
-CheckedFile CheckText(const std::string& name, const std::string& bytes, Findings& findings,
-                      Progress& progress) {
-    CheckedFile file{name, {}};
+CheckedFile CheckText(const std::string& name, const std::string& bytes, Findings& findings) {
+    CheckedFile file{.name = name};
+    Progress progress("checking", name, bytes.size());
     TextScanner scanner(bytes);
+    if (scanner.IsUtf16() && IsEightBit(std::string_view(bytes).substr(kUtf16MarkSize))) {
+        findings.Add(Rule::kFalseUtf16Mark, {name, 1, 1},
+                     "a UTF-16 mark before 8-bit text: the loader reads the file as UTF-16 and "
+                     "finds none of its entries");
+        file.usable = false;
+        return file;
+    }
     if (!scanner.IsUtf16() && LooksLikeUtf16(bytes)) {
         findings.Add(Rule::kUtf16WithoutMark, {name, 1, 1},
                      "UTF-16 without its byte-order mark: the loader reads it as 8-bit text and "
@@ -62,7 +79,6 @@ CheckedFile CheckText(const std::string& name, const std::string& bytes, Finding
         lines.Check();
         progress.Reach(scanner.Offset());
     }
-    lines.Finish();
     CheckEnd(scanner, name, findings);
     return file;
 }

@@ -10,12 +10,6 @@ namespace tool {
 
 namespace {
 
-std::vector<std::string> RuleNames() {
-    std::vector<std::string> names;
-    std::ranges::transform(AllRules(), std::back_inserter(names), &RuleInfo::name);
-    return names;
-}
-
 // Options that mean the same wherever they stand.
 
 OptionInfo Format(std::vector<std::string> choices, const std::string& help) {

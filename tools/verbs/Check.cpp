@@ -2,9 +2,11 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <iostream>
+#include <optional>
 
-#include "tools/base/Content.h"
 #include "tools/base/Files.h"
+#include "tools/check/Check.h"
 #include "tools/check/SourceCheck.h"
 #include "tools/verbs/Verbs.h"
 
@@ -16,7 +18,7 @@ int ListRules() {
     std::string list;
     for (const RuleInfo& rule : AllRules()) {
         char line[256];
-        std::snprintf(line, sizeof line, "%-19s %-8s %s\n", rule.name, Name(rule.severity),
+        std::snprintf(line, sizeof line, "%-21s %-8s %s\n", rule.name, Name(rule.severity),
                       rule.help);
         list += line;
     }
@@ -30,6 +32,41 @@ bool IsTranslation(const std::string& name, const std::string& reference) {
     return !reference.empty() && !std::filesystem::equivalent(name, reference, absent);
 }
 
+std::string Counted(std::size_t count, const char* thing) {
+    return std::to_string(count) + ' ' + thing + (count == 1 ? "" : "s");
+}
+
+// What was found in all files: one line on standard error, which is none for sound files.
+class Summary {
+public:
+    void CountUnreadable() {
+        ++files;
+        ++unreadable;
+    }
+    void Count(const std::vector<Finding>& findings) {
+        ++files;
+        Add(findings);
+    }
+    // More of a file that is counted.
+    void Add(const std::vector<Finding>& findings) {
+        for (const Finding& finding : findings)
+            ++counts[static_cast<std::size_t>(Info(finding.rule).severity)];
+    }
+    bool AnyUnreadable() const { return unreadable != 0; }
+    void Print() const {
+        if (unreadable + counts[0] + counts[1] + counts[2] == 0) return;
+        std::cerr << "wordlex: " << Counted(files, "file") << ": " << Counted(counts[2], "error")
+                  << ", " << Counted(counts[1], "warning") << ", " << Counted(counts[0], "note");
+        if (unreadable != 0) std::cerr << "; " << unreadable << " cannot be read";
+        std::cerr << '\n';
+    }
+
+private:
+    std::size_t files = 0;
+    std::size_t unreadable = 0;
+    std::size_t counts[3] = {};  // by severity
+};
+
 }  // namespace
 
 int Check(const Arguments& arguments) {
@@ -40,11 +77,11 @@ int Check(const Arguments& arguments) {
     const Severity failOn =
         arguments.Get("fail-on") == "warning" ? Severity::kWarning : Severity::kError;
     const std::string& referenceName = arguments.Get("reference");
-    CheckedFile reference;
-    Findings ofReference;
+    std::optional<Reference> reference;
     if (!referenceName.empty()) {
-        reference = CheckUsable(referenceName, ReadInput(referenceName), ofReference);
+        reference = ReadReference(referenceName, ReadInput(referenceName));
     }
+    Summary summary;
     bool failed = false;
     if (arguments.Has("sources")) {
         const SourceTexts sources(arguments.All("sources"));
@@ -53,20 +90,28 @@ int Check(const Arguments& arguments) {
         for (const std::string& name : compared) {
             const std::vector<Finding> found = CheckSources(name, sources, disabled);
             WriteStandardOutput(Print(found, format));
+            summary.Add(found);
             failed |= AnyAtOrAbove(found, failOn);
         }
     }
     for (const std::string& name : arguments.operands) {
-        Findings findings(disabled);
-        const CheckedFile file = CheckFile(name, ReadInput(name), findings);
-        if (file.usable && IsTranslation(name, referenceName)) {
-            CheckAgainst(file, reference, ofReference, findings);
+        std::string bytes;
+        try {
+            bytes = ReadInput(name);
+        } catch (const Failure& unreadable) {
+            std::cerr << "wordlex: " << unreadable.what() << '\n';
+            summary.CountUnreadable();
+            continue;
         }
-        const std::vector<Finding> found = findings.Take();
+        const bool compared = reference.has_value() && IsTranslation(name, referenceName);
+        const auto found =
+            CheckBytes(name, bytes, compared ? &*reference : nullptr, disabled).findings;
         WriteStandardOutput(Print(found, format));
+        summary.Count(found);
         failed |= AnyAtOrAbove(found, failOn);
     }
-    return failed ? kDifference : kSuccess;
+    summary.Print();
+    return summary.AnyUnreadable() ? kFailure : failed ? kDifference : kSuccess;
 }
 
 }  // namespace tool

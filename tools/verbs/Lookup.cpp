@@ -107,7 +107,7 @@ std::string Loaded::ExplainKey(const std::string& key, const char* remark, bool 
                                  : i == answering                        ? "the answer"
                                  : i < answering                         ? "replaced"
                                                  : "appended behind the answer";
-        lines += "  " + Show(found->second.place) + ": " + Show(UnitsOf(found->second.value)) +
+        lines += "  " + Show(sources[i].file.PlaceOf(found->second)) + ": " + Show(UnitsOf(found->second.value)) +
                  remark + ", " + fate + '\n';
     }
     return lines;

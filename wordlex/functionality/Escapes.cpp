@@ -174,6 +174,16 @@ public:
     void NoEntity(std::size_t position) const {
         if (observer != nullptr) observer->OnNoEntity(origins[position]);
     }
+    // The next units of the second pass's output come from these positions of its input.
+    void Output(std::size_t begin, std::size_t end) {
+        if (observer == nullptr) return;
+        while (begin != end)
+            outputOrigins.push_back(origins[begin++]);
+    }
+    void DropOutput() { outputOrigins.clear(); }
+    void Converted() const {
+        if (observer != nullptr) observer->OnConverted(outputOrigins);
+    }
     void Dropped(std::size_t begin, std::size_t end, ControlWord by) const {
         if (observer == nullptr || begin == end) return;
         observer->OnDropped(origins[begin], origins[end - 1] + 1 - origins[begin], by);
@@ -182,12 +192,13 @@ public:
 private:
     EscapeObserver* observer;
     std::vector<std::size_t> origins;
+    std::vector<std::size_t> outputOrigins;
 };
 
 // The second pass: copies text, resolves entities, and keeps of the platform sections macOS's.
 class EntityPass {
 public:
-    EntityPass(Units input, const Report& receiver) : text(input), report(receiver) {
+    EntityPass(Units input, Report& receiver) : text(input), report(receiver) {
         output.reserve(input.size());
     }
 
@@ -199,20 +210,31 @@ public:
             const Entity entity = EntityAt(rest.subspan(hash));
             // A number sign that starts no escape is text.
             const std::size_t plain = entity.length != 0 ? hash : std::min(hash + 1, rest.size());
-            Write(rest.first(plain));
+            if (!skipping) {
+                output.insert(output.end(), rest.begin(),
+                              rest.begin() + static_cast<std::ptrdiff_t>(plain));
+                report.Output(position, position + plain);
+            }
             if (entity.length == 0) ReportNoEntity(hash);
             position += plain + entity.length;
             if (entity.length != 0) Act(entity);
         }
         if (skipping) report.Dropped(sectionBegin, text.size(), section);
+        report.Converted();
         return std::move(output);
     }
 
 private:
-    void Write(Units units) {
-        if (!skipping) output.insert(output.end(), units.begin(), units.end());
+    // What an entity stands for; the entity ends at `position`.
+    void Write(const Entity& entity, Units units) {
+        if (skipping) return;
+        const std::size_t begin = position - entity.length;
+        for (const unsigned short unit : units) {
+            output.push_back(unit);
+            report.Output(begin, begin + 1);
+        }
     }
-    void Write(unsigned short unit) { Write(Units(&unit, 1)); }
+    void Write(const Entity& entity, unsigned short unit) { Write(entity, Units(&unit, 1)); }
 
     void ReportNoEntity(std::size_t hash) const {
         const std::size_t at = position + hash;
@@ -227,14 +249,14 @@ private:
         const auto word = static_cast<ControlWord>(row);
         switch (word) {
             case ControlWord::kEndl:
-                Write(u'\r');
+                Write(entity, u'\r');
                 break;
             case ControlWord::kComment:
                 finished = !skipping;
                 if (finished) report.Dropped(position, text.size(), word);
                 break;
             case ControlWord::kCopyYear:
-                Write(kCopyrightYear);
+                Write(entity, kCopyrightYear);
                 break;
             case ControlWord::kMsWindows:
             case ControlWord::kIos:
@@ -246,11 +268,12 @@ private:
             case ControlWord::kMacos:
                 BeginSection(entity, word);
                 output.clear();
+                report.DropOutput();
                 skipping = false;
                 macosSeen = true;
                 break;
             default:
-                Write(entity.character);
+                Write(entity, entity.character);
         }
     }
 
@@ -266,7 +289,7 @@ private:
     }
 
     Units text;
-    const Report& report;
+    Report& report;
     std::vector<unsigned short> output;
     std::size_t position = 0;
     std::size_t sectionBegin = 0;  // after the latest platform's name
@@ -364,7 +387,7 @@ UnicodeRun Escapes::Convert(Units written, EscapeObserver& observer) {
 }
 
 UnicodeRun Escapes::ConvertEntities(Units text) {
-    const Report nobody(nullptr);
+    Report nobody(nullptr);
     const auto output = EntityPass(text, nobody).Run();
     return UnicodeRun(output.data(), output.size());
 }

@@ -48,6 +48,8 @@ public:
     // Text that a section or a comment keeps out of the value. A macOS section drops what stands
     // directly before it: the text for every platform, from 0 on, or another macOS section.
     virtual void OnDropped(std::size_t position, std::size_t length, ControlWord by) = 0;
+    // The last call: for each unit of the converted value, the position of what it was written as.
+    virtual void OnConverted(std::span<const std::size_t> /*origins*/) {}
 };
 
 // The conversion of written values to the text that they stand for, in two passes: first the

@@ -1,0 +1,37 @@
+#pragma once
+// What `check` finds: in files for the command, in buffers for whoever else asks.
+#include <string>
+#include <vector>
+
+#include "tools/check/CheckedFile.h"
+#include "tools/check/Findings.h"
+
+namespace tool {
+
+// A dictionary that translations are compared with: read once, used for any number of them.
+// Threads: constant after its making, so any number may use it.
+struct Reference {
+    CheckedFile file;
+    Findings findings;  // for what its lines ignore
+};
+
+// Throws a Failure for a file that the application would refuse.
+Reference ReadReference(const std::string& name, const std::string& bytes);
+
+struct CheckResult {
+    CheckedFile file;
+    // In the order of the file; then what is missing from it, in the order of the reference and
+    // with places in the reference.
+    std::vector<Finding> findings;
+};
+
+// Looks at the bytes of a dictionary of either kind. `name` is only what places name. The reference
+// may be null. 8-bit text is read in the encoding that UseEncoding() chose.
+// Costs: linear in the size of both.
+CheckResult CheckBytes(const std::string& name, const std::string& bytes,
+                       const Reference* reference = nullptr, const Findings::Rules& disabled = {});
+
+// The first step of both: the file by itself.
+CheckedFile CheckFile(const std::string& name, const std::string& bytes, Findings& findings);
+
+}  // namespace tool

@@ -1,0 +1,26 @@
+#pragma once
+#include <string>
+#include <vector>
+
+#include "tools/base/Text.h"
+
+namespace tool {
+
+// Something that the application puts a text in place of, or should.
+struct Placeholder {
+    std::string name;   // "^1", the name of a parameter tag, or the placeholder as it stands
+    std::size_t begin;  // units of the converted text
+    std::size_t end;
+};
+
+// "^0" to "^9", in the order of the text.
+std::vector<Placeholder> Markers(Units text);
+// The tags that the string class takes for parameters, in the order of the text.
+std::vector<Placeholder> Parameters(const Text& text);
+// What other systems replace: {name}, ${name}, %d, %1$s, %@, &amp;.
+std::vector<Placeholder> ForeignPlaceholders(Units text);
+
+// The length of the HTML entity at `i` ("&amp;", "&#39;"), or 0.
+std::size_t HtmlEntityAt(Units text, std::size_t i);
+
+}  // namespace tool
