@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <iterator>
 #include <memory_resource>
 #include <mutex>
@@ -89,6 +90,11 @@ struct HeldMessage {
     ParsedMessage::Format format;
 };
 
+// The standard comparison of char16_t goes unit by unit.
+bool IsSame(std::u16string_view a, std::u16string_view b) {
+    return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof a[0]) == 0;
+}
+
 // The pattern's message in the thread's few, found without a lock as a rule. It stays until the
 // thread asks for another one.
 const HeldMessage& Hold(MessageCache& cache, std::u16string_view pattern,
@@ -97,7 +103,7 @@ const HeldMessage& Hold(MessageCache& cache, std::u16string_view pattern,
     std::size_t mixed = pattern.size();
     if (!pattern.empty()) mixed = 31 * mixed + pattern[pattern.size() / 2];
     HeldMessage& held = few[mixed % few.size()];
-    if (held.cache != &cache || held.message->Pattern() != pattern) {
+    if (held.cache != &cache || !IsSame(held.message->Pattern(), pattern)) {
         HeldMessage other{&cache, cache.Get(pattern, locale), nullptr};
         other.format = other.message->Take();
         std::swap(held, other);
