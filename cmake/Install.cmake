@@ -83,9 +83,9 @@ install(
 if(TARGET catalog)
   installed_targets(libraries catalog)
   install_libraries(WordlexCatalogTargets runtime catalog ${libraries})
-  install_headers(catalog wordlex/catalog/Catalog.h)
+  install_headers(catalog wordlex/catalog/Catalog.h wordlex/catalog/wordlex.h)
   install_pkgconfig(wordlexcatalog catalog "Localized texts for programs of today"
-    "-lwordlex -llocaleid -licui18n -licuuc")
+    "-lwordlex -llocaleid -licui18n -licuuc -pthread")
 endif()
 
 if(TARGET wordlex-tool)

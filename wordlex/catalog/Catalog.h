@@ -35,12 +35,6 @@
 #include <variant>
 #include <vector>
 
-#if defined(WORDLEX_CATALOG_SHARED)
-#define WORDLEX_CATALOG_API __attribute__((visibility("default")))
-#else
-#define WORDLEX_CATALOG_API
-#endif
-
 namespace lexon {
 
 namespace detail {
@@ -49,7 +43,7 @@ class LanguageFormats;
 }  // namespace detail
 
 // Why a dictionary was not loaded, and where.
-struct WORDLEX_CATALOG_API LoadError {
+struct LoadError {
     enum class Code : int {
         kMissing = 1,         // there is no such file
         kNotAFile,            // a folder, a pipe, a device
@@ -73,7 +67,7 @@ struct WORDLEX_CATALOG_API LoadError {
 };
 
 // What the throwing forms throw; what() is the error's Message().
-class WORDLEX_CATALOG_API LoadException : public std::runtime_error {
+class LoadException : public std::runtime_error {
 public:
     explicit LoadException(LoadError why)
         : std::runtime_error(why.Message()), error(std::move(why)) {}
@@ -197,7 +191,7 @@ struct FormatOptions {
 };
 
 // Why a text could not be formatted. what() names the argument or the place in the pattern.
-class WORDLEX_CATALOG_API FormatError : public std::runtime_error {
+class FormatError : public std::runtime_error {
 public:
     enum class Code : std::uint8_t {
         kMissingArgument,      // the text has a place for an argument that was not given
@@ -216,7 +210,7 @@ private:
 // Fills texts with values as one language writes them.
 // Copies share the language's formatters, which are made once in a process and kept.
 // Threads: any number may use one object at once.
-class WORDLEX_CATALOG_API Formatter {
+class Formatter {
 public:
     // A locale name such as "de", "pt_BR" or "zh-Hant". For a language that is not known, and for
     // the empty name, numbers and dates are written as in no language in particular.
@@ -235,6 +229,9 @@ private:
     const detail::LanguageFormats* formats;  // lives as long as the process
 };
 
+// Halves of surrogate pairs become U+FFFD.
+std::string ToUtf8(std::u16string_view text);
+
 class LoadResult;
 
 // An immutable dictionary.
@@ -243,7 +240,7 @@ class LoadResult;
 // Cost:   a look-up reads the key once, hashes it, and compares it with one key as a rule. It
 //         allocates nothing unless it returns a string.
 // Failure: what is not there is std::nullopt. Strings that are made can throw std::bad_alloc.
-class WORDLEX_CATALOG_API Catalog {
+class Catalog {
 public:
     class Entries;
 
@@ -307,7 +304,7 @@ private:
     std::shared_ptr<const detail::CatalogStore> store;  // null when empty
 };
 
-class WORDLEX_CATALOG_API Catalog::Entries {
+class Catalog::Entries {
 public:
     class Iterator {
     public:
@@ -335,7 +332,7 @@ public:
         friend class Entries;
         Iterator(const detail::CatalogStore* in, std::uint32_t first) noexcept
             : store(in), id(first) {}
-        WORDLEX_CATALOG_API void SkipDead() noexcept;
+        void SkipDead() noexcept;
 
         const detail::CatalogStore* store = nullptr;
         std::uint32_t id = 0;
@@ -352,7 +349,7 @@ private:
 };
 
 // A catalog or the reason why there is none.
-class WORDLEX_CATALOG_API LoadResult {
+class LoadResult {
 public:
     LoadResult(Catalog loaded) noexcept : content(std::move(loaded)) {}
     LoadResult(LoadError why) noexcept : content(std::move(why)) {}
@@ -375,7 +372,7 @@ private:
 
 // Several catalogs in order: the first one that has a key answers.
 // Threads: as a Catalog's, once it is built.
-class WORDLEX_CATALOG_API Chain {
+class Chain {
 public:
     struct Link {
         std::string language;
@@ -419,7 +416,7 @@ private:
 
 // A catalog that is loaded anew while others read it.
 // Threads: all members but the destructor may run at once in any threads.
-class WORDLEX_CATALOG_API ReloadingCatalog {
+class ReloadingCatalog {
 public:
     explicit ReloadingCatalog(std::filesystem::path path);  // loads; throws LoadException
     ReloadingCatalog(const ReloadingCatalog&) = delete;
@@ -440,7 +437,7 @@ private:
 
 // Reloads a catalog whenever its file is saved: for development. Owns a thread, which its
 // destructor ends; the catalog outlives it.
-class WORDLEX_CATALOG_API Watcher {
+class Watcher {
 public:
     // Calls `reloaded` in that thread after each attempt, with the error or null; it must not throw
     // and may be empty. Throws std::system_error when the file's folder cannot be watched.

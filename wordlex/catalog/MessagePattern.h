@@ -32,7 +32,7 @@ struct MessageShape {
     std::optional<MessageFault> fault;
 };
 
-WORDLEX_CATALOG_API MessageShape ParseMessage(std::u16string_view pattern);
+MessageShape ParseMessage(std::u16string_view pattern);
 
 struct PluralCategory {
     std::string name;
@@ -40,7 +40,6 @@ struct PluralCategory {
 };
 // The plural categories of a language, "other" included, in the order of CLDR. Empty for a language
 // that is not known.
-WORDLEX_CATALOG_API std::vector<PluralCategory> PluralCategories(const std::string& language,
-                                                                 bool ordinal);
+std::vector<PluralCategory> PluralCategories(const std::string& language, bool ordinal);
 
 }  // namespace lexon::detail

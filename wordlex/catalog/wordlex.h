@@ -18,11 +18,7 @@
 #include <stddef.h>
 #include <stdint.h>
 
-#if defined(WORDLEX_CATALOG_SHARED)
 #define WORDLEX_C_API __attribute__((visibility("default")))
-#else
-#define WORDLEX_C_API
-#endif
 
 #ifdef __cplusplus
 extern "C" {
