@@ -47,7 +47,7 @@ get_target_property(platform_library corefoundation OUTPUT_NAME)
 # library. A static library needs its private libraries named as well.
 function(install_pkgconfig library component description)
   set(libraries "-l${library}")
-  set(private_libraries "-l${platform_library} ${ARGN}")
+  set(private_libraries "${ARGN} -l${platform_library}")
   if(NOT BUILD_SHARED_LIBS)
     string(APPEND libraries " ${private_libraries}")
     set(private_libraries "")
