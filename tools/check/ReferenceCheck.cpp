@@ -37,7 +37,7 @@ public:
 
     void Run() {
         if (here.untranslated || IsWithoutEquals()) return;
-        CheckDigest();
+        const bool isStale = IsStale();
         if (text.empty()) {
             if (!original.empty()) {
                 Add(Rule::kEmptyText, "the text of " + ShowKey(key) +
@@ -51,6 +51,7 @@ public:
             return;
         }
         ComparePlaceholders();
+        if (isStale) return;  // the rest is translated anew
         CompareAccelerators();
         CompareSections();
         CompareBlanks();
@@ -72,11 +73,13 @@ private:
     // Which has a finding of its own.
     bool IsWithoutEquals() const { return here.line != 0 && here.written.begin == here.key.end; }
 
-    void CheckDigest() {
-        if (here.stale || here.from.empty() || there.line == 0) return;
-        if (ReferenceDigest(referenceOf.UnitsOf(there.written)) == here.from) return;
+    // By its mark, which is a finding already, or by the digest of the reference's text.
+    bool IsStale() {
+        if (here.stale || here.from.empty() || there.line == 0) return here.stale;
+        if (ReferenceDigest(referenceOf.UnitsOf(there.written)) == here.from) return false;
         Add(Rule::kStale,
             "the text of " + ShowKey(key) + " translates one that the reference has changed since");
+        return true;
     }
 
     // The comment on the reference's line counts for its translations.

@@ -164,8 +164,10 @@ private:
         if (result.usable) CheckAgainst(result, checkedReference, ofReference, findings);
         for (const Finding& finding : findings.Take()) {
             const auto line = changed.find(finding.place.line);
-            const bool isOfFile = finding.rule == Rule::kUtf8Mark;
-            if (finding.place.file != name || line == changed.end() || isOfFile) continue;
+            // The file's own mark, and the states, which the import counts.
+            const bool isOther = finding.rule == Rule::kUtf8Mark || finding.rule == Rule::kStale ||
+                                 finding.rule == Rule::kUntranslated;
+            if (finding.place.file != name || line == changed.end() || isOther) continue;
             problems.push_back({line->second, Info(finding.rule).severity,
                                 finding.text + " [" + Info(finding.rule).name + ']'});
         }
