@@ -24,20 +24,6 @@ BinaryHeader HeaderOf(const std::string& bytes) {
     return ReadBinaryHeader(image);
 }
 
-std::string FormOf(const std::string& bytes) {
-    if (KindOf(bytes) == Kind::kText) {
-        const TextScanner text(bytes);
-        if (!text.IsUtf16()) return "text, 8-bit";
-        return text.IsBigEndian() ? "text, UTF-16, big-endian" : "text, UTF-16, little-endian";
-    }
-    const BinaryHeader header = HeaderOf(bytes);
-    std::string form = std::string(lexon_private::kBinaryMagic) + ' ' +
-                       std::to_string(header.major) + '.' + std::to_string(header.minor);
-    if (header.order == lexon::EndianT::kBig) form += ", big-endian";
-    if (header.order == lexon::EndianT::kLittle) form += ", little-endian";
-    return form;
-}
-
 // "PLACE: TEXT" of the first finding of these rules, or "".
 std::string FirstOf(const std::vector<Finding>& findings, std::span<const Rule> rules) {
     for (const Finding& finding : findings) {
@@ -60,6 +46,20 @@ Kind KindOf(const std::string& bytes) {
     if (!lexon_private::HasBinaryMagic(bytes.data(), bytes.size())) return Kind::kText;
     return HeaderOf(bytes).body == BinaryHeader::Body::kVersion2 ? Kind::kVersion2
                                                                  : Kind::kVersion1;
+}
+
+std::string FormOf(const std::string& bytes) {
+    if (KindOf(bytes) == Kind::kText) {
+        const TextScanner text(bytes);
+        if (!text.IsUtf16()) return "text, 8-bit";
+        return text.IsBigEndian() ? "text, UTF-16, big-endian" : "text, UTF-16, little-endian";
+    }
+    const BinaryHeader header = HeaderOf(bytes);
+    std::string form = std::string(lexon_private::kBinaryMagic) + ' ' +
+                       std::to_string(header.major) + '.' + std::to_string(header.minor);
+    if (header.order == lexon::EndianT::kBig) form += ", big-endian";
+    if (header.order == lexon::EndianT::kLittle) form += ", little-endian";
+    return form;
 }
 
 void Read(Dictionary& dictionary, const std::string& name, const std::string& bytes) {

@@ -2,8 +2,8 @@
 #include <string>
 #include <vector>
 
-#include "tools/base/Text.h"
 #include "tools/base/Progress.h"
+#include "tools/base/Text.h"
 #include "tools/check/Check.h"
 #include "wordlex/functionality/Dictionary.h"
 
@@ -12,6 +12,8 @@ namespace tool {
 // Which of the dictionary's stores a file goes to, and what of other files that hides.
 enum class Kind : std::uint8_t { kText, kVersion1, kVersion2 };
 Kind KindOf(const std::string& bytes);
+// Its encoding or version: "text, UTF-16, little-endian".
+std::string FormOf(const std::string& bytes);
 
 void Read(lexon_private::Dictionary& dictionary, const std::string& name, const std::string& bytes);
 

@@ -19,6 +19,7 @@ using lexon_private::UnicodeUtil;
 
 constexpr unsigned short kMark = 0xFEFF;
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+constexpr std::string_view kObsolete = ".obsolete";
 
 // 8-bit text in the default encoding.
 std::string Encoded8(Units text) {
@@ -266,7 +267,10 @@ std::string TextDocument::EncodedLine(Units line) const {
 }
 
 TextDocument ReadTextDocument(const std::string& name) {
-    std::string bytes = ReadInput(name);
+    return ParseTextDocument(name, ReadInput(name));
+}
+
+TextDocument ParseTextDocument(const std::string& name, std::string bytes) {
     if (lexon_private::HasBinaryMagic(bytes.data(), bytes.size())) {
         throw Failure(name + ": a binary dictionary; give the text that it was made from");
     }
@@ -287,7 +291,12 @@ TextDocument ReadTextDocument(const std::string& name) {
 }
 
 std::string ObsoleteName(const std::filesystem::path& name) {
-    return (name.parent_path() / name.stem()).string() + ".obsolete" + name.extension().string();
+    return (name.parent_path() / name.stem()).string() + std::string(kObsolete) +
+           name.extension().string();
+}
+
+bool IsObsoleteName(const std::filesystem::path& name) {
+    return name.stem().extension() == kObsolete;
 }
 
 }  // namespace tool

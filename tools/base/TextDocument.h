@@ -121,8 +121,11 @@ private:
 // Reads a file to be edited. Throws a Failure for one of which the loader would not have every
 // line: what an edit takes for all of its entries would be some of them.
 TextDocument ReadTextDocument(const std::string& name);
+// The same for the bytes of a file that were read already.
+TextDocument ParseTextDocument(const std::string& name, std::string bytes);
 
 // Where `update` keeps the entries that are gone: "de.txt" -> "de.obsolete.txt".
 std::string ObsoleteName(const std::filesystem::path& name);
+bool IsObsoleteName(const std::filesystem::path& name);
 
 }  // namespace tool

@@ -19,9 +19,6 @@ namespace fs = std::filesystem;
 using Line = TextDocument::Line;
 
 constexpr std::string_view kStandardStream = "-";
-constexpr std::string_view kObsolete = ".obsolete";
-
-bool IsObsoleteName(const fs::path& name) { return name.stem().extension() == kObsolete; }
 
 // The texts that translations are updated to, with their digests.
 class Reference {

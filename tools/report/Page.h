@@ -1,0 +1,15 @@
+#pragma once
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tools/report/Coverage.h"
+
+namespace tool {
+
+// The page that shows the translations, one a column: HTML that loads nothing else.
+// Texts cannot leave the data of the page, whatever they hold.
+std::string ReportPage(const TextSet& reference,
+                       const std::vector<std::unique_ptr<TextSet>>& translations);
+
+}  // namespace tool
