@@ -2,6 +2,8 @@
 
 #include <numeric>
 #include <ostream>
+#include <sstream>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -33,6 +35,25 @@ void VisitFetched(std::span<const HashItem* const> items, Visit visit) {
         visit(*items[i]);
     }
 }
+
+// An area of an image, collected in memory until the tables before it are written: each item is
+// fetched once.
+class Area {
+public:
+    // Memory that runs out throws.
+    Area() { collected.exceptions(std::ios_base::badbit); }
+
+    std::ostream& To() noexcept { return blocks; }
+    void WriteTo(BlockStream& out) {
+        blocks.Finish();
+        const std::string_view bytes = collected.view();
+        out.Append(bytes.data(), bytes.size());
+    }
+
+private:
+    std::ostringstream collected;
+    BlockStream blocks{collected};
+};
 
 }  // namespace
 
@@ -167,7 +188,9 @@ HashTableGeneric::Listing HashTableGeneric::InOrder() const {
     for (std::size_t i = 0; i < steps.size(); ++i) {
         const Step step = steps[i];
         ++listing.buckets[step.bucket].count;
-        if (step.item->next != nullptr) steps.push_back({step.bucket, step.item->next});
+        if (step.item->next == nullptr) continue;
+        __builtin_prefetch(step.item->next);
+        steps.push_back({step.bucket, step.item->next});
     }
     std::vector<std::size_t> places;  // where a bucket's next item goes
     std::size_t itemCount = 0;
@@ -233,20 +256,14 @@ std::uint32_t HashTableGeneric::Serialize2(std::ostream& out, bool binary,
                                            const lexon::EncodingInfo* encoding,
                                            lexon::EndianT order) const {
     if (!binary) return Serialize(out, false, encoding);
-    const auto writeKey = [&](const HashItem& item, std::ostream& to) {
-        return item.SerializeKey(to, true, encoding);
-    };
-    const auto writeValue = [&](const HashItem& item, std::ostream& to) {
-        return item.SerializeValue(to, true, nullptr, order);
-    };
-
     std::vector<std::uint32_t> keySizes;
     std::vector<std::uint32_t> valueSizes;
+    Area keys;
+    Area values;
     const Listing listing = InOrder();
-    std::ostream measure(nullptr);  // items report their sizes only by being written
     VisitFetched(listing.items, [&](const HashItem& item) {
-        keySizes.push_back(writeKey(item, measure));
-        valueSizes.push_back(writeValue(item, measure));
+        keySizes.push_back(item.SerializeKey(keys.To(), true, encoding));
+        valueSizes.push_back(item.SerializeValue(values.To(), true, nullptr, order));
     });
     const auto keyArea = std::accumulate(keySizes.begin(), keySizes.end(), std::uint64_t{0});
     const auto valueArea = std::accumulate(valueSizes.begin(), valueSizes.end(), std::uint64_t{0});
@@ -272,8 +289,8 @@ std::uint32_t HashTableGeneric::Serialize2(std::ostream& out, bool binary,
     };
     writeTables(keySizes);
     writeTables(valueSizes);
-    VisitFetched(listing.items, [&](const HashItem& item) { writeKey(item, blocks); });
-    VisitFetched(listing.items, [&](const HashItem& item) { writeValue(item, blocks); });
+    keys.WriteTo(blocks);
+    values.WriteTo(blocks);
     for (const UsedBucket& bucket : listing.buckets)
         writer.write2(bucket.number);
     for (const UsedBucket& bucket : listing.buckets)
