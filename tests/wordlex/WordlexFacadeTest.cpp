@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <memory>
 #include <sstream>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "host/CoreFoundation/CoreFoundation.h"
@@ -248,6 +250,26 @@ TEST(DictionaryFacade, ForwardsToItsDictionary) {
     std::ostringstream text;
     dictionary.Serialize(text, false, nullptr);
     EXPECT_EQ(18U, text.str().size());
+}
+
+// A text that is handed out lies in one allocation with its handle.
+TEST(DictionaryFacade, HandsOutTextsThatOutliveTheirHandles) {
+    lexon::Dictionary dictionary(true);
+    dictionary.Add("held", TerminatedUnits(u"value").data(), 5, nullptr, nullptr, 0);
+    const auto other = TerminatedUnits(u"other");
+    for (const auto& [key, expected] : {std::pair("held", u"value"), std::pair("a=", u""),
+                                        std::pair("a=x", u"x"), std::pair("a=wxyz", u"wxyz")}) {
+        SCOPED_TRACE(key);
+        auto first = std::make_unique<Wordlex>(dictionary.Lookup(key, nullptr));
+        const Wordlex copy(*first);
+        first->AssignUnicode(other.data());
+        EXPECT_EQ(u"other", TextOf(*first));
+        const Wordlex changed(*first);
+        *first = copy;
+        first.reset();
+        EXPECT_EQ(expected, TextOf(copy));
+        EXPECT_EQ(u"other", TextOf(changed));
+    }
 }
 
 TEST(DictionaryFacade, KeepsItsEntriesWhenItMoves) {

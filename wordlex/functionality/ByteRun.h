@@ -38,6 +38,8 @@ public:
     unsigned long GetLength() const noexcept { return value->GetLength(); }
     bool operator==(const ByteRun& other) const noexcept { return GetData() == other.GetData(); }
 
+    void* TakeRoom() const noexcept { return value == nullptr ? nullptr : value->TakeRoom(); }
+
     void Validate() const { ByteRunValue::ValidatePointer(value); }  // throws 'PARM'
 
 private:

@@ -6,7 +6,7 @@
 namespace lexon_private {
 
 // The shared, immutable bytes behind ByteRun handles.
-// Owns:  its bytes, which lie behind the object in the same allocation.
+// Owns:  its bytes, which lie after the object in the same allocation.
 // Units: lengths are bytes.
 class ByteRunValue final : public RefCountObj {
 public:
@@ -17,8 +17,15 @@ public:
     // Behind them lie `room` bytes that are the caller's as long as the value lives.
     static ByteRunValue* MakeUninitialized(unsigned long byteCount, unsigned char*& bytes,
                                            unsigned long room = 0);
+    // The same, with room of kRoom bytes, aligned for pointers, after the bytes.
+    static ByteRunValue* MakeWithRoom(unsigned long byteCount, unsigned char*& bytes);
+    // That room, for the first who asks; null for anyone else. Whoever uses it holds a reference.
+    void* TakeRoom() noexcept;
+
     // Gives `value` back; throws 'PARM' when it is null or has no holder.
     static ByteRunValue* ValidatePointer(ByteRunValue* value);
+
+    static constexpr unsigned long kRoom = 3 * sizeof(void*);  // bytes
 
     ByteRunValue(const ByteRunValue&) = delete;
     ByteRunValue& operator=(const ByteRunValue&) = delete;
@@ -41,6 +48,7 @@ private:
         return reinterpret_cast<const unsigned char*>(this + 1);
     }
 
+    bool hasRoom = false;
     unsigned long length;
 };
 

@@ -157,7 +157,7 @@ std::optional<UnicodeRun> Dictionary::Find(const Key& key) const {
     if (IsCompact()) {
         const unsigned short* units = nullptr;
         unsigned long length = 0;
-        if (FindInPlace(key, units, length)) return UnicodeRun(units, length);
+        if (FindInPlace(key, units, length)) return UnicodeRun::WithRoom(units, length);
         // The empty key may be held, but no id of it is valid.
         if (key.length != 0 || FindId(key) == kNoId) return std::nullopt;
         return UnicodeRun();
@@ -186,8 +186,7 @@ UnicodeRun Dictionary::DefaultText(const Key& key, const lexon::EncodingInfo* en
         return Escapes::Convert(Wordlex::StringToPooledUnicode(text, length, encoding));
     }
     unsigned char* bytes = nullptr;
-    const UnicodeRun written(
-        ByteRunValue::MakeUninitialized(length * sizeof(unsigned short), bytes));
+    const UnicodeRun written(ByteRunValue::MakeWithRoom(length * sizeof(unsigned short), bytes));
     std::copy_n(text, length, reinterpret_cast<unsigned short*>(bytes));
     return Escapes::Convert(written);
 }

@@ -1,5 +1,6 @@
 #include "wordlex/functionality/UnicodeRun.h"
 
+#include <algorithm>
 #include <ostream>
 #include <vector>
 
@@ -12,6 +13,13 @@ namespace lexon_private {
 const UnicodeRun& UnicodeRun::EmptyRunInstance() {
     static const UnicodeRun empty(nullptr, 0);
     return empty;
+}
+
+UnicodeRun UnicodeRun::WithRoom(const unsigned short* units, unsigned long count) {
+    unsigned char* bytes = nullptr;
+    UnicodeRun made(ByteRunValue::MakeWithRoom(2 * count, bytes));
+    std::copy_n(units, count, reinterpret_cast<unsigned short*>(bytes));
+    return made;
 }
 
 std::uint32_t UnicodeRun::Serialize(std::ostream& out, bool binary,

@@ -21,6 +21,12 @@ public:
     // A run over a value whose bytes are units, made elsewhere.
     explicit UnicodeRun(ByteRunValue* made) noexcept : run(made) {}
 
+    // A copy of the units with room for the object that hands the run out; see TakeRoom.
+    static UnicodeRun WithRoom(const unsigned short* units, unsigned long count);
+    // The room in the run's allocation, for the first who asks; null for anyone else and where
+    // there is none. Whoever uses it holds a copy of the run as long.
+    void* TakeRoom() const noexcept { return run.TakeRoom(); }
+
     // Made on first use and shared by every default-constructed or cleared run.
     static const UnicodeRun& EmptyRunInstance();
 

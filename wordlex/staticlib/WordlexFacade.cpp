@@ -1,3 +1,5 @@
+#include <new>
+#include <optional>
 #include <utility>
 
 #include "wordlex/functionality/Wordlex.h"
@@ -19,6 +21,36 @@ constinit bool EnableQuorvHatEscapes = false;
 
 namespace {
 
+// What a public string owns. A text that was made to be handed out has room for it in its own
+// allocation, so that handing out allocates once. That memory lasts until the string and all that
+// share the text are gone, whatever text the string holds by then.
+class HeldText final : public lexon_private::Wordlex {
+public:
+    static lexon_private::Wordlex* Make(const lexon_private::Wordlex& text) {
+        static_assert(sizeof(HeldText) <= lexon_private::ByteRunValue::kRoom);
+        void* const room = text.TakeRoom();
+        if (room == nullptr) return new HeldText(text);
+        auto* const held = ::new (room) HeldText(text);
+        held->home = text;
+        return held;
+    }
+    static void Delete(lexon_private::Wordlex* text) noexcept {
+        auto* const held = static_cast<HeldText*>(text);
+        if (held->home.has_value()) {
+            const lexon_private::UnicodeRun memory = *std::move(held->home);
+            held->~HeldText();
+        } else {
+            delete held;
+        }
+    }
+
+private:
+    explicit HeldText(const lexon_private::Wordlex& text) : lexon_private::Wordlex(text) {}
+    ~HeldText() = default;
+
+    std::optional<lexon_private::UnicodeRun> home;  // the memory it lies in, unless its own
+};
+
 // Lets the held string become what `make` gives, or the empty string when it throws. The old text
 // lives until then: the new one may be made from its units.
 template <class Make>
@@ -29,13 +61,13 @@ void RemakeOrEmpty(lexon_private::Wordlex& held, Make make) {
 
 }  // namespace
 
-Wordlex::Wordlex() : text(new lexon_private::Wordlex) {}
+Wordlex::Wordlex() : Wordlex(lexon_private::Wordlex()) {}
 Wordlex::Wordlex(const char* key, unsigned long which, const EncodingInfo* encoding)
-    : text(new lexon_private::Wordlex(key, which, encoding)) {}
+    : Wordlex(lexon_private::Wordlex(key, which, encoding)) {}
 Wordlex::Wordlex(unsigned int id, unsigned long which, const EncodingInfo* encoding)
-    : text(new lexon_private::Wordlex(id, which, encoding)) {}
-Wordlex::Wordlex(long value) : text(new lexon_private::Wordlex(value)) {}
-Wordlex::Wordlex(const lexon_private::Wordlex& other) : text(new lexon_private::Wordlex(other)) {}
+    : Wordlex(lexon_private::Wordlex(id, which, encoding)) {}
+Wordlex::Wordlex(long value) : Wordlex(lexon_private::Wordlex(value)) {}
+Wordlex::Wordlex(const lexon_private::Wordlex& other) : text(HeldText::Make(other)) {}
 Wordlex::Wordlex(const Wordlex& other) : Wordlex(*other.text) {}
 
 Wordlex& Wordlex::operator=(const Wordlex& other) {
@@ -43,7 +75,7 @@ Wordlex& Wordlex::operator=(const Wordlex& other) {
     return *this;
 }
 
-Wordlex::~Wordlex() { delete text; }
+Wordlex::~Wordlex() { HeldText::Delete(text); }
 
 void Wordlex::MakeFromUnicode(const unsigned short* units, unsigned long count) {
     RemakeOrEmpty(*text,
