@@ -63,7 +63,8 @@ void CheckAccelerators(const CheckedFile& file, Findings& findings) {
     // Entries beside each other differ after the last "/" alone.
     std::unordered_map<std::string, const std::string*> firsts;
     for (const auto* item : file.InOrder()) {
-        const auto& [key, entry] = *item;
+        const std::string& key = item->first;
+        const Definition& entry = item->second;
         const Units text = UnitsOf(entry.value);
         if (std::ranges::find(text, u'&') == text.end()) continue;
         const Ampersands found = FindAmpersands(text);

@@ -151,7 +151,9 @@ void CheckMessages(const CheckedFile& file, Findings& findings) {
     const auto isMessage = [](const auto& entry) { return entry.second.isMessage; };
     if (std::ranges::none_of(file.entries, isMessage)) return;
     const MessageCheck messages(file);
-    for (const auto& [key, entry] : file.entries) {
+    for (const auto& item : file.entries) {
+        const std::string& key = item.first;
+        const Definition& entry = item.second;
         if (!entry.isMessage) continue;
         messages.Check(key, entry, [&](Rule rule, std::size_t at, std::string text) {
             findings.Add(rule, PlaceInValue(file, entry, at, at + 1), std::move(text), key);
