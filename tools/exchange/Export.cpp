@@ -8,6 +8,7 @@
 #include "tools/exchange/Exchange.h"
 #include "tools/exchange/Po.h"
 #include "tools/exchange/ShownText.h"
+#include "tools/exchange/Xliff.h"
 #include "tools/verbs/Verbs.h"
 
 namespace tool {
@@ -76,7 +77,11 @@ int Export(const Arguments& arguments) {
             AddObsolete(ReadTextDocument(obsolete), {&reference, &document}, exchange);
         }
     }
-    WriteOutput(arguments.Get("output"), WritePo(exchange));
+    const auto version =
+        arguments.Get("xliff-version") == "1.2" ? XliffVersion::k12 : XliffVersion::k21;
+    WriteOutput(arguments.Get("output"), arguments.Get("format") == "xliff"
+                                             ? WriteXliff(exchange, version)
+                                             : WritePo(exchange));
     return kSuccess;
 }
 

@@ -11,6 +11,7 @@
 #include "tools/exchange/Exchange.h"
 #include "tools/exchange/Po.h"
 #include "tools/exchange/ShownText.h"
+#include "tools/exchange/Xliff.h"
 #include "tools/verbs/Verbs.h"
 
 namespace tool {
@@ -194,7 +195,10 @@ int Import(const Arguments& arguments) {
     if (!arguments.Has("reference")) throw UsageFailure("--reference is required");
     const std::string& output = arguments.Has("output") ? arguments.Get("output") : name;
     const std::string shownSource = source == "-" ? "standard input" : source;
-    const Exchange exchange = ReadPo(shownSource, ReadInput(source));
+    const std::string bytes = ReadInput(source);
+    const std::string& format = arguments.Get("format");
+    const bool isXliff = format.empty() ? LooksLikeXml(bytes) : format == "xliff";
+    const Exchange exchange = isXliff ? ReadXliff(shownSource, bytes) : ReadPo(shownSource, bytes);
     Importer importer(shownSource, name, arguments.Get("reference"));
     {
         const Progress progress("importing", source);

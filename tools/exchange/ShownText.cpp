@@ -84,10 +84,7 @@ std::size_t TagLength(Units text) {
     return skip("\"") && skipBlanks() && skip("/>") ? at : 0;
 }
 
-}  // namespace
-
-std::size_t EntityLength(Units text) { return EntityAt(text).length; }
-
+// The units of the code that begins the shown text, or 0.
 std::size_t CodeLength(Units shown) {
     switch (shown[0]) {
         case u'\n':
@@ -96,13 +93,17 @@ std::size_t CodeLength(Units shown) {
         case u'^':
             return shown.size() > 1 && IsDigit(shown[1]) ? 2 : 0;
         case u'#':
-            return EntityLength(shown);
+            return EntityAt(shown).length;
         case u'<':
             return TagLength(shown);
         default:
             return 0;
     }
 }
+
+}  // namespace
+
+std::size_t EntityLength(Units text) { return EntityAt(text).length; }
 
 std::string ShownText(Units written) {
     const Written once = ResolveUnitEscapes(written);
@@ -186,6 +187,19 @@ std::vector<Piece> SplitCodes(std::string_view shown) {
     }
     addText(units.size());
     return pieces;
+}
+
+std::string NameOfCode(const std::string& code) {
+    if (code == "\n") return "\\n";
+    return code == "\t" ? "\\t" : code;
+}
+
+std::optional<std::string> CodeOfName(const std::string& name) {
+    if (name == "\\n") return "\n";
+    if (name == "\\t") return "\t";
+    const std::vector<Piece> pieces = SplitCodes(name);
+    if (pieces.size() != 1 || !pieces.front().isCode) return std::nullopt;
+    return name;
 }
 
 }  // namespace tool

@@ -3,6 +3,7 @@
 // has a meaning of its own stays as a code: markers "^0" to "^9", parameter tags, line breaks and
 // tabs, and in the form "#{...}" platform sections, #{comment}, #{copyyear} and characters that an
 // editor hides. A "#{" that is text is shown as "#{U+0023}{".
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,8 +26,11 @@ struct Piece {
 };
 // Splits a shown text into texts and single codes. None of them is empty.
 std::vector<Piece> SplitCodes(std::string_view shown);
-// The units of the code that begins the text, or 0.
-std::size_t CodeLength(Units shown);
+// A code in one line, for the attributes of XLIFF: "\n" and "\t" for line break and tab, and any
+// other code itself.
+std::string NameOfCode(const std::string& code);
+// Nothing for what is no single code.
+std::optional<std::string> CodeOfName(const std::string& name);
 // The units of the escape "#{...}" that begins the text, or 0.
 std::size_t EntityLength(Units text);
 
