@@ -11,6 +11,7 @@ namespace launcher {
 namespace {
 
 constexpr std::string_view kOwnLanguage = "en";
+constexpr std::string_view kPseudoLanguage = "qps";
 constexpr const char* kDictionariesFolder = "Dictionaries";
 constexpr const char* kDictionary = "wdictionary.dat";
 
@@ -21,12 +22,21 @@ std::vector<std::string> ShippedLanguages(const std::filesystem::path& appFolder
     std::error_code ignored;  // a folder that cannot be read ships nothing
     for (std::filesystem::directory_iterator entry(appFolder / kDictionariesFolder, ignored), end;
          entry != end; entry.increment(ignored)) {
-        if (entry->is_directory(ignored)) names.push_back(entry->path().filename());
+        const bool isOffered = entry->path().filename() != kPseudoLanguage;
+        if (isOffered && entry->is_directory(ignored)) names.push_back(entry->path().filename());
     }
     std::ranges::sort(names, {}, [](const std::string& name) {
         return std::pair(name != kOwnLanguage, std::string_view(name));
     });
     return names;
+}
+
+bool CanShow(const std::filesystem::path& appFolder, const std::vector<std::string>& shipped,
+             const std::string& language) {
+    std::error_code unreachable;
+    return std::ranges::find(shipped, language) != shipped.end() ||
+           (language == kPseudoLanguage &&
+            std::filesystem::is_directory(appFolder / kDictionariesFolder / language, unreachable));
 }
 
 bool HasDictionary(const std::filesystem::path& appFolder,

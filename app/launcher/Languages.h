@@ -10,6 +10,11 @@ namespace launcher {
 // which the application is written, first, the others by name. Empty when there are none.
 std::vector<std::string> ShippedLanguages(const std::filesystem::path& appFolder);
 
+// Whether the application can be shown in the language: a shipped one, or the pseudo language,
+// which a build has to show what is not localized, and which is offered to nobody.
+bool CanShow(const std::filesystem::path& appFolder, const std::vector<std::string>& shipped,
+             const std::string& language);
+
 // Whether one of these languages has a dictionary, or there is one that is for all languages.
 bool HasDictionary(const std::filesystem::path& appFolder,
                    const std::vector<std::string>& languages);

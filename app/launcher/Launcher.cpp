@@ -58,7 +58,7 @@ std::optional<Ending> ChooseLanguage(const std::optional<std::string>& wanted,
     if (!HasDictionary(appFolder, shipped)) return Ending{NoResourcesMessage(), kNoResources};
     // Without language folders, the one dictionary is for all languages.
     const bool any = shipped.empty() && wanted != "";
-    if (wanted && !any && std::ranges::find(shipped, *wanted) == shipped.end()) {
+    if (wanted && !any && !CanShow(appFolder, shipped, *wanted)) {
         std::string accepted;
         for (const auto& name : shipped)
             accepted += (accepted.empty() ? "" : ", ") + name;
