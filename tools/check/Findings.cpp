@@ -63,8 +63,7 @@ std::string Show(const Place& place) {
         return place.file + offset;
     }
     if (place.line == 0) return place.file;
-    const std::string line = place.file + ':' + std::to_string(place.line);
-    return place.column == 0 ? line : line + ':' + std::to_string(place.column);
+    return place.file + ':' + std::to_string(place.line) + ':' + std::to_string(place.column);
 }
 
 void Findings::Add(Rule rule, Place place, std::string text, std::optional<std::string> key) {

@@ -21,7 +21,7 @@ struct Place {
     std::uint64_t endUnit = 0;
     std::optional<std::uint64_t> offset = std::nullopt;  // bytes, in binary files
 };
-// "file:line:column", "file:line", "file:@0xOFFSET" or "file"
+// "file:line:column", "file:@0xOFFSET" or "file"
 std::string Show(const Place& place);
 
 struct Finding {

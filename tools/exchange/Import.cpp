@@ -5,9 +5,10 @@
 #include <unordered_map>
 
 #include "tools/base/Annotations.h"
-#include "tools/base/Content.h"
 #include "tools/base/Files.h"
 #include "tools/base/Progress.h"
+#include "tools/base/TextDocument.h"
+#include "tools/check/Check.h"
 #include "tools/exchange/Exchange.h"
 #include "tools/exchange/Po.h"
 #include "tools/exchange/ShownText.h"
@@ -52,7 +53,7 @@ public:
             }
             TakeUnit(unit);
         }
-        if (!changed.empty()) CheckResult();
+        if (!changed.empty()) CheckTexts();
         std::ranges::stable_sort(problems, {}, &Problem::line);
     }
 
@@ -156,14 +157,10 @@ private:
     }
 
     // The lines of the result are those of the dictionary: no import adds or removes one.
-    void CheckResult() {
-        Findings ofReference;
-        const CheckedFile checkedReference =
-            CheckFile(referenceName, reference.Bytes(), ofReference);
-        Findings findings;
-        const CheckedFile result = CheckFile(name, document.Bytes(), findings);
-        if (result.usable) CheckAgainst(result, checkedReference, ofReference, findings);
-        for (const Finding& finding : findings.Take()) {
+    void CheckTexts() {
+        const auto checkedReference = ReadReference(referenceName, reference.Bytes());
+        for (const Finding& finding :
+             CheckBytes(name, document.Bytes(), &checkedReference).findings) {
             const auto line = changed.find(finding.place.line);
             // The file's own mark, and the states, which the import counts.
             const bool isOther = finding.rule == Rule::kUtf8Mark || finding.rule == Rule::kStale ||

@@ -22,8 +22,9 @@ constexpr std::uint32_t kUsualExpansion = 30;  // percent, as --help says
 constexpr std::uint32_t kMostExpansion = 1000;
 
 constexpr std::size_t kLetters = 26;
-constexpr char16_t kSmall[] = u"åƀçðéƒĝĥîĵķļɱñöþǫŕšţûṽŵẋýž";
-constexpr char16_t kCapital[] = u"ÅƁÇÐÉƑĜĤÎĴĶĻṀÑÖÞǪŔŠŢÛṼŴẊÝŽ";
+// None is one that Windows-1252 has from 0x80 to 0x9F: texts would look like UTF-8 converted twice.
+constexpr char16_t kSmall[] = u"åƀçðéḟĝĥîĵķļɱñöþǫŕŝţûṽŵẋýż";
+constexpr char16_t kCapital[] = u"ÅƁÇÐÉƑĜĤÎĴĶĻṀÑÖÞǪŔŜŢÛṼŴẊÝŻ";
 static_assert(std::size(kSmall) == kLetters + 1 && std::size(kCapital) == kLetters + 1);
 
 unsigned short Accented(unsigned short unit) {
