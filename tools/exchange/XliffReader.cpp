@@ -286,7 +286,7 @@ private:
         if (data != codes.end()) return data->second;
         for (const char* const attribute : {"equiv-text", "disp", "equiv"}) {
             const auto named = AttributeOf(node, attribute);
-            const auto code = named ? CodeOfName(*named) : std::nullopt;
+            auto code = named ? CodeOfName(*named) : std::nullopt;
             if (code) return code;
         }
         return std::nullopt;
