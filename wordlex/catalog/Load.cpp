@@ -103,7 +103,7 @@ LoadResult Catalog::TryLoad(std::span<const std::byte> bytes) noexcept {
 LoadResult Catalog::TryLoad(std::span<const std::byte> bytes,
                             std::shared_ptr<const void> keeper) noexcept {
     return Attempt(nullptr, [&] {
-        if (auto store = OpenIndexed(bytes, std::move(keeper))) return Catalog(std::move(store));
+        if (auto opened = OpenIndexed(bytes, std::move(keeper))) return Catalog(std::move(opened));
         return Catalog(LoadCopy(bytes));
     });
 }
