@@ -155,7 +155,7 @@ TEST(MemoryRunsOut, QuestionsChangeNothing) {
             ForEveryFailingAllocation([&](auto inject) {
                 std::string answer;
                 dictionary.ReSetKeyEnumeration();
-                const Outcome outcome = inject([&] { answer = ask(dictionary); });
+                const Outcome outcome = inject([&, &asked = ask] { answer = asked(dictionary); });
                 EXPECT_NE(Outcome::kSwallowed, outcome);
                 EXPECT_EQ(outcome == Outcome::kDone ? expected : "", answer);
                 while (!compact && dictionary.HasMoreKey()) {
@@ -252,7 +252,7 @@ TEST(MemoryRunsOut, StringsAreAsBeforeOrAsAfter) {
         change(after);
         ForEveryFailingAllocation([&](auto inject) {
             Wordlex changed = text;
-            const Outcome outcome = inject([&] { change(changed); });
+            const Outcome outcome = inject([&, &applied = change] { applied(changed); });
             EXPECT_NE(Outcome::kSwallowed, outcome);
             EXPECT_EQ(Text(outcome == Outcome::kDone ? after : text), Text(changed));
         });

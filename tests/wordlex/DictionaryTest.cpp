@@ -263,7 +263,8 @@ TEST(DictionaryCopy, SharesCompactStoresAndNothingElse) {
     EXPECT_EQ(Lookup(compact, "/k"), u"v");
     EXPECT_EQ(Text(copy.Locale()), u"fr_FR");
     copy = *hash;  // a hash table is never copied
-    copy = copy;
+    const Dictionary& self = copy;
+    copy = self;
     EXPECT_EQ(Lookup(copy, "/k"), u"v");
 
     // A copy without a store gets one when an image needs it.

@@ -128,7 +128,9 @@ std::string TextDocument::Comment(const Line& line, Part part) const {
 }
 
 unsigned TextDocument::UnitAt(std::size_t at) const {
-    const auto byteAt = [this](std::size_t i) { return static_cast<unsigned char>(source[i]); };
+    const auto byteAt = [this](std::size_t i) -> unsigned {
+        return static_cast<unsigned char>(source[i]);
+    };
     if (at + unitSize > source.size()) return 0;
     if (unitSize == 1) return byteAt(at);
     return bigEndian ? byteAt(at) << 8 | byteAt(at + 1) : byteAt(at + 1) << 8 | byteAt(at);
