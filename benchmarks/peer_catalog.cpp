@@ -38,7 +38,7 @@ struct Catalog : NoPrepare {
         return std::make_unique<Catalog>(Catalog{{}, lexon::Catalog::Load(file(dir))});
     }
     std::size_t get(const char* key) {
-        const auto found = catalog.Find(std::string_view(key));
+        const auto found = catalog.Find(key);
         if (!found.has_value()) return kMiss;
         if constexpr (kCopy) {
             const std::u16string copy(*found);
@@ -48,9 +48,7 @@ struct Catalog : NoPrepare {
         }
         return found->size();
     }
-    std::u16string text(const char* key) {
-        return std::u16string(catalog.Find(std::string_view(key)).value_or(u""));
-    }
+    std::u16string text(const char* key) { return std::u16string(catalog.Find(key).value_or(u"")); }
 };
 
 }  // namespace

@@ -175,6 +175,7 @@ TEST(Catalog, TakesKeysAsCallersWriteThem) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.key);
         const auto found = catalog.Find(row.key);
+        EXPECT_EQ(found, catalog.Find(std::string_view(row.key)));
         EXPECT_EQ(row.found != nullptr, found.has_value());
         if (row.found != nullptr) {
             EXPECT_EQ(row.found, found);

@@ -96,7 +96,7 @@ void wordlex_error_free(wordlex_error* error) { delete error; }
 
 const uint16_t* wordlex_find(const wordlex_catalog* catalog, const char* key, size_t* length) {
     static constexpr uint16_t kEmpty[] = {0};
-    const auto text = catalog->catalog.Find(std::string_view(key));
+    const auto text = catalog->catalog.Find(key);
     *length = text.has_value() ? text->size() : 0;
     if (!text.has_value()) return nullptr;
     return text->empty() ? kEmpty : reinterpret_cast<const uint16_t*>(text->data());

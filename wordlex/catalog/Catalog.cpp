@@ -27,7 +27,12 @@ Catalog::Catalog(std::shared_ptr<const CatalogStore> content) noexcept
 
 std::optional<std::u16string_view> Catalog::Find(std::string_view key) const noexcept {
     if (store == nullptr) return std::nullopt;
-    return store->Find(key);
+    return store->Find(WrittenKey(key));
+}
+
+std::optional<std::u16string_view> Catalog::FindTerminated(const char* key) const noexcept {
+    if (store == nullptr) return std::nullopt;
+    return store->Find(WrittenKey(key));
 }
 
 std::u16string Catalog::Text(std::string_view key) const {
@@ -47,7 +52,7 @@ std::optional<std::u16string_view> Catalog::Find(std::uint32_t id) const noexcep
 
 std::optional<std::uint32_t> Catalog::IdOf(std::string_view key) const noexcept {
     if (store == nullptr) return std::nullopt;
-    return store->IdOf(key);
+    return store->IdOf(WrittenKey(key));
 }
 
 std::optional<std::string_view> Catalog::KeyOf(std::uint32_t id) const noexcept {

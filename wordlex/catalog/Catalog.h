@@ -267,6 +267,12 @@ public:
 
     // The text of the key, in place.
     std::optional<std::u16string_view> Find(std::string_view key) const noexcept;
+    // The same for a zero-terminated key such as a literal: a little faster, as a default text is
+    // not read.
+    template <std::same_as<const char*> Key>
+    std::optional<std::u16string_view> Find(Key key) const noexcept {
+        return FindTerminated(key);
+    }
     // The text of the key, else its default text: UTF-8, with its escapes converted as those of a
     // dictionary are. Bytes that are not UTF-8 become U+FFFD.
     std::u16string Text(std::string_view key) const;
@@ -300,6 +306,7 @@ public:
 
 private:
     explicit Catalog(std::shared_ptr<const detail::CatalogStore> content) noexcept;
+    std::optional<std::u16string_view> FindTerminated(const char* key) const noexcept;
 
     std::shared_ptr<const detail::CatalogStore> store;  // null when empty
 };

@@ -61,21 +61,28 @@ public:
             const auto keyAt = static_cast<std::uint32_t>(entry.keyAt);
             const auto textAt = static_cast<std::uint32_t>(entry.textAt * sizeof(char16_t));
             const auto textLength = static_cast<std::uint32_t>(entry.textCount * sizeof(char16_t));
-            const auto [record, isNew] =
-                builder.Claim({content->keys.data() + keyAt, entry.keyLength}, keyArea);
+            const std::string_view key(content->keys.data() + keyAt, entry.keyLength);
+            const auto [place, isNew] =
+                builder.Claim(key, builder.Prepare(key), [&content = *content](std::uint32_t id) {
+                    return std::string_view(content.keys.data() + content.keyOffsets[id],
+                                            content.keyLengths[id]);
+                });
             if (isNew) {
-                record = {static_cast<std::uint32_t>(lines.size()), keyAt,
-                          static_cast<std::uint32_t>(entry.keyLength), textAt, textLength};
+                const auto keyLength = static_cast<std::uint32_t>(entry.keyLength);
+                builder.Set(place, static_cast<std::uint32_t>(lines.size()), {keyAt, keyLength},
+                            {textAt, textLength});
                 content->keyOffsets.push_back(keyAt);
-                content->keyLengths.push_back(record.keyLength);
+                content->keyLengths.push_back(keyLength);
                 content->textOffsets.push_back(textAt);
                 content->textLengths.push_back(textLength);
                 lines.push_back(entry.line);
             } else {
-                replaced(lines[record.entry], entry.line);
-                record.textOffset = content->textOffsets[record.entry] = textAt;
-                record.textLength = content->textLengths[record.entry] = textLength;
-                lines[record.entry] = entry.line;
+                const std::uint32_t id = builder.EntryAt(place);
+                replaced(lines[id], entry.line);
+                content->textOffsets[id] = textAt;
+                content->textLengths[id] = textLength;
+                builder.SetText(place, {textAt, textLength});
+                lines[id] = entry.line;
             }
         }
         store->entryCount = static_cast<std::uint32_t>(lines.size());

@@ -54,19 +54,29 @@ public:
 
     void CheckStrings(const Strings& strings, ImageFault fault) const {
         const std::size_t count = strings.offsets.size() / sizeof(std::uint32_t);
-        for (std::size_t i = 0; i < count; ++i) {
-            const std::uint64_t end = std::uint64_t{At<std::uint32_t>(strings.offsets, i)} +
-                                      At<std::uint16_t>(strings.lengths, i);
-            if (end > strings.area.size()) Throw(strings.offsets, i * sizeof(std::uint32_t), fault);
-        }
+        RefuseFirst(strings.offsets, sizeof(std::uint32_t), count, fault, [&](std::size_t i) {
+            return std::uint64_t{At<std::uint32_t>(strings.offsets, i)} +
+                       At<std::uint16_t>(strings.lengths, i) >
+                   strings.area.size();
+        });
     }
     template <class T>
     void CheckBelow(Bytes table, std::uint64_t bound, ImageFault fault) const {
-        for (std::size_t i = 0; i < table.size() / sizeof(T); ++i)
-            if (At<T>(table, i) >= bound) Throw(table, i * sizeof(T), fault);
+        RefuseFirst(table, sizeof(T), table.size() / sizeof(T), fault,
+                    [&](std::size_t i) { return At<T>(table, i) >= bound; });
     }
 
 private:
+    // Goes through all items without a branch, and looks for the bad one only when there is one.
+    template <class IsBad>
+    void RefuseFirst(Bytes table, std::size_t itemSize, std::size_t count, ImageFault fault,
+                     IsBad isBad) const {
+        bool bad = false;
+        for (std::size_t i = 0; i < count; ++i)
+            bad |= isBad(i);
+        for (std::size_t i = 0; bad && i < count; ++i)
+            if (isBad(i)) Throw(table, i * itemSize, fault);
+    }
     [[noreturn]] void Throw(Bytes table, std::size_t at, ImageFault fault) const {
         throw LoadFault{{.code = LoadError::Code::kMalformed,
                          .offset = static_cast<std::uint64_t>(table.data() - file.data()) + at,
@@ -117,11 +127,18 @@ public:
 
     void MoveInto(CatalogStore& store) && {
         if (!AddInOrderOfIds()) AddInOrderOfLists();
+        Flush();
         std::move(builder).MoveInto(store);
     }
 
 private:
     static constexpr std::uint16_t kNotListed = 0xFFFF;
+    static constexpr std::size_t kBatch = 32;  // keys whose buckets are fetched at once
+
+    struct Pending {
+        std::uint32_t id;
+        std::uint64_t hash;
+    };
 
     // Reads the entries as they lie, much the faster way; false when the lists are not such that it
     // gives the same: with every id at most once, and ascending.
@@ -157,19 +174,35 @@ private:
     }
 
     void Add(std::uint16_t slotNumber, std::uint32_t id) noexcept {
-        const Bytes key = *parts.keys.At(id);
+        const std::string_view key = KeyOf(id);
         if (key.empty()) return;  // was removed
         const auto* const bytes = reinterpret_cast<const unsigned char*>(key.data());
         if (lexon_private::HashFunc(bytes, key.size()) != slotNumber) return;
-        const auto [record, isNew] =
-            builder.Claim({reinterpret_cast<const char*>(bytes), key.size()}, parts.keys.area);
-        if (!isNew) return;
-        record = {id, parts.keys.Offset(id), static_cast<std::uint32_t>(key.size()),
-                  parts.texts.Offset(id), parts.texts.Length(id)};
+        pending[pendingCount++] = {id, builder.Prepare(key)};
+        if (pendingCount == kBatch) Flush();
+    }
+
+    void Flush() noexcept {
+        for (const auto& [id, hash] : std::span(pending).first(pendingCount)) {
+            const auto [place, isNew] = builder.Claim(
+                KeyOf(id), hash, [this](std::uint32_t other) { return KeyOf(other); });
+            if (!isNew) continue;
+            builder.Set(place, id, {parts.keys.Offset(id), parts.keys.Length(id)},
+                        {parts.texts.Offset(id), parts.texts.Length(id)});
+        }
+        pendingCount = 0;
+    }
+
+    // The strings have been checked.
+    std::string_view KeyOf(std::uint32_t id) const noexcept {
+        const std::byte* const area = parts.keys.area.data();
+        return {reinterpret_cast<const char*>(area) + parts.keys.Offset(id), parts.keys.Length(id)};
     }
 
     const ImageParts& parts;
     IndexBuilder builder;
+    Pending pending[kBatch];
+    std::size_t pendingCount = 0;
 };
 
 }  // namespace

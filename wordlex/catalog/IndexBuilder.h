@@ -1,20 +1,69 @@
 #pragma once
+#include <algorithm>
 #include <memory>
 
 #include "wordlex/catalog/Store.h"
 
 namespace lexon::detail {
 
-// Fills an index of up to `most` keys, with three places for two keys.
+// Fills an index of up to `most` keys, with seven places for four keys.
 class IndexBuilder {
 public:
     IndexBuilder(std::uint32_t most, std::uint64_t seed);
 
+    // The hash of a key that is claimed soon: its bucket is fetched meanwhile.
+    std::uint64_t Prepare(std::string_view key) const noexcept {
+        const std::uint64_t hash = Index::Hash(key, seed);
+        __builtin_prefetch(&buckets[Index::Home(hash, bucketCount)], 1);
+        return hash;
+    }
+
     struct Claimed {
-        IndexRecord& record;
-        bool isNew;  // the caller fills the record
+        std::size_t place;
+        bool isNew;  // the caller sets the place
     };
-    Claimed Claim(std::string_view key, Bytes keyArea) noexcept;
+    // keyOf(entry) is the key of an entry that was set.
+    template <class KeyOf>
+    Claimed Claim(std::string_view key, std::uint64_t hash, KeyOf keyOf) noexcept {
+        const std::uint32_t digest = Index::DigestOf(hash);
+        std::uint32_t at = Index::Home(hash, bucketCount);
+        for (std::uint32_t probe = 0;; ++probe) {
+            const auto* const bucket = reinterpret_cast<const std::byte*>(&buckets[at]);
+            const auto placeOf = [at](std::uint32_t bits) {
+                return std::size_t{at} * Bucket::kPlaces +
+                       static_cast<std::size_t>(std::countr_zero(bits));
+            };
+            for (auto left = Index::Matches(bucket, digest); left != 0; left &= left - 1) {
+                const std::size_t place = placeOf(left);
+                if (keyOf(entries[place]) == key) return {place, false};
+            }
+            if (const auto empty = Index::Matches(bucket, 0)) {
+                const std::size_t place = placeOf(empty);
+                buckets[at].digests[place % Bucket::kPlaces] = digest;
+                longestProbe = std::max(longestProbe, probe);
+                return {place, true};
+            }
+            if (++at == bucketCount) at = 0;
+        }
+    }
+
+    struct Extent {
+        std::uint32_t offset;
+        std::uint32_t length;
+    };
+    void Set(std::size_t place, std::uint32_t entry, Extent key, Extent text) noexcept {
+        Bucket& bucket = buckets[place / Bucket::kPlaces];
+        bucket.keyOffsets[place % Bucket::kPlaces] = key.offset;
+        bucket.keyLengths[place % Bucket::kPlaces] = Short(key.length);
+        entries[place] = entry;
+        SetText(place, text);
+    }
+    void SetText(std::size_t place, Extent text) noexcept {
+        Bucket& bucket = buckets[place / Bucket::kPlaces];
+        bucket.textOffsets[place % Bucket::kPlaces] = text.offset;
+        bucket.textLengths[place % Bucket::kPlaces] = Short(text.length);
+    }
+    std::uint32_t EntryAt(std::size_t place) const noexcept { return entries[place]; }
 
     // Gives the index to a store, which keeps it from then on.
     void MoveInto(CatalogStore& store) &&;
@@ -23,8 +72,12 @@ public:
     static std::uint64_t RandomSeed();
 
 private:
-    std::unique_ptr<Index::Digest[]> digests;
-    std::unique_ptr<IndexRecord[]> records;
+    static std::uint16_t Short(std::uint32_t length) noexcept {
+        return static_cast<std::uint16_t>(std::min(length, Bucket::kLongLength));
+    }
+
+    std::unique_ptr<Bucket[]> buckets;
+    std::unique_ptr<std::uint32_t[]> entries;
     std::uint32_t bucketCount;
     std::uint32_t longestProbe = 0;
     std::uint64_t seed;

@@ -24,6 +24,7 @@ struct Fixed {
     std::uint64_t acceleratorsAt;  // their number, in the image
 };
 static_assert(sizeof(Fixed) == 40);
+constexpr std::size_t kBucketsAt = 64;  // in the section, which begins at a multiple of it
 static_assert(kMagic.size() + sizeof(std::uint64_t) == kIndexTrailerSize);
 
 class Writer {
@@ -85,10 +86,11 @@ std::string MakeIndexSection(std::string_view image) {
     std::uint64_t textsAt = offsetOf(inFile.texts.area);
     std::uint64_t acceleratorTextsAt =
         inFile.acceleratorCount == 0 ? 0 : offsetOf(inFile.accelerators.area);
-    const std::uint64_t sectionAt = (image.size() + 3) / 4 * 4;
+    const std::uint64_t sectionAt =
+        (image.size() + sizeof(Bucket) - 1) / sizeof(Bucket) * sizeof(Bucket);
     Writer writer(lexon_private::setEndian(inFile.header.order));
     const std::uint64_t copiesAt =
-        sectionAt + sizeof(Fixed) + index.digests.size() + index.records.size();
+        sectionAt + kBucketsAt + index.buckets.size() + index.entries.size();
     Bytes textCopy;
     Bytes acceleratorCopy;
     if (textsAt % 2 != 0) {
@@ -103,8 +105,14 @@ std::string MakeIndexSection(std::string_view image) {
     writer.out.append(sectionAt - image.size(), '\0');
     writer.Put(kVersion, seed - 1, index.bucketCount, index.longestProbe, textsAt,
                acceleratorTextsAt, inFile.acceleratorsAt);
-    writer.PutTable<Index::Digest>(index.digests);
-    writer.PutTable<std::uint32_t>(index.records);
+    writer.out.append(kBucketsAt - sizeof(Fixed), '\0');
+    for (std::size_t at = 0; at < index.buckets.size(); at += sizeof(Bucket)) {
+        constexpr std::size_t kLengthsAt = offsetof(Bucket, keyLengths);
+        const Bytes bucket = index.buckets.subspan(at, sizeof(Bucket));
+        writer.PutTable<std::uint32_t>(bucket.first(kLengthsAt));
+        writer.PutTable<std::uint16_t>(bucket.subspan(kLengthsAt));
+    }
+    writer.PutTable<std::uint32_t>(index.entries);
     writer.PutTable<std::uint16_t>(textCopy);
     writer.PutTable<std::uint16_t>(acceleratorCopy);
     writer.Put(sectionAt);
@@ -130,14 +138,15 @@ std::shared_ptr<CatalogStore> OpenIndexed(Bytes file, std::shared_ptr<const void
     if (!head.has_value()) return nullptr;
     const auto fixed = LoadAt<Fixed>(*head, 0);
     if (fixed.version != kVersion || fixed.longestProbe > kMostProbes) return nullptr;
-    const std::uint64_t places = std::uint64_t{fixed.bucketCount} * Index::kBucketKeys;
-    const std::uint64_t digestsAt = sectionAt + sizeof(Fixed);
-    const auto digests = Part(file, digestsAt, places * sizeof(Index::Digest));
-    const auto records =
-        Part(file, digestsAt + places * sizeof(Index::Digest), places * sizeof(IndexRecord));
+    const std::uint64_t bucketsSize = std::uint64_t{fixed.bucketCount} * sizeof(Bucket);
+    const std::uint64_t bucketsAt = sectionAt + kBucketsAt;
+    const auto buckets = Part(file, bucketsAt, bucketsSize);
+    const auto entries =
+        Part(file, bucketsAt + bucketsSize,
+             std::uint64_t{fixed.bucketCount} * Bucket::kPlaces * sizeof(std::uint32_t));
     const auto texts = Part(file, fixed.textsAt, parts.texts.area.size());
     const auto tables = Part(file, fixed.acceleratorsAt, file.size() - fixed.acceleratorsAt);
-    if (!digests.has_value() || !records.has_value() || !texts.has_value() || !tables.has_value())
+    if (!buckets.has_value() || !entries.has_value() || !texts.has_value() || !tables.has_value())
         return nullptr;
 
     lexon_private::ImageReader rest = ReaderOf(*tables);
@@ -151,7 +160,7 @@ std::shared_ptr<CatalogStore> OpenIndexed(Bytes file, std::shared_ptr<const void
     auto store = std::make_shared<CatalogStore>();
     Adopt(parts, *store);
     if (parts.liveCount != 0 && parts.keyed) {
-        store->index = {*digests, *records, fixed.bucketCount, fixed.longestProbe, fixed.seed};
+        store->index = {*buckets, *entries, fixed.bucketCount, fixed.longestProbe, fixed.seed};
     }
     if (keeper != nullptr) store->keepers.push_back(std::move(keeper));
     return store;

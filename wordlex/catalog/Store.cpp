@@ -1,10 +1,5 @@
 #include "wordlex/catalog/Store.h"
 
-#include <bit>
-
-#define XXH_INLINE_ALL
-#include <xxhash.h>
-
 namespace lexon::detail {
 
 namespace {
@@ -24,52 +19,39 @@ std::optional<std::u16string_view> Units(std::optional<Bytes> bytes) noexcept {
     return std::u16string_view(reinterpret_cast<const char16_t*>(bytes->data()), count);
 }
 
-std::uint32_t Field(const std::byte* record, std::size_t offset) noexcept {
-    std::uint32_t value;
-    std::memcpy(&value, record + offset, sizeof value);
-    return value;
-}
-
 }  // namespace
 
-std::uint64_t Index::Hash(std::string_view key, std::uint64_t seed) noexcept {
-    return XXH3_64bits_withSeed(key.data(), key.size(), seed);
-}
-
-const std::byte* CatalogStore::FindRecord(std::string_view written) const noexcept {
-    const WrittenKey parsed(written);
-    const std::string_view key = parsed.key;
-    if (!parsed.valid || index.bucketCount == 0) return nullptr;
-    const std::uint64_t hash = Index::Hash(key, index.seed);
-    const Index::Digest digest = Index::DigestOf(hash);
-    std::uint32_t bucket = Index::Home(hash, index.bucketCount);
-    for (std::uint32_t probe = 0; probe <= index.longestProbe; ++probe) {
-        const std::size_t first = std::size_t{bucket} * Index::kBucketKeys;
-        const std::byte* const digests = index.digests.data() + first * sizeof digest;
-        for (auto left = Index::Matches(digests, digest); left != 0; left &= left - 1) {
-            const auto position = first + static_cast<std::size_t>(std::countr_zero(left));
-            const std::byte* const record = index.records.data() + position * sizeof(IndexRecord);
-            const auto held = Part(keys.area, Field(record, offsetof(IndexRecord, keyOffset)),
-                                   Field(record, offsetof(IndexRecord, keyLength)));
-            if (held.has_value() && Characters(*held) == key) return record;
-        }
-        if (Index::Matches(digests, 0) != 0) return nullptr;
-        if (++bucket == index.bucketCount) bucket = 0;
+inline std::optional<Bytes> CatalogStore::At(std::size_t place, std::size_t offsets,
+                                             std::size_t lengths,
+                                             const Strings& strings) const noexcept {
+    std::uint32_t length = index.Field<std::uint16_t>(place, lengths);
+    if (length == Bucket::kLongLength) {
+        const std::uint32_t entry = index.EntryAt(place);
+        if (entry >= entryCount) return std::nullopt;
+        length = strings.Length(entry);
     }
-    return nullptr;
+    return Part(strings.area, index.Field<std::uint32_t>(place, offsets), length);
 }
 
-std::optional<std::u16string_view> CatalogStore::Find(std::string_view written) const noexcept {
-    const std::byte* const record = FindRecord(written);
-    if (record == nullptr) return std::nullopt;
-    return Units(Part(texts.area, Field(record, offsetof(IndexRecord, textOffset)),
-                      Field(record, offsetof(IndexRecord, textLength))));
+inline std::size_t CatalogStore::PlaceOf(const WrittenKey& written) const noexcept {
+    if (!written.valid) return Index::kNowhere;
+    return index.Find(Index::Hash(written.key, index.seed), [&](std::size_t place) {
+        const auto held =
+            At(place, offsetof(Bucket, keyOffsets), offsetof(Bucket, keyLengths), keys);
+        return held.has_value() && Characters(*held) == written.key;
+    });
 }
 
-std::optional<std::uint32_t> CatalogStore::IdOf(std::string_view written) const noexcept {
-    const std::byte* const record = FindRecord(written);
-    if (record == nullptr) return std::nullopt;
-    return Field(record, offsetof(IndexRecord, entry));
+std::optional<std::u16string_view> CatalogStore::Find(const WrittenKey& written) const noexcept {
+    const std::size_t place = PlaceOf(written);
+    if (place == Index::kNowhere) return std::nullopt;
+    return Units(At(place, offsetof(Bucket, textOffsets), offsetof(Bucket, textLengths), texts));
+}
+
+std::optional<std::uint32_t> CatalogStore::IdOf(const WrittenKey& written) const noexcept {
+    const std::size_t place = PlaceOf(written);
+    if (place == Index::kNowhere) return std::nullopt;
+    return index.EntryAt(place);
 }
 
 bool CatalogStore::Has(std::uint32_t id) const noexcept {

@@ -1,0 +1,95 @@
+#pragma once
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+#define XXH_INLINE_ALL
+#include <xxhash.h>
+
+#include "wordlex/catalog/Bytes.h"
+
+namespace lexon::detail {
+
+// Room for four keys and all that a look-up by key needs of them, in one cache line. Offsets and
+// lengths are bytes. On disk in the index of a file, field by field in the file's byte order: never
+// change.
+struct alignas(64) Bucket {
+    static constexpr std::uint32_t kPlaces = 4;
+    // This length or a greater one stands in the table of the entry's strings.
+    static constexpr std::uint32_t kLongLength = 0xFFFF;
+
+    std::uint32_t digests[kPlaces];      // 0: no key
+    std::uint32_t keyOffsets[kPlaces];   // in the key area
+    std::uint32_t textOffsets[kPlaces];  // in the text area
+    std::uint16_t keyLengths[kPlaces];
+    std::uint16_t textLengths[kPlaces];
+};
+static_assert(sizeof(Bucket) == 64);
+
+// A closed hash table of buckets. A key lies in the bucket that its hash gives, or where that is
+// full in one of the next, round the end: no more than `longestProbe` buckets further. A key's
+// place is numbered through all buckets.
+struct Index {
+    Bytes buckets;
+    Bytes entries;  // of each place its entry, 32 bits
+    std::uint32_t bucketCount = 0;
+    std::uint32_t longestProbe = 0;
+    std::uint64_t seed = 0;
+
+    static std::uint64_t Hash(std::string_view key, std::uint64_t seed) noexcept {
+        return XXH3_64bits_withSeed(key.data(), key.size(), seed);
+    }
+    static std::uint32_t Home(std::uint64_t hash, std::uint32_t bucketCount) noexcept {
+        return static_cast<std::uint32_t>(((hash >> 32) * bucketCount) >> 32);
+    }
+    static std::uint32_t DigestOf(std::uint64_t hash) noexcept {
+        const auto low = static_cast<std::uint32_t>(hash);
+        return low != 0 ? low : 1;
+    }
+    // Which of a bucket's digests equal this one: a bit for each, the lowest for the first.
+    static std::uint32_t Matches(const std::byte* bucket, std::uint32_t digest) noexcept {
+        typedef std::uint32_t Four __attribute__((vector_size(16)));  // compared at once
+        static_assert(offsetof(Bucket, digests) == 0 && sizeof(Four) == sizeof(Bucket::digests));
+        Four digests;
+        std::memcpy(&digests, bucket, sizeof digests);
+        const auto bits = (digests == digest) & Four{1, 2, 4, 8};
+        std::uint64_t halves[2];
+        std::memcpy(halves, &bits, sizeof halves);
+        const std::uint64_t both = halves[0] | halves[1];
+        return static_cast<std::uint32_t>(both | both >> 32);
+    }
+
+    // The field of a place; `fields` is its offset in the bucket.
+    template <class T>
+    T Field(std::size_t place, std::size_t fields) const noexcept {
+        return LoadAt<T>(buckets, place / Bucket::kPlaces * sizeof(Bucket) + fields +
+                                      place % Bucket::kPlaces * sizeof(T));
+    }
+    std::uint32_t EntryAt(std::size_t place) const noexcept {
+        return LoadAt<std::uint32_t>(entries, place * sizeof(std::uint32_t));
+    }
+
+    static constexpr std::size_t kNowhere = ~std::size_t{0};
+    // The place with the hash of which hasKey(place) says that the key is there, or kNowhere.
+    template <class HasKey>
+    std::size_t Find(std::uint64_t hash, HasKey hasKey) const noexcept {
+        if (bucketCount == 0) return kNowhere;
+        const std::uint32_t digest = DigestOf(hash);
+        std::uint32_t at = Home(hash, bucketCount);
+        for (std::uint32_t probe = 0; probe <= longestProbe; ++probe) {
+            const std::byte* const bucket = buckets.data() + std::size_t{at} * sizeof(Bucket);
+            for (auto left = Matches(bucket, digest); left != 0; left &= left - 1) {
+                const std::size_t place = std::size_t{at} * Bucket::kPlaces +
+                                          static_cast<std::size_t>(std::countr_zero(left));
+                if (hasKey(place)) return place;
+            }
+            if (Matches(bucket, 0) != 0) return kNowhere;
+            if (++at == bucketCount) at = 0;
+        }
+        return kNowhere;
+    }
+};
+
+}  // namespace lexon::detail
