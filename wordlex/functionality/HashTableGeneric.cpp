@@ -13,29 +13,6 @@ namespace lexon_private {
 
 namespace {
 
-// Around an item mostly lies what was allocated with it, value and key: they come from memory
-// together with it rather than one after the other.
-void PrefetchAround(const HashItem* item) noexcept {
-    constexpr std::intptr_t kCacheLine = 64;
-    // By numbers: these lines need not be part of any object.
-    const auto address = reinterpret_cast<std::intptr_t>(item);
-    for (const std::intptr_t line : {-4, -3, -2, -1, 1, 2}) {
-        // NOLINTNEXTLINE(performance-no-int-to-ptr)
-        __builtin_prefetch(reinterpret_cast<const void*>(address + line * kCacheLine));
-    }
-}
-
-// Calls visit(item) for each, and fetches what lies around the items that come soon: those of a
-// bucket lie anywhere in memory.
-template <class Visit>
-void VisitFetched(std::span<const HashItem* const> items, Visit visit) {
-    constexpr std::size_t kAhead = 8;
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        if (i + kAhead < items.size()) PrefetchAround(items[i + kAhead]);
-        visit(*items[i]);
-    }
-}
-
 // An area of an image, collected in memory until the tables before it are written: each item is
 // fetched once.
 class Area {
@@ -209,8 +186,9 @@ std::uint32_t HashTableGeneric::Serialize(std::ostream& out, bool binary,
     if (binary) return SerializeBinary(out, encoding);
     std::uint32_t written = 0;
     BlockStream blocks(out);
-    VisitFetched(InOrder().items,
-                 [&](const HashItem& item) { written += item.Serialize(blocks, false, encoding); });
+    const Listing listing = InOrder();
+    for (const HashItem* const item : listing.items)
+        written += item->Serialize(blocks, false, encoding);
     blocks.Finish();
     return written;
 }
@@ -261,10 +239,10 @@ std::uint32_t HashTableGeneric::Serialize2(std::ostream& out, bool binary,
     Area keys;
     Area values;
     const Listing listing = InOrder();
-    VisitFetched(listing.items, [&](const HashItem& item) {
-        keySizes.push_back(item.SerializeKey(keys.To(), true, encoding));
-        valueSizes.push_back(item.SerializeValue(values.To(), true, nullptr, order));
-    });
+    for (const HashItem* const item : listing.items) {
+        keySizes.push_back(item->SerializeKey(keys.To(), true, encoding));
+        valueSizes.push_back(item->SerializeValue(values.To(), true, nullptr, order));
+    }
     const auto keyArea = std::accumulate(keySizes.begin(), keySizes.end(), std::uint64_t{0});
     const auto valueArea = std::accumulate(valueSizes.begin(), valueSizes.end(), std::uint64_t{0});
     const auto itemCount = static_cast<std::uint32_t>(keySizes.size());
