@@ -98,6 +98,12 @@ TEST(FailingStream, ThatThrowsAtItsEndHasGivenEveryLine) {
     }
 }
 
+TEST(FailingStream, WithoutABufferThrowsOnRequestToo) {
+    std::istream none(nullptr);
+    EXPECT_THROW(none.exceptions(std::ios_base::badbit), std::ios_base::failure);
+    EXPECT_THROW(Dictionary().Read(&none), std::ios_base::failure);
+}
+
 TEST(FailingStream, TakesWhatIsWrittenUpToTheFault) {
     Dictionary table;
     Fill(table);

@@ -54,8 +54,11 @@ public:
         stream.exceptions(std::ios_base::goodbit);
     }
     ~QuietStream() {
-        stream.clear();
-        stream.exceptions(thrownOn);
+        try {
+            stream.clear();
+            stream.exceptions(thrownOn);
+        } catch (...) {  // a stream without a buffer stays bad; its next use throws again
+        }
     }
     QuietStream(const QuietStream&) = delete;
     QuietStream& operator=(const QuietStream&) = delete;
