@@ -15,7 +15,7 @@ namespace lexon_private {
 // Memory:   an entry that Make made lies, with its key, in the allocation of its value. Whoever
 //           ends an entry by delete ends either kind.
 // Values are stored converted: escapes cost at load time, never at lookup.
-class DictionaryEntry final : public ByteRunKey {
+class DictionaryEntry : public ByteRunKey {
 public:
     using EscapeTableEntry = lexon_private::EscapeTableEntry;
 
