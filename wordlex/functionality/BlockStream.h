@@ -48,7 +48,7 @@ private:
         int_type overflow(int_type byte) override;
 
     private:
-        // Few calls of the system, and most of the first-level cache is left to the entries.
+        // Few calls of the system, and the entries keep most of the first-level cache.
         static constexpr std::size_t kBlockBytes = 0x4000;
 
         void Clear() noexcept { setp(block.data(), block.data() + block.size()); }
