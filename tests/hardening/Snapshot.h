@@ -1,22 +1,11 @@
 #pragma once
-#include <sstream>
 #include <string>
-#include <string_view>
 
-#include "wordlex/functionality/Dictionary.h"
+#include "tests/wordlex/Dictionaries.h"
 
 namespace hardening {
 
-inline void Load(lexon_private::Dictionary& dictionary, std::string_view image,
-                 bool copyKeys = true) {
-    dictionary.Read(image.data(), static_cast<int>(image.size()), copyKeys);
-}
-
-inline std::string Saved(const lexon_private::Dictionary& dictionary, lexon::SaveType type) {
-    std::ostringstream out;
-    dictionary.Serialize(out, type, nullptr, lexon::EndianT::kBig, 0);
-    return out.str();
-}
+using wordlex_tests::Saved;
 
 // What a dictionary holds, as bytes: equal when nothing differs.
 inline std::string Content(const lexon_private::Dictionary& dictionary) {

@@ -104,6 +104,16 @@ TEST(FailingStream, WithoutABufferThrowsOnRequestToo) {
     EXPECT_THROW(Dictionary().Read(&none), std::ios_base::failure);
 }
 
+// Whether the stream is good afterwards.
+bool Write(const Dictionary& dictionary, lexon::SaveType type, std::size_t faultAt, Fault fault,
+           std::string& taken, std::ios_base::iostate thrownOn = std::ios_base::goodbit) {
+    FaultySink sink(taken, faultAt, fault);
+    std::ostream stream(&sink);
+    stream.exceptions(thrownOn);
+    dictionary.Serialize(stream, type, nullptr, lexon::EndianT::kBig, 0);
+    return stream.good();
+}
+
 TEST(FailingStream, TakesWhatIsWrittenUpToTheFault) {
     Dictionary table;
     Fill(table);
@@ -114,19 +124,12 @@ TEST(FailingStream, TakesWhatIsWrittenUpToTheFault) {
         const std::string before = Snapshot(*dictionary);
         for (const lexon::SaveType type :
              {lexon::SaveType::kBinary, lexon::SaveType::kText, lexon::SaveType::kBinaryNoKeys}) {
-            const auto write = [&](std::size_t faultAt, Fault fault, std::string& taken) {
-                FaultySink sink(taken, faultAt, fault);
-                std::ostream stream(&sink);
-                dictionary->Serialize(stream, type, nullptr, lexon::EndianT::kBig, 0);
-                return stream.good();
-            };
-            std::string whole;
-            EXPECT_TRUE(write(std::string::npos, Fault::kEnds, whole));
+            const std::string whole = Saved(*dictionary, type);
             for (std::size_t at = 0; at < whole.size(); ++at) {
                 for (const Fault fault : {Fault::kEnds, Fault::kThrows}) {
                     SCOPED_TRACE(at);
                     std::string taken;
-                    EXPECT_FALSE(write(at, fault, taken));
+                    EXPECT_FALSE(Write(*dictionary, type, at, fault, taken));
                     EXPECT_EQ(whole.substr(0, at), taken);
                 }
             }
@@ -142,29 +145,25 @@ TEST(FailingStream, TakesBlocksUpToTheFaultAndThrowsWhatItThrew) {
         for (int i = 0; i < 3'000; ++i)
             Load(dictionary, "/key" + std::to_string(i) + "=a text of some words");
         for (const lexon::SaveType type : {lexon::SaveType::kBinary, lexon::SaveType::kText}) {
-            const auto write = [&](std::size_t faultAt, std::string& taken, bool thrown) {
-                FaultySink sink(taken, faultAt, Fault::kThrows);
-                std::ostream stream(&sink);
-                if (thrown) stream.exceptions(std::ios_base::badbit);
-                dictionary.Serialize(stream, type, nullptr, lexon::EndianT::kBig, 0);
-                return stream.good();
+            const auto write = [&](std::size_t at, std::string& taken, auto thrownOn) {
+                return Write(dictionary, type, at, Fault::kThrows, taken, thrownOn);
             };
             std::string whole;
-            EXPECT_TRUE(write(std::string::npos, whole, true));
+            EXPECT_TRUE(write(std::string::npos, whole, std::ios_base::badbit));
             EXPECT_GT(whole.size(), 0x10000U);
             for (std::size_t at = 1; at < whole.size(); at += 0x3FFD) {
                 SCOPED_TRACE(at);
                 std::string taken;
-                EXPECT_FALSE(write(at, taken, false));
+                EXPECT_FALSE(write(at, taken, std::ios_base::goodbit));
                 EXPECT_EQ(whole.substr(0, at), taken);
                 taken.clear();
                 if (compact && at > 40) {  // after the header
                     testing::internal::CaptureStderr();
-                    EXPECT_FALSE(write(at, taken, true));
+                    EXPECT_FALSE(write(at, taken, std::ios_base::badbit));
                     EXPECT_EQ("Serialize2: Caught exception\n",
                               testing::internal::GetCapturedStderr());
                 } else {
-                    EXPECT_THROW(write(at, taken, true), std::runtime_error);
+                    EXPECT_THROW(write(at, taken, std::ios_base::badbit), std::runtime_error);
                 }
                 EXPECT_EQ(whole.substr(0, at), taken);
             }

@@ -6,10 +6,9 @@
 #include <regex>
 #include <sstream>
 
+#include "tests/wordlex/Dictionaries.h"
 #include "tests/wordlex/Images.h"
-#include "tests/wordlex/Text.h"
 #include "wordlex/functionality/BinUtil.h"
-#include "wordlex/functionality/Dictionary.h"
 #include "wordlex/functionality/HashTable.h"
 
 namespace wordlex_tests {
@@ -33,35 +32,23 @@ constexpr Form kForms[] = {Form::kMemory, Form::kMemoryBorrowed, Form::kStream};
 struct Loaded {
     Loaded(const std::string& file, Form form, const std::string& held = {})
         : image(new char[file.size()]), dictionary(new Dictionary) {
-        if (!held.empty()) dictionary->Read(held.data(), static_cast<int>(held.size()), true);
+        if (!held.empty()) Load(*dictionary, held);
         std::memcpy(image.get(), file.data(), file.size());
         if (form == Form::kStream) {
             std::istringstream stream(file);
             dictionary->Read(&stream);
             readTo = stream.tellg();
         } else {
-            dictionary->Read(image.get(), static_cast<int>(file.size()), form == Form::kMemory);
+            Load(*dictionary, {image.get(), file.size()}, form == Form::kMemory);
         }
     }
     Dictionary* operator->() const { return dictionary.get(); }
     std::u16string operator[](const char* key) const { return Text(dictionary->Lookup(key, {})); }
-    std::string AsText() const {
-        std::ostringstream out;
-        dictionary->Serialize(out, false, nullptr);
-        return out.str();
-    }
 
     std::unique_ptr<char[]> image;
     std::unique_ptr<Dictionary> dictionary;
     std::streamoff readTo = 0;
 };
-
-unsigned long Add(Dictionary& dictionary, const char* key, std::u16string_view value,
-                  std::u16string_view accelerator = {}) {
-    const auto v = Units(value);
-    const auto a = Units(accelerator);
-    return dictionary.Add(key, v.data(), v.size(), nullptr, a.data(), a.size());
-}
 
 TEST(BinaryFormat, EveryVersionIsRead) {
     for (const auto& [line, file, keyed, compact] :
@@ -94,25 +81,20 @@ TEST(BinaryFormat, EveryVersionIsRead) {
 }
 
 TEST(BinaryFormat, BothStoresWriteByteForByte) {
-    const auto saved = [](const Dictionary& dictionary, SaveType type, EndianT order) {
-        std::ostringstream out;
-        dictionary.Serialize(out, type, nullptr, order, 0);
-        return out.str();
-    };
     Dictionary compact(true);
     EXPECT_EQ(File("02 07 00 00", "05000000 'en_US'",
                    "00000000 'N' 00000000 00000000 00000000 00000000 00000000"),
-              saved(compact, SaveType::kBinary, EndianT::kLittle));
+              Saved(compact, SaveType::kBinary, EndianT::kLittle));
     compact.Locale("fr_FR");
     Add(compact, "/A", u"Hi");
     Add(compact, "/B", u"\u20AC", u"B");
-    EXPECT_EQ(kLittleFile, saved(compact, SaveType::kBinary, EndianT::kLittle));
-    EXPECT_EQ(kLittleFile, saved(compact, SaveType::kBinary, EndianT::kHost));
-    EXPECT_EQ(kBigFile, saved(compact, SaveType::kBinary, EndianT::kBig));
-    EXPECT_EQ(kFileWithoutKeys, saved(compact, SaveType::kBinaryNoKeys, EndianT::kLittle));
+    EXPECT_EQ(kLittleFile, Saved(compact, SaveType::kBinary, EndianT::kLittle));
+    EXPECT_EQ(kLittleFile, Saved(compact, SaveType::kBinary, EndianT::kHost));
+    EXPECT_EQ(kBigFile, Saved(compact, SaveType::kBinary, EndianT::kBig));
+    EXPECT_EQ(kFileWithoutKeys, Saved(compact, SaveType::kBinaryNoKeys, EndianT::kLittle));
     EXPECT_EQ(File("02 07 00 00", "05000000 'en_US'",
                    "00000000 'Y' 00000000 00000000 00000000 00000000 00000000 00000000"),
-              saved(Dictionary(), SaveType::kBinary, EndianT::kLittle));
+              Saved(Dictionary(), SaveType::kBinary, EndianT::kLittle));
 
     // The ids of a hash table follow its chains, newest first; "A" and " >" share a slot. Values
     // stay UTF-16 though an encoding is given, and the stream need not seek.
@@ -148,9 +130,7 @@ TEST(BinaryFormat, TheFileOfTheDocumentationIsWhatIsWritten) {
     dictionary.Locale("fr_FR");
     Add(dictionary, "/Menu/Open", u"Ouvrir\u2026", u"O");
     Add(dictionary, "/OK", u"OK");
-    std::ostringstream out;
-    dictionary.Serialize(out, SaveType::kBinary, nullptr, EndianT::kLittle, 0);
-    EXPECT_EQ(out.str(), documented);
+    EXPECT_EQ(Saved(dictionary, SaveType::kBinary, EndianT::kLittle), documented);
 }
 
 TEST(BinaryFormat, VersionAndLocaleDecideWhatIsTaken) {
@@ -188,7 +168,7 @@ TEST(BinaryFormat, Version1EntriesStandAheadOfTheirBucketUpToAFault) {
              {std::pair{12U, "3120"}, {11U, "120"}, {7U, "10"}, {3U, "0"}, {0U, "0"}}) {
             const Loaded loaded(tables + entries.substr(0, length), form, "ab=0");
             EXPECT_EQ(length == 12, loaded->IsValid());
-            std::string found = loaded.AsText();
+            std::string found = Saved(*loaded.dictionary, SaveType::kText);
             std::erase_if(found, [](char c) { return c < '0' || c > '9'; });
             EXPECT_EQ(digits, found) << length;
         }

@@ -6,6 +6,7 @@
 #include <set>
 #include <sstream>
 
+#include "tests/wordlex/Dictionaries.h"
 #include "tests/wordlex/Settings.h"
 #include "wordlex/functionality/DictionaryMap.h"
 
@@ -21,16 +22,8 @@ constexpr unsigned long kNone = ~0UL;
 std::unique_ptr<Dictionary> FromText(std::u16string_view lines, bool compact = false) {
     auto dictionary = std::make_unique<Dictionary>(compact);
     const auto units = Units(u"\uFEFF" + std::u16string(lines));
-    dictionary->Read(reinterpret_cast<const char*>(units.data()),
-                     static_cast<int>(2 * units.size()), true);
+    Load(*dictionary, {reinterpret_cast<const char*>(units.data()), 2 * units.size()});
     return dictionary;
-}
-
-unsigned long Add(Dictionary& dictionary, const char* key, std::u16string_view value,
-                  std::u16string_view accelerator = {}) {
-    const auto v = Units(value);
-    const auto a = Units(accelerator);
-    return dictionary.Add(key, v.data(), v.size(), nullptr, a.data(), a.size());
 }
 
 std::u16string Lookup(Dictionary& dictionary, const char* key) {
@@ -47,17 +40,6 @@ std::set<std::string> Keys(Dictionary& dictionary) {
         EXPECT_TRUE(keys.insert(key).second) << key << " comes twice";
     }
     return keys;
-}
-
-std::string Saved(const Dictionary& dictionary, lexon::SaveType type,
-                  lexon::EndianT order = lexon::EndianT::kHost) {
-    std::ostringstream out;
-    dictionary.Serialize(out, type, nullptr, order, 0);
-    return out.str();
-}
-
-void Load(Dictionary& dictionary, const std::string& image) {
-    dictionary.Read(image.data(), static_cast<int>(image.size()), true);
 }
 
 TEST(DictionaryText, LinesBecomeEntriesInBothStores) {

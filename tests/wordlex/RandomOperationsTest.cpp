@@ -6,9 +6,8 @@
 #include <random>
 #include <sstream>
 
-#include "tests/wordlex/Text.h"
+#include "tests/wordlex/Dictionaries.h"
 #include "wordlex/functionality/ByteRunKey.h"
-#include "wordlex/functionality/Dictionary.h"
 #include "wordlex/functionality/HashTableGeneric.h"
 
 namespace wordlex_tests {
@@ -103,8 +102,8 @@ private:
 };
 
 void Add(Dictionary& dictionary, const std::string& key, unsigned value) {
-    const std::vector<unsigned short> units(1 + value % 3, static_cast<unsigned short>(value));
-    dictionary.Add(key.c_str(), units.data(), units.size(), nullptr, nullptr, 0);
+    wordlex_tests::Add(dictionary, key.c_str(),
+                       std::u16string(1 + value % 3, static_cast<char16_t>(value)));
 }
 
 TEST(RandomOperations, KeepACompactStoreAsItsModel) {
@@ -170,13 +169,10 @@ TEST(RandomOperations, KeepACompactStoreAsItsModel) {
                   store.NumKeys());
     }
     for (const auto order : {lexon::EndianT::kBig, lexon::EndianT::kLittle}) {
-        std::stringstream file;
-        std::stringstream again;
-        store.Serialize(file, lexon::SaveType::kBinary, nullptr, order, 0);
+        const std::string file = Saved(store, lexon::SaveType::kBinary, order);
         Dictionary reloaded;
-        reloaded.Read(&file);
-        reloaded.Serialize(again, lexon::SaveType::kBinary, nullptr, order, 0);
-        EXPECT_TRUE(file.str() == again.str());
+        Load(reloaded, file);
+        EXPECT_TRUE(file == Saved(reloaded, lexon::SaveType::kBinary, order));
         for (unsigned number = 0; number < 2000; ++number) {
             const std::string key = KeyOf(number);
             EXPECT_EQ(model.Find(key), reloaded.GetNumericId(key.c_str()));
