@@ -7,9 +7,9 @@
 
 namespace tool {
 
-// Whether the unit at `i` is one that an editor hides, or that another reader or UTF-8 would change:
-// controls, marks of width and direction, line and paragraph separators, byte-order marks, lone
-// surrogates.
+// Whether the unit at `i` is one that an editor hides, or that another reader or UTF-8 would
+// change: controls, marks of width and direction, line and paragraph separators, byte-order marks,
+// lone surrogates.
 bool IsHidden(Units value, std::size_t i);
 
 // The value as an author would write it: what both passes of the conversion would take for an
