@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <map>
 #include <mutex>
+#include <span>
 #include <string>
 #include <utility>
 
@@ -18,6 +19,24 @@ struct OpaqueCFAllocator {};
 namespace {
 
 constexpr OpaqueCFAllocator nullAllocator;
+
+using Bytes = std::span<const UInt8>;
+
+bool TakePrefix(Bytes& bytes, std::initializer_list<UInt8> prefix) {
+    if (bytes.size() < prefix.size() || !std::equal(prefix.begin(), prefix.end(), bytes.begin()))
+        return false;
+    bytes = bytes.subspan(prefix.size());
+    return true;
+}
+
+// Drops the mark of an external representation and returns the encoding of what follows.
+CFStringEncoding TakeByteOrderMark(Bytes& bytes, CFStringEncoding encoding) {
+    if (encoding == kCFStringEncodingUTF8) TakePrefix(bytes, {0xEF, 0xBB, 0xBF});
+    if (encoding != kCFStringEncodingUTF16) return encoding;
+    if (TakePrefix(bytes, {0xFF, 0xFE})) return kCFStringEncodingUTF16LE;
+    TakePrefix(bytes, {0xFE, 0xFF});
+    return kCFStringEncodingUTF16BE;
+}
 
 std::string ToUtf8(CFStringRef string) {
     const CFRange all = CFRangeMake(0, string->length);
@@ -50,9 +69,11 @@ const CFAllocatorRef kCFAllocatorDefault = nullptr;
 const CFAllocatorRef kCFAllocatorNull = &nullAllocator;
 
 CFStringRef CFStringCreateWithBytes(CFAllocatorRef, const UInt8* bytes, CFIndex byteCount,
-                                    CFStringEncoding encoding, Boolean) {
+                                    CFStringEncoding encoding, Boolean isExternalRepresentation) {
+    Bytes rest(bytes, static_cast<std::size_t>(byteCount));
+    if (isExternalRepresentation) encoding = TakeByteOrderMark(rest, encoding);
     std::vector<UniChar> text;
-    if (!Codec(encoding).Decode({bytes, static_cast<std::size_t>(byteCount)}, text)) return nullptr;
+    if (!Codec(encoding).Decode(rest, text)) return nullptr;
     return new OpaqueCFString(std::move(text));
 }
 
@@ -83,9 +104,11 @@ void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar* buffer) {
     std::copy_n(string->units + range.location, range.length, buffer);
 }
 
+const UniChar* CFStringGetCharactersPtr(CFStringRef string) { return string->units; }
+
 CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding encoding,
-                         UInt8 lossByte, Boolean, UInt8* buffer, CFIndex maxByteCount,
-                         CFIndex* usedByteCount) {
+                         UInt8 lossByte, Boolean isExternalRepresentation, UInt8* buffer,
+                         CFIndex maxByteCount, CFIndex* usedByteCount) {
     Codec codec(encoding);
     CFIndex used = 0;
     // One character, whole or not at all.
@@ -100,8 +123,11 @@ CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding enc
     };
     const CFIndex limit = range.location + range.length;
     CFIndex position = range.location;
-    for (CFIndex next = position; next < limit; position = next) {
-        if (!write(TakeCharacter(string->units, next, limit))) break;
+    const bool marked = isExternalRepresentation && encoding == kCFStringEncodingUTF16;
+    if (!marked || write(0xFEFF)) {
+        for (CFIndex next = position; next < limit; position = next) {
+            if (!write(TakeCharacter(string->units, next, limit))) break;
+        }
     }
     if (usedByteCount != nullptr) *usedByteCount = used;
     return position - range.location;

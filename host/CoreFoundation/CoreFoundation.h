@@ -52,7 +52,7 @@ enum : CFStringEncoding {
     kCFStringEncodingMacCentralEurRoman = 0x001D,
     kCFStringEncodingMacTurkish = 0x0023,
     kCFStringEncodingUnicode = 0x0100,
-    kCFStringEncodingUTF16 = 0x0100,  // host order
+    kCFStringEncodingUTF16 = 0x0100,  // host order, or as a byte order mark says
     kCFStringEncodingISOLatin1 = 0x0201,
     kCFStringEncodingISOLatin2 = 0x0202,
     kCFStringEncodingISOLatin3 = 0x0203,
@@ -96,11 +96,12 @@ enum : CFStringEncoding {
 CFStringEncoding CFStringGetSystemEncoding();
 
 // Strings: any UTF-16 units, lengths and ranges counted in units. `allocator` is always null or
-// kCFAllocatorDefault. A range lies within the string. `isExternalRepresentation` is false: byte
-// order marks are neither read nor written.
+// kCFAllocatorDefault. A range lies within the string.
 
 // Conversions to Unicode are strict: bytes that are no text of the encoding give null. UTF-16 needs
-// an even count and takes unpaired surrogates as they are.
+// an even count and takes unpaired surrogates as they are. kCFStringEncodingUTF16 is in host order.
+// With isExternalRepresentation a byte order mark at the head of UTF-8 or kCFStringEncodingUTF16 is
+// read and dropped; without one the latter is big-endian.
 CFStringRef CFStringCreateWithBytes(CFAllocatorRef allocator, const UInt8* bytes, CFIndex byteCount,
                                     CFStringEncoding encoding, Boolean isExternalRepresentation);
 
@@ -116,11 +117,16 @@ CFStringRef CFStringCreateWithFormat(CFAllocatorRef allocator, CFDictionaryRef f
 CFIndex CFStringGetLength(CFStringRef string);
 void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar* buffer);
 
+// The string's own units, valid as long as the string. Null is a possible answer; then use
+// CFStringGetCharacters.
+const UniChar* CFStringGetCharactersPtr(CFStringRef string);
+
 // Converts a range and returns the number of units converted; the bytes go to `usedByteCount` when
 // it is not null. A null buffer only counts, whatever `maxByteCount` is. A full buffer stops the
 // conversion before the first character that does not fit whole. A character that the encoding
 // lacks, which an unpaired surrogate always is except in UTF-16, becomes one lossByte (a surrogate
-// pair too); with lossByte 0 the conversion stops there.
+// pair too); with lossByte 0 the conversion stops there. With isExternalRepresentation
+// kCFStringEncodingUTF16 begins with a byte order mark.
 CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding encoding,
                          UInt8 lossByte, Boolean isExternalRepresentation, UInt8* buffer,
                          CFIndex maxByteCount, CFIndex* usedByteCount);

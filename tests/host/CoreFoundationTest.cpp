@@ -19,10 +19,10 @@ struct Release {
 };
 using String = std::unique_ptr<std::remove_pointer_t<CFStringRef>, Release>;
 
-String FromBytes(std::string_view bytes, CFStringEncoding encoding) {
+String FromBytes(std::string_view bytes, CFStringEncoding encoding, bool external = false) {
     return String(CFStringCreateWithBytes(kCFAllocatorDefault,
                                           reinterpret_cast<const UInt8*>(bytes.data()),
-                                          static_cast<CFIndex>(bytes.size()), encoding, false));
+                                          static_cast<CFIndex>(bytes.size()), encoding, external));
 }
 
 String FromUnits(std::u16string_view units) {
@@ -96,7 +96,7 @@ TEST_F(CoreFoundation, EncodingsConvertBothWaysUnderTheirNumbers) {
         EXPECT_EQ(Converted(1, "?"), GetBytes(FromUnits(u"\uFFFF"), other, '?', 64)) << other;
 }
 
-TEST_F(CoreFoundation, BytesAreTakenStrictlyAndMarksAsText) {
+TEST_F(CoreFoundation, BytesAreTakenStrictlyAndMarksReadWhenExternal) {
     const auto refuse = [](CFStringEncoding number, std::initializer_list<const char*> texts) {
         for (const char* text : texts)
             EXPECT_EQ(kNone, Units(FromBytes(text, number))) << number << ' ' << text;
@@ -108,11 +108,19 @@ TEST_F(CoreFoundation, BytesAreTakenStrictlyAndMarksAsText) {
     refuse(kCFStringEncodingEUC_JP, {"\x8F\xA1"});
     refuse(kCFStringEncodingWindowsGreek, {"\xD2"});  // a hole in the table
     refuse(kCFStringEncodingUTF16, {"a"});
-    const auto check = [](CFStringEncoding number, std::string_view bytes, const char16_t* units) {
-        EXPECT_EQ(units, Units(FromBytes(bytes, number))) << number << ' ' << bytes;
+    const auto check = [](CFStringEncoding number, bool external, std::string_view bytes,
+                          const char16_t* units) {
+        const String text = FromBytes(bytes, number, external);
+        EXPECT_EQ(units, Units(text)) << number << ' ' << bytes;
+        EXPECT_EQ(units[0], CFStringGetCharactersPtr(text.get())[0]);
     };
-    check(kCFStringEncodingUTF16LE, "\xFF\xFE\x3D\xD8"sv, u"\uFEFF\xD83D");
-    check(kCFStringEncodingUTF8, "\xEF\xBB\xBF\x41"sv, u"\uFEFFA");
+    check(kCFStringEncodingUTF16, true, "\0A\0B"sv, u"AB");
+    check(kCFStringEncodingUTF16, true, "\xFE\xFF\0A"sv, u"A");
+    check(kCFStringEncodingUTF16, true, "\xFF\xFE\x41\0"sv, u"A");
+    check(kCFStringEncodingUTF16BE, true, "\xFE\xFF\0A"sv, u"\uFEFFA");
+    check(kCFStringEncodingUTF16LE, false, "\xFF\xFE\x3D\xD8"sv, u"\uFEFF\xD83D");
+    check(kCFStringEncodingUTF8, true, "\xEF\xBB\xBF\x41"sv, u"A");
+    check(kCFStringEncodingUTF8, false, "\xEF\xBB\xBF\x41"sv, u"\uFEFFA");
 }
 
 }  // namespace
