@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "host/Foundation/Foundation.h"
+#include "host/HUIF/Initializer.h"
 #include "host/vexacore/Debug.h"
 #include "host/vexacore/ErrorManager.h"
 #include "host/vexacore/Threads.h"
@@ -43,6 +44,14 @@ TEST(ErrorManager, ReserveServesTheNewHandlerOnce) {
     EXPECT_EQ((Texts{"new-handler installed", "error manager installed",
                      "error manager uninstalled", "new-handler removed"}),
               events);
+}
+
+TEST(UserInterface, IsUpWhileAnInitializerLives) {
+    {
+        const HUIF::Initializer initializer;
+        EXPECT_EQ(1U, HUIF::Initializer::LiveCount());
+    }
+    EXPECT_EQ(0U, HUIF::Initializer::LiveCount());
 }
 
 TEST(RecursiveMutex, LetsOneThreadInAndThatOneAgain) {
