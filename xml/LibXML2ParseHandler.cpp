@@ -167,6 +167,8 @@ LibXML2ParseHandler::~LibXML2ParseHandler() = default;
 bool LibXML2ParseHandler::HasNamespaceSupport() const { return true; }
 
 ResultCode LibXML2ParseHandler::ParseDocument(const UTF16String& path) {
+    if (context) return kParseFailed;
+    failure.clear();
     if (!utility::FileUtils::FileExists(path)) return kParseFailed;
     const filesupport::File file(path, filesupport::StorageType::kPlain);
     filesupport::IPlatformByteStream stream(file, filesupport::IPlatformByteStream::kRead);

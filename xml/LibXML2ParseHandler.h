@@ -36,7 +36,7 @@ namespace vexacore::xml {
 //           entities in entities 20 deep, names of 50,000 bytes, and 10 MB for an attribute value,
 //           a comment, a CDATA section, a processing instruction or an entity. Text has none.
 // Failure:  kParseFailed for a document that cannot be read as XML, for an exception of the
-//           handler, which is discarded, and for ParseBuffer called by the parser's own handler,
+//           handler, which is discarded, and for a parse that the parser's own handler asks for,
 //           which changes nothing. The events before the first fatal error have been delivered,
 //           none follows, not even EndDocument. Nothing is written to the standard error stream:
 //           ParseBuffer redirects the errors of libxml2 on its thread until it returns, also those

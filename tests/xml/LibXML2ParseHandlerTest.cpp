@@ -381,6 +381,13 @@ TEST(Documents, AreReadFromTheFile) {
     EXPECT_EQ((Outcome{kParseFailed, ""}), read("missing"));
     for (const char* name : {"", "bad", "huge"})
         EXPECT_EQ(kParseFailed, read(name).first) << name;
+    Observe([&](auto& parser) {
+        parser.ParseBuffer(ByteString("no document"));
+        EXPECT_NE("", parser.LastFailure());
+        const auto result = parser.ParseDocument(UTF16String(u"missing"));
+        EXPECT_EQ("", parser.LastFailure()) << "of the parse before";
+        return result;
+    });
 }
 
 }  // namespace
