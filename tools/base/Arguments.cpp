@@ -40,4 +40,11 @@ void Arguments::Add(const std::string& option, std::string value) {
     options[option].given.push_back(std::move(value));
 }
 
+void Arguments::AddSetting(const std::string& option, const std::vector<std::string>& values) {
+    const auto found = options.find(option);
+    if (found == options.end() || !found->second.given.empty()) return;
+    found->second.given = values;
+    found->second.isSetting = !values.empty();
+}
+
 }  // namespace tool

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/base/ProjectFile.h"
+
 namespace tool {
 
 // What the command line has after a verb. Choices are checked and lists are split already.
@@ -24,13 +26,21 @@ public:
     // for what is not such a number.
     std::optional<std::uint32_t> Number(std::string_view option) const;
 
+    // Whether the value comes from the project file and not from the command line.
+    bool IsSetting(std::string_view option) const { return Of(option).isSetting; }
+
     void Declare(const std::string& option, const std::string& fallback);
     void Add(const std::string& option, std::string value);
+    // Values of the project file, for an option that the verb may lack or that is given.
+    void AddSetting(const std::string& option, const std::vector<std::string>& values);
+
+    Project project = {};  // an empty one without a project file
 
 private:
     struct Values {
         std::string fallback;
         std::vector<std::string> given;
+        bool isSetting = false;
     };
     const Values& Of(std::string_view option) const;
 

@@ -3,6 +3,7 @@
 #include <getopt.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <iostream>
 #include <iterator>
 
@@ -57,6 +58,38 @@ void AddValue(const OptionInfo& option, const std::string& value, Arguments& arg
     for (const OptionInfo& option : verb.options)
         names.push_back("--" + option.name);
     Refuse(verb.name + " has no option " + given + DidYouMean(given, names));
+}
+
+// Takes what the command line does not say from the project file: that of the first file's folder,
+// or without one that of the working folder.
+void TakeSettings(const VerbInfo& verb, Arguments& arguments) {
+    namespace fs = std::filesystem;
+    if (!verb.readsProject) return;
+    std::vector<std::string>& operands = arguments.operands;
+    std::string folder;
+    if (!operands.empty() && operands.front() != "-") {
+        std::error_code absent;
+        const fs::path first = operands.front();
+        folder = fs::is_directory(first, absent) ? first : first.parent_path();
+    }
+    const std::string file = FindProjectFile(folder);
+    if (file.empty()) return;
+    arguments.project = ParseProject(FromWorkingFolder(file), ReadInput(file));
+    const Project& project = arguments.project;
+    const auto given = [](const std::string& setting) {
+        return setting.empty() ? std::vector<std::string>() : std::vector{setting};
+    };
+    arguments.AddSetting("encoding", given(project.encoding));
+    arguments.AddSetting("reference", given(project.reference));
+    arguments.AddSetting("sources", project.sources);
+    arguments.AddSetting("disable", project.disabled);
+    if (!operands.empty() || verb.operands.empty()) return;
+    switch (verb.operands.front().settings) {
+        case Settings::kNone: break;
+        case Settings::kDictionaries: operands = project.Dictionaries(); break;
+        case Settings::kLanguages: operands = project.languages; break;
+        case Settings::kSources: operands = project.sources; break;
+    }
 }
 
 void TakeOperands(const VerbInfo& verb, Arguments& arguments) {
@@ -145,6 +178,7 @@ int Run(int argc, char** argv) {
         WriteStandardOutput(HelpOf(*verb));
         return kSuccess;
     }
+    TakeSettings(*verb, arguments);
     TakeOperands(*verb, arguments);
     UseEncoding(arguments.Get("encoding"));
     return verb->run(arguments);

@@ -29,11 +29,15 @@ struct OptionInfo {
     std::string fallback = {};  // the value when the option is not given
 };
 
+// What of the project file stands for operands that are not given.
+enum class Settings : std::uint8_t { kNone, kDictionaries, kLanguages, kSources };
+
 struct OperandInfo {
     std::string name;
     bool optional = false;
     bool repeated = false;
     std::vector<std::string> choices = {};  // empty: a file
+    Settings settings = Settings::kNone;
 };
 
 struct VerbInfo {
@@ -43,6 +47,7 @@ struct VerbInfo {
     std::string example;
     std::vector<OptionInfo> options;  // --encoding and --help, which all verbs have, included
     int (*run)(const Arguments&);     // gives the exit code, throws a Failure
+    bool readsProject = true;         // takes what is not given from the project file
 };
 
 const std::vector<VerbInfo>& Verbs();

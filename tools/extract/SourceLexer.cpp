@@ -360,6 +360,7 @@ private:
     // Joining
 
     void Add(std::size_t opening, std::string_view body, bool wide, bool raw) {
+        const std::size_t end = at;
         PassSuffix();
         if (skipping) return;
         const bool joins = !pieces.text.empty();
@@ -383,6 +384,7 @@ private:
         if (!isText && (AsksForText() || BeginsLikeKey(body))) {
             Fail(opening, "the literal holds what cannot be read as text; write it in UTF-8");
         }
+        pieces.end = end;
         between = pendingSuffix;
         pendingSuffix.clear();
         acrossCondition = false;
@@ -417,6 +419,7 @@ private:
             const auto zero = std::ranges::find(pieces.text, u'\0');
             pieces.text.erase(zero, pieces.text.end());
             pieces.place = PlaceOf(start);
+            pieces.begin = start;
             literals.push_back(std::move(pieces));
         }
         pieces = {};

@@ -9,6 +9,8 @@ namespace tool {
 // A string literal, or several that the compiler joins, with the escapes of the language resolved.
 struct SourceLiteral {
     Place place;  // of the opening mark, prefix excluded; of the first one
+    std::size_t begin = 0;  // of the first opening mark, in the bytes of the source
+    std::size_t end = 0;    // after the last closing mark
     std::vector<unsigned short> text;
     // "wordlex: ignore unextracted-key" stands in a comment on its line, or alone on the line
     // before.

@@ -20,10 +20,6 @@ constexpr std::string_view kExtensions[] = {".c",   ".cc",  ".cpp", ".cxx",  ".c
                                             ".hh",  ".hpp", ".hxx", ".h++",  ".inl", ".inc",
                                             ".ipp", ".tpp", ".ixx", ".cppm", ".m",   ".mm"};
 
-bool IsSource(const fs::path& path) {
-    return std::ranges::find(kExtensions, path.extension().string()) != std::end(kExtensions);
-}
-
 // All sources below a folder, by name.
 void Search(const fs::path& folder, std::vector<std::string>& files) {
     std::vector<fs::path> entries;
@@ -33,13 +29,18 @@ void Search(const fs::path& folder, std::vector<std::string>& files) {
     for (const fs::path& entry : entries) {
         if (fs::is_directory(fs::symlink_status(entry))) {
             if (!entry.filename().string().starts_with('.')) Search(entry, files);
-        } else if (fs::is_regular_file(entry) && IsSource(entry)) {
+        } else if (fs::is_regular_file(entry) && IsSourceName(entry.string())) {
             files.push_back(entry.string());
         }
     }
 }
 
 }  // namespace
+
+bool IsSourceName(const std::string& name) {
+    return std::ranges::find(kExtensions, fs::path(name).extension().string()) !=
+           std::end(kExtensions);
+}
 
 std::vector<SourceText> FindTexts(const std::string& name, const std::string& bytes) {
     std::vector<SourceText> texts;
@@ -56,7 +57,9 @@ std::vector<SourceText> FindTexts(const std::string& name, const std::string& by
                          Utf8(text.first(keyLength)),
                          equals != text.end(),
                          literal.ignored,
-                         {}};
+                         {},
+                         literal.begin,
+                         literal.end};
         if (found.hasText) found.text.assign(equals + 1, text.end());
         texts.push_back(std::move(found));
     }

@@ -18,7 +18,12 @@ struct SourceText {
     bool ignored = false;  // a comment says that the reference is not to have the key
     std::vector<unsigned short>
         text;  // as written for the dictionary: its escapes are not resolved
+    std::size_t begin = 0;  // of the first opening mark, in the bytes of the source
+    std::size_t end = 0;    // after the last closing mark
 };
+
+// Whether the name has one of the usual extensions of a source.
+bool IsSourceName(const std::string& name);
 
 // The texts of one source file in UTF-8, in their order. It reads the source as the lexer of a
 // compiler does: line continuations, comments, prefixes, raw strings, joined literals. Groups of
