@@ -62,8 +62,7 @@ public:
             } else if (name == "rules") {
                 ReadRules(value);
             } else {
-                RefuseName(value, name,
-                           {"reference", "languages", "sources", "encoding", "rules"});
+                RefuseName(value, name, {"reference", "languages", "sources", "encoding", "rules"});
             }
         }
         FindLanguages();

@@ -39,8 +39,8 @@ private:
 
 // The project file of a folder or of the nearest one above it, or "".
 std::string FindProjectFile(const std::string& folder);
-// Names in the result begin with the folder of the file. Patterns of `languages` are replaced by the
-// files that match. Throws a ProjectFailure.
+// Names in the result begin with the folder of the file. Patterns of `languages` are replaced by
+// the files that match. Throws a ProjectFailure.
 Project ParseProject(const std::string& file, const std::string& toml);
 
 // The name from the working folder where it lies in it, else as it is.

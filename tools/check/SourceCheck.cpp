@@ -11,15 +11,17 @@ namespace {
 
 using Line = TextDocument::Line;
 
-// Of the entry, in characters.
+// Of the entry.
 Place PlaceOf(const std::string& name, const TextDocument& document, const Line& line) {
     const Units head = document.UnitsOfLine(line).first(line.entry.begin);
-    std::uint64_t column = 1;
+    Place place{.file = name, .line = line.number, .column = 1};
     for (std::size_t i = 0; i < head.size(); ++i) {
         const bool isMark = i == 0 && line.number == 1 && head[i] == 0xFEFF;
-        column += isMark || IsSecondHalf(head, i) ? 0U : 1U;
+        place.column += isMark || IsSecondHalf(head, i) ? 0U : 1U;
+        place.unit += isMark ? 0U : 1U;
     }
-    return {name, line.number, column};
+    place.endUnit = place.unit + line.entry.length;
+    return place;
 }
 
 Findings::Rules IgnoredOn(const TextDocument& document, const Line& line) {
@@ -36,7 +38,11 @@ Findings::Rules IgnoredOn(const TextDocument& document, const Line& line) {
 
 std::vector<Finding> CheckSources(const std::string& dictionary, const SourceTexts& sources,
                                   const Findings::Rules& disabled) {
-    const TextDocument document = ReadTextDocument(dictionary);
+    return CheckSources(dictionary, ReadTextDocument(dictionary), sources, disabled);
+}
+
+std::vector<Finding> CheckSources(const std::string& dictionary, const TextDocument& document,
+                                  const SourceTexts& sources, const Findings::Rules& disabled) {
     Findings inDictionary(disabled);
     for (std::size_t i = 0; i < document.Lines().size(); ++i) {
         const Line& line = document.Lines()[i];

@@ -2,6 +2,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/base/TextDocument.h"
 #include "tools/check/Findings.h"
 #include "tools/extract/SourceTexts.h"
 
@@ -12,5 +13,8 @@ namespace tool {
 // has a rule ignored. Throws a Failure for a dictionary that is not text or not read whole.
 std::vector<Finding> CheckSources(const std::string& dictionary, const SourceTexts& sources,
                                   const Findings::Rules& disabled);
+// The same for one that was read already; `dictionary` is what places name.
+std::vector<Finding> CheckSources(const std::string& dictionary, const TextDocument& document,
+                                  const SourceTexts& sources, const Findings::Rules& disabled);
 
 }  // namespace tool

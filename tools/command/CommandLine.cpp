@@ -80,15 +80,26 @@ void TakeSettings(const VerbInfo& verb, Arguments& arguments) {
         return setting.empty() ? std::vector<std::string>() : std::vector{setting};
     };
     arguments.AddSetting("encoding", given(project.encoding));
-    arguments.AddSetting("reference", given(project.reference));
+    std::error_code absent;
+    const bool isReference = !verb.operands.empty() && !verb.operands.front().repeated &&
+                             !operands.empty() &&
+                             fs::equivalent(operands.front(), project.reference, absent);
+    if (!isReference) arguments.AddSetting("reference", given(project.reference));
     arguments.AddSetting("sources", project.sources);
     arguments.AddSetting("disable", project.disabled);
     if (!operands.empty() || verb.operands.empty()) return;
     switch (verb.operands.front().settings) {
-        case Settings::kNone: break;
-        case Settings::kDictionaries: operands = project.Dictionaries(); break;
-        case Settings::kLanguages: operands = project.languages; break;
-        case Settings::kSources: operands = project.sources; break;
+        case Settings::kNone:
+            break;
+        case Settings::kDictionaries:
+            operands = project.Dictionaries();
+            break;
+        case Settings::kLanguages:
+            operands = project.languages;
+            break;
+        case Settings::kSources:
+            operands = project.sources;
+            break;
     }
 }
 

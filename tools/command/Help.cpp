@@ -60,7 +60,8 @@ std::string Shown(const OperandInfo& operand) {
         text += '}';
     }
     if (operand.repeated) text += "...";
-    return operand.optional ? '[' + text + ']' : text;
+    const bool optional = operand.optional || operand.settings != Settings::kNone;
+    return optional ? '[' + text + ']' : text;
 }
 
 }  // namespace

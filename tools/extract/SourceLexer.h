@@ -8,7 +8,7 @@ namespace tool {
 
 // A string literal, or several that the compiler joins, with the escapes of the language resolved.
 struct SourceLiteral {
-    Place place;  // of the opening mark, prefix excluded; of the first one
+    Place place;            // of the opening mark, prefix excluded; of the first one
     std::size_t begin = 0;  // of the first opening mark, in the bytes of the source
     std::size_t end = 0;    // after the last closing mark
     std::vector<unsigned short> text;

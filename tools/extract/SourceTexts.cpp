@@ -71,7 +71,7 @@ std::string DescribeConflict(const SourceText& text, const SourceText& first) {
            " here and " + ShowRaw(first.text) + " at " + Show(first.place);
 }
 
-SourceTexts::SourceTexts(const std::vector<std::string>& filesAndFolders) {
+std::vector<std::string> SourceFiles(const std::vector<std::string>& filesAndFolders) {
     std::vector<std::string> files;
     for (const std::string& name : filesAndFolders) {
         if (fs::is_directory(name)) {
@@ -80,6 +80,11 @@ SourceTexts::SourceTexts(const std::vector<std::string>& filesAndFolders) {
             files.push_back(name);
         }
     }
+    return files;
+}
+
+SourceTexts::SourceTexts(const std::vector<std::string>& filesAndFolders) {
+    const std::vector<std::string> files = SourceFiles(filesAndFolders);
     for (const std::string& name : files) {
         const Progress progress("reading", name);
         for (SourceText& text : FindTexts(name, ReadInput(name)))

@@ -17,11 +17,14 @@ struct SourceText {
     bool hasText = false;  // there is a "="
     bool ignored = false;  // a comment says that the reference is not to have the key
     std::vector<unsigned short>
-        text;  // as written for the dictionary: its escapes are not resolved
+        text;               // as written for the dictionary: its escapes are not resolved
     std::size_t begin = 0;  // of the first opening mark, in the bytes of the source
     std::size_t end = 0;    // after the last closing mark
 };
 
+// The files themselves, and the sources in the folders: files with the usual extensions, in the
+// order of their names. Hidden folders and links to folders are passed over.
+std::vector<std::string> SourceFiles(const std::vector<std::string>& filesAndFolders);
 // Whether the name has one of the usual extensions of a source.
 bool IsSourceName(const std::string& name);
 
@@ -34,8 +37,7 @@ std::vector<SourceText> FindTexts(const std::string& name, const std::string& by
 // What is wrong with a text that differs from the first one of its key.
 std::string DescribeConflict(const SourceText& text, const SourceText& first);
 
-// The texts of several sources. Folders are searched for files with the usual extensions, in the
-// order of their names; hidden folders and links to folders are passed over.
+// The texts of several sources.
 class SourceTexts {
 public:
     explicit SourceTexts(const std::vector<std::string>& filesAndFolders);

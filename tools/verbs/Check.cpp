@@ -1,5 +1,6 @@
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
@@ -26,10 +27,9 @@ int ListRules() {
     return kSuccess;
 }
 
-// The reference may be among the files that it is compared with.
-bool IsTranslation(const std::string& name, const std::string& reference) {
+bool IsSameFile(const std::string& a, const std::string& b) {
     std::error_code absent;
-    return !reference.empty() && !std::filesystem::equivalent(name, reference, absent);
+    return std::filesystem::equivalent(a, b, absent);
 }
 
 std::string Counted(std::size_t count, const char* thing) {
@@ -76,7 +76,7 @@ int Check(const Arguments& arguments) {
     const Findings::Rules disabled = RulesOf(arguments.All("disable"));
     const Severity failOn =
         arguments.Get("fail-on") == "warning" ? Severity::kWarning : Severity::kError;
-    const std::string& referenceName = arguments.Get("reference");
+    const std::string& referenceName = arguments.Get("reference");  // may be among the files
     std::optional<Reference> reference;
     if (!referenceName.empty()) {
         reference = ReadReference(referenceName, ReadInput(referenceName));
@@ -85,8 +85,15 @@ int Check(const Arguments& arguments) {
     bool failed = false;
     if (arguments.Has("sources")) {
         const SourceTexts sources(arguments.All("sources"));
-        const std::vector<std::string> compared =
+        std::vector<std::string> compared =
             referenceName.empty() ? arguments.operands : std::vector{referenceName};
+        if (arguments.IsSetting("sources")) {
+            std::erase_if(compared, [&](const std::string& name) {
+                return std::ranges::none_of(arguments.operands, [&](const std::string& operand) {
+                    return IsSameFile(operand, name);
+                });
+            });
+        }
         for (const std::string& name : compared) {
             const std::vector<Finding> found = CheckSources(name, sources, disabled);
             WriteStandardOutput(Print(found, format));
@@ -103,7 +110,9 @@ int Check(const Arguments& arguments) {
             summary.CountUnreadable();
             continue;
         }
-        const bool compared = reference.has_value() && IsTranslation(name, referenceName);
+        const bool compared =
+            reference.has_value() && !IsSameFile(name, referenceName) &&
+            (!arguments.IsSetting("reference") || arguments.project.HasLanguage(name));
         const auto found =
             CheckBytes(name, bytes, compared ? &*reference : nullptr, disabled).findings;
         WriteStandardOutput(Print(found, format));

@@ -51,7 +51,10 @@ std::string Summary(const std::string& name, std::size_t added, std::size_t chan
 }  // namespace
 
 int Extract(const Arguments& arguments) {
-    const std::string& output = arguments.Get("output");
+    // Without --update the dictionary would lose its comments: only a file that is named is
+    // replaced.
+    const bool named = arguments.Has("output") || !arguments.Has("update");
+    const std::string& output = named ? arguments.Get("output") : arguments.project.reference;
     if (output.empty()) throw UsageFailure("--output is required");
     const SourceTexts sources(arguments.operands);
     for (const SourceText& text : sources.Conflicts()) {

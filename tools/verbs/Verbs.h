@@ -18,6 +18,7 @@ int Export(const Arguments& arguments);
 int Extract(const Arguments& arguments);
 int Import(const Arguments& arguments);
 int Lookup(const Arguments& arguments);
+int Lsp(const Arguments& arguments);
 int Pseudo(const Arguments& arguments);
 int Report(const Arguments& arguments);
 int Stats(const Arguments& arguments);

@@ -1,0 +1,64 @@
+#pragma once
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "tools/base/TextDocument.h"
+#include "tools/check/Findings.h"
+#include "tools/lsp/LineMap.h"
+
+namespace tool::lsp {
+
+// A dictionary or a source: as an editor has it, or as it lies on disk.
+// Positions: those of the editor's text, from which editors keep a byte-order mark.
+// Threads:   none: the document is read when it is first asked for.
+class TextFile {
+public:
+    using Line = TextDocument::Line;
+
+    // As it lies on disk.
+    TextFile(std::string uriOfFile, std::string bytesOnDisk);
+    // As an editor has it. The loader reads it in the form of what lies on disk, of which `head`
+    // are the first bytes: in UTF-16, or in UTF-8 with or without a mark. `asUtf16` asks for UTF-16
+    // in any case.
+    TextFile(std::string uriOfFile, const std::string& text, std::string_view head, bool asUtf16);
+
+    const std::string& Uri() const { return uri; }
+    // As the loader reads it.
+    const std::string& Bytes() const { return bytes; }
+    bool IsBinary() const;
+    const TextDocument& Document() const;
+
+    // Of a finding; the file's begin for what has no line.
+    Range RangeOf(const Place& place) const;
+    // Of units of a line of the document.
+    Range RangeOf(const Line& line, std::size_t begin, std::size_t end) const;
+    Range RangeOf(const Line& line, TextDocument::Part part) const {
+        return RangeOf(line, part.begin, part.begin + part.length);
+    }
+    std::size_t LengthOf(const Line& line) const { return Document().UnitsOfLine(line).size(); }
+    // The line of a position, which is not an empty one, and the unit of it.
+    struct Spot {
+        const Line* line;
+        std::size_t unit;
+    };
+    std::optional<Spot> SpotAt(Position position) const;
+
+    // For a source, which is UTF-8: between positions and bytes.
+    std::size_t OffsetAt(Position position) const;
+    Range RangeOfBytes(std::size_t begin, std::size_t end) const;
+
+private:
+    // Units of the first line that the editor's text does not have.
+    std::size_t HiddenUnits(const Line& line) const;
+    Position PositionOf(std::size_t offset) const;
+
+    std::string uri;
+    std::string bytes;
+    LineMap lines;
+    bool showsMark = false;  // the editor's text begins with a mark
+    mutable std::optional<TextDocument> document;
+};
+
+}  // namespace tool::lsp
