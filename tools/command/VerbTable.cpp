@@ -237,7 +237,7 @@ std::vector<VerbInfo> MakeVerbs() {
         {.name = "lsp",
          .operands = {},
          .help = "Serve editors over standard input and output, as a language server",
-         .example = "wordlex lsp",
+         .example = "wordlex lsp --encoding=windows-1252",
          .options = {},
          .run = Lsp,
          .readsProject = false},
