@@ -70,7 +70,7 @@ template <class Format>
 char* Filled(const wordlex_catalog* catalog, const char* key, const char* language, Format format) {
     return OrNull([&] {
         const Formatter formatter(language != nullptr ? language : catalog->catalog.Locale());
-        return CopyOf(lexon::detail::ToUtf8(format(formatter, catalog->catalog.Text(key))));
+        return CopyOf(lexon::ToUtf8(format(formatter, catalog->catalog.Text(key))));
     });
 }
 

@@ -20,8 +20,6 @@ std::u16string ConvertDefaultText(std::string_view text) {
 
 }  // namespace
 
-std::string ToUtf8(std::u16string_view text) { return detail::ToUtf8(text); }
-
 Catalog::Catalog(std::shared_ptr<const CatalogStore> content) noexcept
     : store(std::move(content)) {}
 
@@ -41,8 +39,8 @@ std::u16string Catalog::Text(std::string_view key) const {
 }
 
 std::string Catalog::TextUtf8(std::string_view key) const {
-    if (const auto text = Find(key)) return detail::ToUtf8(*text);
-    return detail::ToUtf8(Text(key));
+    if (const auto text = Find(key)) return ToUtf8(*text);
+    return ToUtf8(Text(key));
 }
 
 std::optional<std::u16string_view> Catalog::Find(std::uint32_t id) const noexcept {

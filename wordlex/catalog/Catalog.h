@@ -229,8 +229,9 @@ private:
     const detail::LanguageFormats* formats;  // lives as long as the process
 };
 
-// Halves of surrogate pairs become U+FFFD.
+// Halves of surrogate pairs and bytes that are not UTF-8 become U+FFFD.
 std::string ToUtf8(std::u16string_view text);
+std::u16string ToUtf16(std::string_view utf8);
 
 class LoadResult;
 

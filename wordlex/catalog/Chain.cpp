@@ -42,7 +42,7 @@ std::u16string Chain::Text(std::string_view key) const {
 }
 
 std::string Chain::TextUtf8(std::string_view key) const {
-    if (const auto answer = Find(key)) return detail::ToUtf8(answer->text);
+    if (const auto answer = Find(key)) return ToUtf8(answer->text);
     return Catalog().TextUtf8(key);
 }
 

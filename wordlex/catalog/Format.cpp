@@ -61,31 +61,10 @@ bool IsAscii(std::string_view text) {
     return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
-std::u16string ToUtf16(std::string_view utf8) {
-    std::u16string text;
-    if (IsAscii(utf8)) {
-        AppendAscii(text, utf8);
-        return text;
-    }
-    text.resize(utf8.size());  // no character has more UTF-16 units than UTF-8 bytes
-    std::int32_t length = 0;
-    UErrorCode status = U_ZERO_ERROR;
-    u_strFromUTF8WithSub(text.data(), static_cast<std::int32_t>(text.size()), &length, utf8.data(),
-                         static_cast<std::int32_t>(utf8.size()), kReplacement, nullptr, &status);
-    text.resize(U_FAILURE(status) ? 0 : static_cast<std::size_t>(length));
-    return text;
-}
-
 void AppendIsolated(std::u16string& out, std::u16string_view text) {
     out += kFirstStrongIsolate;
     out += text;
     out += kPopDirectionalIsolate;
-}
-
-std::string ToUtf8(std::u16string_view text) {
-    std::string bytes;
-    return icu::UnicodeString(false, text.data(), static_cast<std::int32_t>(text.size()))
-        .toUTF8String(bytes);
 }
 
 LanguageFormats::LanguageFormats(const std::string& language)
@@ -390,6 +369,28 @@ void RefuseUnused(Arguments arguments, const std::vector<bool>& used) {
 }  // namespace lexon::detail
 
 namespace lexon {
+
+std::string ToUtf8(std::u16string_view text) {
+    std::string bytes;
+    return icu::UnicodeString(false, text.data(), static_cast<std::int32_t>(text.size()))
+        .toUTF8String(bytes);
+}
+
+std::u16string ToUtf16(std::string_view utf8) {
+    std::u16string text;
+    if (detail::IsAscii(utf8)) {
+        detail::AppendAscii(text, utf8);
+        return text;
+    }
+    text.resize(utf8.size());  // no character has more UTF-16 units than UTF-8 bytes
+    std::int32_t length = 0;
+    UErrorCode status = U_ZERO_ERROR;
+    u_strFromUTF8WithSub(text.data(), static_cast<std::int32_t>(text.size()), &length, utf8.data(),
+                         static_cast<std::int32_t>(utf8.size()), detail::kReplacement, nullptr,
+                         &status);
+    text.resize(U_FAILURE(status) ? 0 : static_cast<std::size_t>(length));
+    return text;
+}
 
 Formatter::Formatter(std::string_view language)
     : formats(&detail::LanguageFormats::For(language)) {}

@@ -48,9 +48,6 @@ private:
 
 void AppendIsolated(std::u16string& out, std::u16string_view text);
 bool IsAscii(std::string_view text);
-// Invalid bytes become U+FFFD.
-std::u16string ToUtf16(std::string_view utf8);
-std::string ToUtf8(std::u16string_view text);
 bool IsSame(std::string_view utf8, std::u16string_view text);
 
 // Throws a FormatError that names the place without an argument, "^3" or "{clips}".
