@@ -196,7 +196,9 @@ class Dictionary {
 public:
     Dictionary();                       // hash-table store
     explicit Dictionary(bool compact);  // true: compact store, with ids, Add and Remove
-    explicit Dictionary(const char* file) = delete;  // a name is not read: open it, then Read
+    // A file's name does not convert to a flag: open the file, then call Read.
+    template <class Character>
+    explicit Dictionary(const Character* file) = delete;
     explicit Dictionary(const lexon_private::Dictionary& other);
     // A copy of a compact dictionary shares its store; a copy of a hash-table dictionary is empty.
     Dictionary(const Dictionary& other);
