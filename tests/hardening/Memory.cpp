@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <new>
 
 namespace hardening {
 
@@ -48,6 +49,13 @@ bool FailingAllocation::Happened() const noexcept { return happened; }
 // The array forms of the standard library call these, those of the sanitizers do not.
 void* operator new(std::size_t bytes) { return hardening::Allocate(bytes); }
 void* operator new[](std::size_t bytes) { return hardening::Allocate(bytes); }
+void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
+    try {
+        return hardening::Allocate(bytes);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
 void operator delete(void* block) noexcept { hardening::Free(block); }
 void operator delete[](void* block) noexcept { hardening::Free(block); }
 void operator delete(void* block, std::size_t) noexcept { hardening::Free(block); }
