@@ -8,9 +8,9 @@
 #   [OPTIONS option...])   more for `wordlex compile`, such as --locale=de or --endian=big
 #
 # Makes a dictionary part of a build: whenever a source has changed, `wordlex check` looks at the
-# sources and `wordlex compile` makes the binary dictionary of them. TARGET, a program, library or
-# custom target of the calling folder, then depends on it; where there is none of that name, a
-# custom target is made that is built by default.
+# sources and `wordlex compile` makes the binary dictionary of them. A warning is reported once, by
+# `check`. TARGET, a program, library or custom target of the calling folder, then depends on it; where
+# there is none of that name, a custom target is made that is built by default.
 function(wordlex_compile target)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "OUTPUT;REFERENCE;FAIL_ON" "SOURCES;DISABLE;OPTIONS")
   if(NOT arg_OUTPUT OR NOT arg_SOURCES OR arg_UNPARSED_ARGUMENTS)
@@ -42,7 +42,7 @@ function(wordlex_compile target)
     OUTPUT "${arg_OUTPUT}"
     COMMAND Wordlex::tool check ${check} ${arg_DISABLE} ${sources}
     COMMAND ${CMAKE_COMMAND} -E make_directory "${folder}"
-    COMMAND Wordlex::tool compile ${arg_DISABLE} ${arg_OPTIONS} -o "${arg_OUTPUT}" ${sources}
+    COMMAND Wordlex::tool compile --quiet ${arg_DISABLE} ${arg_OPTIONS} -o "${arg_OUTPUT}" ${sources}
     DEPENDS ${sources} ${arg_REFERENCE} Wordlex::tool
     COMMENT "Dictionary ${arg_OUTPUT}"
     VERBATIM)

@@ -23,9 +23,9 @@ bool Passes(const std::string& name, const std::string& bytes, const Arguments& 
     Findings findings(RulesOf(arguments.All("disable")));
     CheckFile(name, bytes, findings);
     auto found = findings.Take();
-    std::erase_if(found, [](const Finding& finding) {
-        return Info(finding.rule).severity < Severity::kWarning;
-    });
+    const Severity least = arguments.Has("quiet") ? Severity::kError : Severity::kWarning;
+    std::erase_if(found,
+                  [least](const Finding& finding) { return Info(finding.rule).severity < least; });
     std::cerr << Print(found, FormatOf(arguments.Get("format"), STDERR_FILENO));
     return !AnyAtOrAbove(found, Severity::kError);
 }
