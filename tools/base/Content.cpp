@@ -7,6 +7,8 @@
 #include "tools/base/BinaryFile.h"
 #include "tools/base/Files.h"
 #include "tools/base/TextScanner.h"
+#include "tools/check/BinaryCheck.h"
+#include "tools/check/TextCheck.h"
 #include "wordlex/functionality/BinaryHeader.h"
 
 namespace tool {
@@ -71,7 +73,10 @@ void Read(Dictionary& dictionary, const std::string& name, const std::string& by
 CheckedFile CheckUsable(const std::string& name, const std::string& bytes, Findings& findings,
                         std::string* tooLong) {
     constexpr Rule kCut[] = {Rule::kKeyLength, Rule::kValueLength};
-    CheckedFile file = CheckFile(name, bytes, findings);
+    const bool binary = lexon_private::HasBinaryMagic(bytes.data(), bytes.size());
+    // No rule about accelerators and messages keeps a file from being used.
+    CheckedFile file =
+        binary ? CheckBinary(name, bytes, findings) : CheckText(name, bytes, findings);
     findings.ThrowIfFatal();
     if (tooLong != nullptr) *tooLong = FirstOf(findings.Take(), kCut);
     return file;

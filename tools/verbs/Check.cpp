@@ -4,10 +4,12 @@
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
+#include <iterator>
 #include <optional>
 
 #include "tools/base/Files.h"
 #include "tools/check/Check.h"
+#include "tools/check/Formats.h"
 #include "tools/check/SourceCheck.h"
 #include "tools/verbs/Verbs.h"
 
@@ -67,12 +69,36 @@ private:
     std::size_t counts[3] = {};  // by severity
 };
 
+// Writes findings to standard output: those of each file at once, but a SARIF log at the end.
+class Writer {
+public:
+    explicit Writer(const std::string& formName)
+        : form(formName), lineFormat(FormatOf(formName, STDOUT_FILENO)) {}
+
+    void Write(std::vector<Finding> findings) {
+        if (form == "sarif") {
+            std::ranges::move(findings, std::back_inserter(collected));
+        } else {
+            WriteStandardOutput(form == "github" ? GithubCommands(findings)
+                                                 : Print(findings, lineFormat));
+        }
+    }
+    void Finish(bool complete) const {
+        if (form == "sarif") WriteStandardOutput(SarifLog(collected, complete));
+    }
+
+private:
+    std::string form;
+    Format lineFormat;
+    std::vector<Finding> collected;
+};
+
 }  // namespace
 
 int Check(const Arguments& arguments) {
     if (arguments.Has("list-rules")) return ListRules();
     if (arguments.operands.empty()) throw UsageFailure("FILE is required");
-    const Format format = FormatOf(arguments.Get("format"), STDOUT_FILENO);
+    Writer writer(arguments.Get("format"));
     const Findings::Rules disabled = RulesOf(arguments.All("disable"));
     const Severity failOn =
         arguments.Get("fail-on") == "warning" ? Severity::kWarning : Severity::kError;
@@ -95,10 +121,10 @@ int Check(const Arguments& arguments) {
             });
         }
         for (const std::string& name : compared) {
-            const std::vector<Finding> found = CheckSources(name, sources, disabled);
-            WriteStandardOutput(Print(found, format));
+            std::vector<Finding> found = CheckSources(name, sources, disabled);
             summary.Add(found);
             failed |= AnyAtOrAbove(found, failOn);
+            writer.Write(std::move(found));
         }
     }
     for (const std::string& name : arguments.operands) {
@@ -113,12 +139,12 @@ int Check(const Arguments& arguments) {
         const bool compared =
             reference.has_value() && !IsSameFile(name, referenceName) &&
             (!arguments.IsSetting("reference") || arguments.project.HasLanguage(name));
-        const auto found =
-            CheckBytes(name, bytes, compared ? &*reference : nullptr, disabled).findings;
-        WriteStandardOutput(Print(found, format));
+        auto found = CheckBytes(name, bytes, compared ? &*reference : nullptr, disabled).findings;
         summary.Count(found);
         failed |= AnyAtOrAbove(found, failOn);
+        writer.Write(std::move(found));
     }
+    writer.Finish(!summary.AnyUnreadable());
     summary.Print();
     return summary.AnyUnreadable() ? kFailure : failed ? kDifference : kSuccess;
 }

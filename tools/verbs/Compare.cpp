@@ -1,8 +1,9 @@
-#include <map>
+#include <algorithm>
 
 #include "tools/base/Content.h"
 #include "tools/base/Files.h"
 #include "tools/base/Json.h"
+#include "tools/base/Terminal.h"
 #include "tools/verbs/Verbs.h"
 
 namespace tool {
@@ -10,14 +11,22 @@ namespace tool {
 namespace {
 
 // Entries are the same by their key, and by their id where they have none.
-using Identity = std::pair<std::string, std::uint32_t>;
-using Index = std::map<Identity, const Entry*>;
+bool Before(const Entry* a, const Entry* b) {
+    if (a->keyed != b->keyed) return !a->keyed;
+    return a->keyed ? a->key < b->key : a->id < b->id;
+}
 
-Index IndexOf(const Content& content) {
-    Index index;
+// In the order of their identity; of several entries with one the first.
+std::vector<const Entry*> Sorted(const Content& content) {
+    std::vector<const Entry*> list;
+    list.reserve(content.entries.size());
     for (const Entry& entry : content.entries)
-        index.emplace(Identity(entry.key, entry.keyed ? 0 : entry.id + 1), &entry);
-    return index;
+        list.push_back(&entry);
+    std::ranges::stable_sort(list, Before);
+    const auto repeated = std::ranges::unique(
+        list, [](const Entry* a, const Entry* b) { return !Before(a, b) && !Before(b, a); });
+    list.erase(repeated.begin(), repeated.end());
+    return list;
 }
 
 std::string ShowEntry(const Entry& entry) {
@@ -58,22 +67,28 @@ std::string Line(const Entry* before, const Entry* after, bool json) {
     return JsonLine(object);
 }
 
-using Differences = std::map<Identity, std::pair<const Entry*, const Entry*>>;
+struct Difference {
+    const Entry* before;
+    const Entry* after;
+};
 
-Differences Differ(const Content& before, const Content& after) {
+std::vector<Difference> Differ(const Content& before, const Content& after) {
     const Progress progress("comparing", after.name);
-    const Index old = IndexOf(before);
-    const Index now = IndexOf(after);
-    Differences differences;
-    for (const auto& [name, entry] : old) {
-        const auto other = now.find(name);
-        const Entry* const counterpart = other == now.end() ? nullptr : other->second;
-        if (counterpart == nullptr || !Same(*entry, *counterpart)) {
-            differences[name] = {entry, counterpart};
+    const std::vector<const Entry*> old = Sorted(before);
+    const std::vector<const Entry*> now = Sorted(after);
+    std::vector<Difference> differences;
+    auto was = old.begin();
+    auto is = now.begin();
+    while (was != old.end() || is != now.end()) {
+        if (is == now.end() || (was != old.end() && Before(*was, *is))) {
+            differences.push_back({*was++, nullptr});
+        } else if (was == old.end() || Before(*is, *was)) {
+            differences.push_back({nullptr, *is++});
+        } else {
+            if (!Same(**was, **is)) differences.push_back({*was, *is});
+            ++was;
+            ++is;
         }
-    }
-    for (const auto& [name, entry] : now) {
-        if (!old.contains(name)) differences[name] = {nullptr, entry};
     }
     return differences;
 }
@@ -84,11 +99,12 @@ int Compare(const Arguments& arguments) {
     const bool json = arguments.Get("format") == "json";
     const Content before = Load(arguments.operands[0]);
     const Content after = Load(arguments.operands[1]);
-    const Differences differences = Differ(before, after);
+    const std::vector<Difference> differences = Differ(before, after);
     std::string output;
-    for (const auto& [name, entries] : differences)
-        output += Line(entries.first, entries.second, json);
-    WriteStandardOutput(output);
+    for (const Difference& difference : differences)
+        output += Line(difference.before, difference.after, json);
+    WriteStandardOutput(
+        ForOutput("-", std::move(output), json ? ControlForm::kJson : ControlForm::kEntry));
     return differences.empty() ? kSuccess : kDifference;
 }
 

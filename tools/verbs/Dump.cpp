@@ -5,6 +5,7 @@
 #include "tools/base/Files.h"
 #include "tools/base/Json.h"
 #include "tools/base/Progress.h"
+#include "tools/base/Terminal.h"
 #include "tools/verbs/Verbs.h"
 
 namespace tool {
@@ -76,7 +77,9 @@ int Dump(const Arguments& arguments) {
     if (!content.tooLong.empty()) throw Failure(content.tooLong);
     if (!json) RefuseWhatTextCannotHold(content);
     if (arguments.Has("sort")) std::ranges::stable_sort(content.entries, {}, &Entry::key);
-    WriteOutput(arguments.Get("output"), Lines(content, json, arguments.Has("header")));
+    const std::string& output = arguments.Get("output");
+    WriteOutput(output, ForOutput(output, Lines(content, json, arguments.Has("header")),
+                                  json ? ControlForm::kJson : ControlForm::kEntry));
     return kSuccess;
 }
 

@@ -3,6 +3,7 @@
 #include "tools/base/BinaryFile.h"
 #include "tools/base/Content.h"
 #include "tools/base/Files.h"
+#include "tools/base/Terminal.h"
 #include "tools/verbs/Verbs.h"
 
 namespace tool {
@@ -107,8 +108,8 @@ std::string Loaded::ExplainKey(const std::string& key, const char* remark, bool 
                                  : i == answering                        ? "the answer"
                                  : i < answering                         ? "replaced"
                                                  : "appended behind the answer";
-        lines += "  " + Show(sources[i].file.PlaceOf(found->second)) + ": " + Show(UnitsOf(found->second.value)) +
-                 remark + ", " + fate + '\n';
+        lines += "  " + Show(sources[i].file.PlaceOf(found->second)) + ": " +
+                 Show(UnitsOf(found->second.value)) + remark + ", " + fate + '\n';
     }
     return lines;
 }
@@ -180,7 +181,7 @@ public:
         std::string output;
         if (found || !answer.IsEmpty()) output = Utf8(UnitsOf(answer)) + '\n';
         if (explain) output += explanation;
-        WriteStandardOutput(output);
+        WriteStandardOutput(ForOutput("-", std::move(output), ControlForm::kEntry));
         return found ? kSuccess : kDifference;
     }
 
