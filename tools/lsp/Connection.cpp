@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <climits>
+#include <iterator>
 #include <string_view>
 
 #include "tools/base/Files.h"
@@ -73,8 +75,15 @@ void Connection::Send(const Json& message) {
     const std::string body = message.dump(-1, ' ', false, Json::error_handler_t::replace);
     const std::string all =
         "Content-Length: " + std::to_string(body.size()) + std::string(kHeaderEnd) + body;
+    // A client that sends without reading would wait for ever if nobody read what it sends. So the
+    // output gets only as much at once as a pipe that is ready takes.
     for (std::size_t at = 0; at < all.size();) {
-        const ssize_t count = write(output, all.data() + at, all.size() - at);
+        pollfd ready[] = {{output, POLLOUT, 0}, {ended ? -1 : input, POLLIN, 0}};
+        if (poll(ready, std::size(ready), -1) < 0 && errno != EINTR) throw ReaderGone();
+        if (ready[1].revents != 0 && Read()) TakeMessages();
+        if (ready[0].revents == 0) continue;
+        const std::size_t size = std::min<std::size_t>(all.size() - at, PIPE_BUF);
+        const ssize_t count = write(output, all.data() + at, size);
         if (count >= 0) {
             at += static_cast<std::size_t>(count);
         } else if (errno != EINTR) {

@@ -24,6 +24,7 @@ public:
     // Whether the client has sent a cancellation of the request since.
     bool IsCancelled(const Json& id);
 
+    // Reads meanwhile what the client sends. Throws ReaderGone.
     void Send(const Json& message);
 
 private:

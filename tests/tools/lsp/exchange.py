@@ -273,7 +273,7 @@ class Test:
             "contentChanges": [{"text": text}]})
 
     def codes(self, name, version):
-        return [(d["code"], d["range"]) for d in self.client.findings(self.uri(name), version)]
+        return [(d.get("code"), d["range"]) for d in self.client.findings(self.uri(name), version)]
 
     def run(self):
         for part in (self.lifecycle, self.findings, self.hover, self.completion, self.definition,
@@ -453,6 +453,7 @@ class Test:
     def speed(self):
         line = '"$$$/Group{0}/Item{0}=Eine Zeile mit Text und &Kürzel, Nummer {0}"\n'
         text = "".join(line.format(i) for i in range(10000))
+        self.change("en.txt", text, 300)
         self.change("de.txt", text, 300)
         self.codes("de.txt", 300)
         times = []
