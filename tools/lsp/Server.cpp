@@ -81,10 +81,11 @@ Server::Server(Connection& client, const std::string& encoding)
          [this](const Json& params) {
              const Json& changes = params.at("contentChanges");
              if (changes.empty()) return Json();
-             workspace.Change(UriIn(params),
-                              params.at("textDocument").at("version").get<std::int64_t>(),
-                              changes.back().at("text").get<std::string>());
-             Outdate();
+             const OpenFile& file = workspace.Change(
+                 UriIn(params), params.at("textDocument").at("version").get<std::int64_t>(),
+                 changes.back().at("text").get<std::string>());
+             // Others are compared with the reference alone.
+             if (file.path == workspace.ProjectOf(file).project.reference) Outdate();
              return Json();
          }},
         {"textDocument/didClose",
