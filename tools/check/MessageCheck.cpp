@@ -114,7 +114,12 @@ void MessageCheck::CheckForms(const std::string& key, const MessagePlace& place,
             continue;
         }
         add(Rule::kMessageUnusedForm, place.position,
-            argument + " has a form \"" + selector + "\", which " + language + " does not have");
+            std::string(argument)
+                .append(" has a form \"")
+                .append(selector)
+                .append("\", which ")
+                .append(language)
+                .append(" does not have"));
     }
 }
 
