@@ -13,6 +13,7 @@ namespace tool::lsp {
 struct Position {
     std::size_t line = 0;
     std::size_t character = 0;
+    // NOLINTNEXTLINE(modernize-use-nullptr): clang-tidy 14 takes the comparison for a null pointer
     auto operator<=>(const Position&) const = default;
 };
 
