@@ -23,9 +23,8 @@ std::vector<const Entry*> Sorted(const Content& content) {
     for (const Entry& entry : content.entries)
         list.push_back(&entry);
     std::ranges::stable_sort(list, Before);
-    const auto repeated = std::ranges::unique(
-        list, [](const Entry* a, const Entry* b) { return !Before(a, b) && !Before(b, a); });
-    list.erase(repeated.begin(), repeated.end());
+    const auto same = [](const Entry* a, const Entry* b) { return !Before(a, b) && !Before(b, a); };
+    list.erase(std::unique(list.begin(), list.end(), same), list.end());
     return list;
 }
 
