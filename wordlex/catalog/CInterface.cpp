@@ -32,7 +32,7 @@ auto OrNull(Work work) noexcept -> decltype(work()) {
     }
 }
 
-wordlex_catalog* Give(lexon::LoadResult loaded, wordlex_error** error) {
+wordlex_catalog* Give(const lexon::LoadResult& loaded, wordlex_error** error) {
     if (error != nullptr) *error = nullptr;
     if (loaded.Ok()) return new wordlex_catalog{*loaded};
     if (error != nullptr) {
@@ -108,16 +108,19 @@ char* wordlex_text(const wordlex_catalog* catalog, const char* key) {
 
 char* wordlex_format(const wordlex_catalog* catalog, const char* key, const char* language,
                      const wordlex_argument* arguments, size_t count) {
-    return Filled(catalog, key, language, [&](const Formatter& formatter, std::u16string text) {
-        return formatter.Format(text, ArgumentsOf(arguments, count, Numbers::kAsText));
-    });
+    return Filled(
+        catalog, key, language, [&](const Formatter& formatter, std::u16string_view text) {
+            return formatter.Format(text, ArgumentsOf(arguments, count, Numbers::kAsText));
+        });
 }
 
 char* wordlex_format_message(const wordlex_catalog* catalog, const char* key, const char* language,
                              const wordlex_argument* arguments, size_t count) {
-    return Filled(catalog, key, language, [&](const Formatter& formatter, std::u16string text) {
-        return formatter.FormatMessage(text, ArgumentsOf(arguments, count, Numbers::kAsNumbers));
-    });
+    return Filled(catalog, key, language,
+                  [&](const Formatter& formatter, std::u16string_view text) {
+                      return formatter.FormatMessage(
+                          text, ArgumentsOf(arguments, count, Numbers::kAsNumbers));
+                  });
 }
 
 void wordlex_free(char* text) { std::free(text); }
