@@ -39,8 +39,8 @@ struct SlotLists {
             std::count_if(counts.begin(), counts.end(), [](std::uint32_t n) { return n != 0; }));
     }
     void Write(ImageWriter& writer) const {
-        for (std::uint16_t slot = 0; slot < counts.size(); ++slot) {
-            if (counts[slot] != 0) writer.write2(slot);
+        for (std::size_t slot = 0; slot < counts.size(); ++slot) {
+            if (counts[slot] != 0) writer.write2(static_cast<std::uint16_t>(slot));
         }
         for (const std::uint32_t count : counts) {
             if (count != 0) writer.write4(count);
