@@ -1,6 +1,6 @@
 #pragma once
-// Character classes and case of locale names: ASCII alone, whatever locale the process has set. The
-// functions of <cctype> would let bytes above 0x7F count as letters in some locales.
+// Character classes and case of locale names: ASCII alone, whatever locale the process has set. In
+// some locales the functions of <cctype> count bytes above 0x7F as letters.
 
 namespace localeid {
 

@@ -15,7 +15,7 @@ using localeid::ToAsciiUpper;
 
 enum class State { kStart, kAfterLanguage, kAfterScript, kAfterRegion };
 
-// What a part of a name is, told by its length and by what stood before it.
+// The kind of a part of a name, decided by its length and the part before it.
 struct Transition {
     State state;
     std::ptrdiff_t length;
@@ -40,7 +40,7 @@ struct ScriptOfLanguage {
     std::string_view script;
 };
 
-// For names that give no script.
+// For names without a script.
 constexpr ScriptOfLanguage defaultScripts[] = {
     {"sr", "Cyrl"}, {"tg", "Cyrl"}, {"uz", "Cyrl"}, {"iu", "Cans"}};
 
@@ -50,7 +50,7 @@ struct ScriptOfRegion {
     std::string_view script;
 };
 
-// Where one script goes without saying; it replaces any that the name gives.
+// Regions that imply one script; it replaces any script in the name.
 constexpr ScriptOfRegion regionScripts[] = {
     {"zh", "CN", "Hans"}, {"zh", "SG", "Hans"}, {"zh", "TW", "Hant"}, {"zh", "HK", "Hant"},
     {"zh", "MO", "Hant"}, {"mn", "CN", "Mong"}, {"mn", "SG", "Cyrl"}, {"pa", "PK", "Arab"},
@@ -132,7 +132,7 @@ std::string LocaleId::getParentName() const {
     return needScriptIfNoRegion() ? language + "-" + script : language;
 }
 
-// Callers hand over a copy, which is part of the interface.
+// The interface takes a copy.
 // NOLINTBEGIN(performance-unnecessary-value-param)
 bool LocaleId::isEqual(LocaleId other) const { return getName() == other.getName(); }
 

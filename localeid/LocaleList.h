@@ -1,6 +1,6 @@
 #pragma once
-// Locale names in order of preference, as they were written: neither parsed nor normalized, and
-// with any duplicates kept.
+// Locale names in order of preference, exactly as written: not parsed, not normalized, duplicates
+// kept.
 //
 // Owns:    a copy of each name.
 // Failure: exhausted memory throws std::bad_alloc and leaves the list as it was.
@@ -16,8 +16,9 @@ public:
     // The names in `names`, which may be null; see FromString.
     explicit CLocaleList(const char* names);
 
-    // Replaces the list by the names in `names` and returns how many they are; none for null. ASCII
-    // letters and digits, '-' and '_' make up a name, any run of other bytes separates two.
+    // Replaces the list by the names in `names` and returns their number; 0 for null. A name
+    // consists of ASCII letters and digits, '-' and '_'. Any run of other bytes separates two
+    // names.
     std::size_t FromString(const char* names);
     void AddLocale(std::string name);
     void clear() noexcept;

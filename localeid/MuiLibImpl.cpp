@@ -33,7 +33,7 @@ std::array<const char*, kMessageLanguages + 1> MessageLocales() {
     return locales;
 }
 
-// The row of `locale`, or the default row, which stands right behind those searched.
+// The row of `locale`, or the default row, which comes right after those searched.
 const MuiMessageRow& FindMessages(std::string_view locale) {
     return *std::find_if(allMessages.begin(), allMessages.begin() + kMessageLanguages,
                          [&](const MuiMessageRow& row) { return row.locale == locale; });
@@ -99,7 +99,7 @@ std::size_t MuiSortLocalesPerUserPreference(const char** locales) {
 void MuiForceOrderOfOsLocales(const char* const* locales) {
     std::string joined;
     for (std::size_t i = 0; i < localeid::CountLocales(locales); ++i) {
-        // Only before a name that adds something: empty names leave no separator behind.
+        // Empty names add no separator.
         if (!joined.empty() && *locales[i] != '\0') joined += ';';
         joined += locales[i];
     }
@@ -108,7 +108,7 @@ void MuiForceOrderOfOsLocales(const char* const* locales) {
         order = std::make_unique<char[]>(joined.size() + 1);
         std::memcpy(order.get(), joined.c_str(), joined.size() + 1);
     }
-    // Nothing throws from here on: when memory runs out above, the former order stays.
+    // Nothing throws from here on: if memory runs out above, the old order stays.
     delete[] g_osLangOverride;
     g_osLangOverride = order.release();
 }

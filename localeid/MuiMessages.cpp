@@ -7,7 +7,7 @@ namespace localeid {
 
 namespace {
 
-// Used for English and, in the last row, for want of any better language.
+// Used for English and in the last row, when there is no better language.
 constexpr wchar_t kEnglishLocaleUnavailable[] =
     L"The localized resource files for this application could not be loaded. "
     L"Please reinstall or repair the application and try again.";
@@ -19,12 +19,12 @@ constexpr wchar_t kEnglishUnsupportedSystemLocale[] =
 
 }  // namespace
 
-// One row a language, ordered by locale: the first row is the answer for a user without preference.
-// Each line is one sentence, longer than other lines if need be. What Windows shows on the screen
-// stands in the quotation marks of the language, except for the name of the Start menu; Arabic and
-// Hebrew are in reading order, without direction marks; French has no-break spaces (U+00A0) inside
-// its quotation marks. The tab of Vista is left out where its name is that of the older tab; in
-// Ukrainian no tab is named.
+// One row a language, ordered by locale. The first row is for a user without preference. Each line
+// is one sentence, longer than other lines if need be. What Windows shows on the screen is in the
+// language's own quotation marks, except for the name of the Start menu. Arabic and Hebrew are in
+// reading order, without direction marks. French has no-break spaces (U+00A0) inside its quotation
+// marks. The Vista tab is left out where its name equals that of the older tab. In Ukrainian no tab
+// is named.
 // clang-format off
 constexpr std::array<MuiMessageRow, kMessageLanguages + 1> allMessages = {{
     {"ar",

@@ -1,6 +1,6 @@
 #pragma once
-// The messages for when nothing of the application's own can be read, in each language that has
-// them. MuiMessages.cpp is the file that translators review.
+// The messages for when none of the application's own files can be read, in each supported
+// language. Translators review MuiMessages.cpp.
 
 #include <array>
 #include <cstddef>
@@ -13,7 +13,7 @@ struct MuiMessageRow {
     const wchar_t* unsupportedSystemLocale;  // the operating system's language is not supported
 };
 
-// Rows of languages, ahead of the last row, which has no locale and the English texts.
+// Rows of languages, before the last row, which has no locale and the English texts.
 constexpr std::size_t kMessageLanguages = 32;
 
 extern const std::array<MuiMessageRow, kMessageLanguages + 1> allMessages;

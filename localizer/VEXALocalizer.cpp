@@ -52,7 +52,7 @@ UTF16String Localizer::GetLocalizedString(const char* key) const {
 }
 
 UTF16String Localizer::PerformWordlexLookup(const char* key) const {
-    // Locked to the end: the units lie in the dictionary.
+    // Locked to the end: the units belong to the dictionary.
     const ScopedLock lock;
     if (!dictionary.IsValid()) return vexacore::utility::AsciiToUTF16(key);
     const unsigned short* units = nullptr;

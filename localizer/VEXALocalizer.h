@@ -6,36 +6,36 @@
 
 namespace FE {
 
-// The application's localizer: answers the host's requests for texts from one dictionary.
+// The application's localizer: looks up the host's texts in one dictionary.
 //
-// Owns:     the dictionary that all loaded files go into. A text that comes later takes the place
-//           of an earlier one with the same key. But a binary file of version 2 hides every text
-//           that a text file brought before it, for good. So a text dictionary of the application
-//           is not asked once the computer's shared one is binary; the other way round they add up.
-// Failure:  a look-up without a dictionary or a key gives the default text behind "="; once a file
-//           with malformed content was read, the key text itself, of one in parentheses what is
-//           inside. Exhausted memory throws, as does a text that no string can hold; the lock is
-//           free afterwards.
-// Threads:  look-ups and loads from any thread, one after the other: all access to the dictionary
-//           and to what comes out of it is under one recursive lock of the process.
+// Owns:     the dictionary that all files are loaded into. A later text replaces an earlier one
+//           with the same key. But a binary file of version 2 hides every text loaded before it
+//           from a text file, for good. So once the computer's shared dictionary is binary, a text
+//           dictionary of the application is never searched. The other way round they add up.
+// Failure:  a look-up without a dictionary or a key returns the default text after "=". Once a file
+//           with malformed content was read, a look-up returns the key text itself; for a key in
+//           parentheses, the text inside. Exhausted memory throws, as does a text that is too long
+//           for a string; the lock is free afterwards.
+// Threads:  look-ups and loads from any thread, one after the other. One recursive lock of the
+//           process guards the dictionary and everything that it returns.
 class Localizer : public vexacore::config::Localizer {
 public:
     // Makes UTF-8 the process's default encoding, which 8-bit text dictionaries are read in.
     Localizer();
     ~Localizer() override;
 
-    // The text for "$$$/Path/Name=Default text", or for the same in parentheses. Other text comes
-    // back as it is: read as UTF-8 when it has a "=", else byte per unit.
+    // The text for "$$$/Path/Name=Default text", or for the same in parentheses. Other text is
+    // returned as it is: read as UTF-8 when it has a "=", else one unit a byte.
     vexacore::UTF16String GetLocalizedString(const char* key) const override;
 
-    // Both read the dictionary file below the folder; false when none was found or opened. What the
-    // file holds does not change the result. Each file that was looked for, opened and read is a
-    // host event, and so is the one that makes the dictionary invalid.
+    // Both read the dictionary file below the folder. False when none was found or opened; the
+    // content of the file does not change the result. Each file looked for, opened and read is a
+    // host event, and so is the file that makes the dictionary invalid.
     bool LoadDictionary(const vexacore::UTF16String& baseFolder) override;
     bool LoadWordlexDictionary(const vexacore::UTF16String& baseFolder);
 
     // Finds "wdictionary.dat" in the folder's "Dictionaries" folder of the UI language, else in the
-    // folder itself; a pipe or a device of that name is passed over. False leaves `file` as it was.
+    // folder itself. Skips a pipe or a device of that name. False leaves `file` unchanged.
     bool GetWordlexDictionaryFolder(const vexacore::UTF16String& baseFolder,
                                     vexacore::UTF16String& file) const;
 

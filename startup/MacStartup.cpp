@@ -49,7 +49,7 @@ extern "C" [[gnu::visibility("default")]] std::int32_t Run(std::intptr_t first, 
                                                            std::int32_t cookie) {
     if (cookie != Startup::kLaunchCookie) return 1;
 
-    // Destroyed in reverse, whichever way Run ends: first the module handle, then the host.
+    // Destroyed in reverse however Run ends: first the module handle, then the host.
     const auto host = BringUpHost();
     if (!host) return 1;
     boost::shared_ptr<Ovis::Module> frontend;

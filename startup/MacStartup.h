@@ -4,16 +4,16 @@
 
 namespace Startup {
 
-// By which `Run` knows a launcher that was made for it.
+// `Run` accepts only launchers that pass this value.
 inline constexpr auto kLaunchCookie = static_cast<std::int32_t>(0xC3A951E7);
 
 }  // namespace Startup
 
 // Brings the host up, runs the front end "Frontend.framework" beside the executable and takes
-// everything down again. Called once, on the main thread; returns when the application quits.
+// everything down again. Call it once, on the main thread. It returns when the application quits.
 //
-// `first` and `second` go on to the front end's AppMain unchanged. `cookie` is kLaunchCookie, or
-// nothing happens. Returns what AppMain returns, 1 when the front end was not reached. An exception
-// while the host is set up makes it return 1, too; a later one, such as AppMain's, goes on to the
-// caller after the tear-down. Which of these happened stands in FWR::GetStartupReport().
+// `first` and `second` reach the front end's AppMain unchanged. Unless `cookie` is kLaunchCookie,
+// nothing happens. Returns what AppMain returns, or 1 when the front end was not reached. An
+// exception while the host is set up also makes it return 1. A later exception, such as AppMain's,
+// reaches the caller after the tear-down. FWR::GetStartupReport() says which of these happened.
 extern "C" std::int32_t Run(std::intptr_t first, std::int32_t second, std::int32_t cookie);

@@ -39,7 +39,7 @@ void SetIdentity() {
     config::SetSAPCode(AsciiToUTF16("KTX"));
 }
 
-// The folder of dictionaries that all users of the computer share.
+// The folder for dictionaries shared by all users of the computer.
 UTF16String SharedSupportPath() {
     std::optional<NSError> error;
     const auto url = NSFileManager::DefaultManager().URLForDirectory(

@@ -9,13 +9,13 @@
 namespace Startup {
 
 // Prepares the host for the application: identity, error manager, XML parser factory, localizer
-// with its dictionaries, locale. The destructor takes it back.
+// with its dictionaries, locale. The destructor undoes it.
 //
 // Owns:     the error manager, the new-handler initializer and the localizer. The host refers to
-//           them only while this object lives; it owns the parser factory itself.
-// Failure:  any exception of the host leaves the constructor. The host then refers to nothing that
-//           goes with this object; the identity, and the factory if it was installed, stay. What
-//           somebody else has installed, and the start had not yet replaced, stays too.
+//           them only while this object lives. The host itself owns the parser factory.
+// Failure:  the constructor passes on any exception of the host. The host then refers to nothing
+//           that dies with this object. The identity stays, and so do the factory, if it was
+//           installed, and whatever others had installed and the start had not yet replaced.
 // Threads:  made and destroyed on the launcher's thread.
 class VEXAInitializer {
 public:

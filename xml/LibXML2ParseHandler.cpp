@@ -25,35 +25,35 @@ constexpr std::size_t kLongestDocument = std::numeric_limits<int>::max();  // li
 constexpr const char* kTooLong = "the document is longer than 2 GiB";
 constexpr const char* kOutOfMemory = "out of memory";
 constexpr std::size_t kAllowedExpansion = 1'000'000;  // bytes
-// Enough for what a document says itself: the name of an empty element is handed on four times,
-// qualified and local, at start and end, and a byte of ISO 8859 or of a Windows code page takes up
-// to three in UTF-8.
+// Enough for what a document itself says. The name of an empty element is passed on four times
+// (qualified and local, at start and end), and one byte of ISO 8859 or of a Windows code page takes
+// up to three bytes in UTF-8.
 constexpr std::size_t kAllowedFactor = 12;
-// An element, an attribute and a reference each cost what the document is allowed for the least
-// that writes one, names aside: "</>", " =''" and "&e;".
+// An element, an attribute and a reference each cost what the document is allowed for their
+// shortest form without names: "</>", " =''" and "&e;".
 constexpr std::size_t kElementCost = 3 * kAllowedFactor;
 constexpr std::size_t kAttributeCost = 4 * kAllowedFactor;
 constexpr std::size_t kReferenceCost = 3 * kAllowedFactor;
-// Honest documents repeat their namespace on every element: this many bytes of it are free.
+// Ordinary documents repeat their namespace on every element, so this many bytes of it are free.
 constexpr std::size_t kFreeUriLength = 128;
 // Attributes of one start tag, namespaces in scope, or entries of all attribute-list declarations.
 constexpr std::size_t kLongestList = 10'000;
 
-// What libxml2 2.9.14 does for a document without calling back, as measured there; a test bounds
-// the time. Each start tag compares its attributes with each other, with the namespaces in scope
-// and with the declared defaults; an entity copies the namespaces in scope. One byte of the budget
-// pays for so many of them.
+// Work that libxml2 2.9.14 does without calling back, as measured; a test bounds the time. Each
+// start tag compares its attributes with each other, with the namespaces in scope and with the
+// declared defaults. An entity copies the namespaces in scope. One byte of the budget pays for so
+// many of these steps.
 constexpr std::size_t kComparisonsPerByte = 128;
 constexpr std::size_t kNamespacesCopiedPerByte = 8;
-// Bytes of names, namespace URIs and declared defaults, which libxml2 keeps in 4608 lists. The last
-// block of memory that it takes for them may exceed the limit.
+// Bytes of names, namespace URIs and declared defaults, which libxml2 keeps in 4608 lists. Its last
+// block of memory for them may exceed the limit.
 constexpr std::size_t kDictionaryLimit = 340'000;
-// libxml2 crashes over a declared namespace that did not fit into its dictionary. A document that
-// declares one has no limit of the dictionary, but this limit of its length.
+// libxml2 crashes on a declared namespace that does not fit into its dictionary. So a document that
+// declares one has no dictionary limit, but this limit on its length.
 constexpr std::size_t kDeclaredNamespaceLimit = 1'000'000;
 
 struct FreeContext {
-    // The context does not own its document, which a malformed DTD leaves behind.
+    // The context does not own its document; a malformed DTD leaves one.
     void operator()(xmlParserCtxt* context) const {
         xmlFreeDoc(context->myDoc);
         xmlFreeParserCtxt(context);
@@ -73,7 +73,7 @@ std::span<const xmlChar* const> Pointers(const xmlChar** first, int groups, std:
 }
 
 // Counts the entries that libxml2 compares with all before them, before it calls back. Each tag
-// begins with an unquoted '<'; a quoted one is an error in it.
+// begins with an unquoted '<'; a quoted one is an error there.
 struct Lists {
     std::size_t attributes = 0;  // of the longest tag
     std::size_t declared = 0;    // defaults and tokens in all attribute-list declarations
@@ -115,7 +115,7 @@ private:
     }
 };
 
-// Decodes the rest of a document that is not in UTF-8, which libxml2 does a little later.
+// Decodes the rest of a document that is not in UTF-8. libxml2 would do so a little later.
 void Decode(xmlParserInput& input) {
     if (!input.buf || !input.buf->encoder) return;
     const std::ptrdiff_t offset = input.cur - input.base;
@@ -126,8 +126,8 @@ void Decode(xmlParserInput& input) {
     input.end = xmlBufEnd(input.buf->buffer);
 }
 
-// The line of an error and the first line of its text, in UTF-8; a text with a very long name is
-// cut, between two characters.
+// The line of an error and the first line of its text, in UTF-8. A text with a very long name is
+// cut between two characters.
 std::array<char, 200> Describe(const xmlError& error) noexcept {
     std::array<char, 200> text{};
     std::snprintf(text.data(), text.size(), "line %d: %s", error.line, error.message);
@@ -141,7 +141,7 @@ std::array<char, 200> Describe(const xmlError& error) noexcept {
     return text;
 }
 
-// Sends the errors of libxml2 on this thread to one function instead of the standard error stream.
+// Sends libxml2's errors on this thread to one function instead of the standard error stream.
 class ErrorRedirection {
 public:
     ErrorRedirection(void* receiver, xmlStructuredErrorFunc function)
@@ -188,7 +188,7 @@ ResultCode LibXML2ParseHandler::ParseBuffer(const ByteString& document) {
     failure = length > kLongestDocument ? kTooLong : "";
     if (!failure.empty()) return kParseFailed;
 
-    // Before the context is made, which copies the setting; libxml2 keeps one for each thread.
+    // Set before the context is made, which copies the setting. libxml2 has one for each thread.
     xmlSubstituteEntitiesDefault(1);
     xmlSAXHandler callbacks{};
     callbacks.initialized = XML_SAX2_MAGIC;
@@ -224,8 +224,8 @@ ResultCode LibXML2ParseHandler::ParseBuffer(const ByteString& document) {
     return result == 0 && !failed ? kParseSucceeded : kParseFailed;
 }
 
-// Runs the action of one callback. The first exception is the end of the parse, as the first fatal
-// error is: libxml2 is stopped, and what it still calls on its way out is not reported.
+// Runs the action of one callback. The first exception ends the parse, as the first fatal error
+// does: libxml2 is stopped, and its remaining calls are not reported.
 template <class Action>
 void LibXML2ParseHandler::Report(void* parser, Action action) noexcept {
     auto& self = *static_cast<LibXML2ParseHandler*>(parser);
@@ -241,8 +241,8 @@ void LibXML2ParseHandler::Report(void* parser, Action action) noexcept {
     }
 }
 
-// With this limit the dictionary of libxml2 2.9.14 refuses every name, so that the parse ends at
-// the next one. This reaches the context of an entity, which is not known here but shares the
+// With this limit the dictionary of libxml2 2.9.14 refuses every name, so the parse ends at the
+// next name. This also reaches the context of an entity, which is unknown here but shares the
 // dictionary. xmlStopParser would free the input, which may still be in use where an error is
 // reported.
 void LibXML2ParseHandler::Stop(std::string_view reason) noexcept {
@@ -292,7 +292,7 @@ UTF16String LibXML2ParseHandler::HandOnQualifiedName(const xmlChar* prefix,
     return HandOn(name);
 }
 
-// The context that libxml2 passes its own callbacks is the stored one, not the user data.
+// The context that libxml2 passes to its own callbacks is the stored one, not the user data.
 
 void LibXML2ParseHandler::internalSubset(void* parser, const xmlChar* name,
                                          const xmlChar* externalId, const xmlChar* systemId) {
@@ -304,9 +304,9 @@ xmlEntity* LibXML2ParseHandler::getEntity(void* parser, const xmlChar* name) {
     xmlEntity* given = nullptr;  // stays so in a stopped parser, which may still be in an entity
     Report(parser, [&](auto& self) {
         xmlEntity* const entity = xmlSAX2GetEntity(self.context, name);
-        // Given an external one, libxml2 would read the file or web address that it names.
+        // With an external entity, libxml2 would read the file or web address that it names.
         if (!entity || entity->etype == XML_EXTERNAL_GENERAL_PARSED_ENTITY) return;
-        // Each reference is parsed anew, and an attribute value is put together before any event.
+        // Each reference is parsed again, and an attribute value is complete before any event.
         self.Spend(kReferenceCost + static_cast<std::size_t>(entity->length) +
                    self.namespacesInScope / kNamespacesCopiedPerByte);
         Lists(View(entity->content)).Check();

@@ -7,7 +7,7 @@
 
 #include "host/vexacore/Xml.h"
 
-struct _xmlEntity;      // NOLINT(bugprone-reserved-identifier): libxml2 names them so
+struct _xmlEntity;      // NOLINT(bugprone-reserved-identifier): libxml2's names
 struct _xmlError;       // NOLINT(bugprone-reserved-identifier)
 struct _xmlParserCtxt;  // NOLINT(bugprone-reserved-identifier)
 
@@ -16,36 +16,37 @@ namespace vexacore::xml {
 // Parses a document with libxml2's SAX2 parser and reports it to the host's handler.
 //
 // Owns:     its handler, which is never null; during ParseBuffer the libxml2 context.
-// Invariant: one scope map for each open element, the declarations made on it. An element that a
-//           failed parse left open keeps its map until the parser goes.
-// Entities: internal ones are replaced by their text. References to external ones are refused:
-//           no file or address that the document names is opened.
-// Encodings: libxml2 itself reads UTF-8, UTF-16, US-ASCII and ISO 8859-1. For any other encoding it
-//           has the C library's iconv load a conversion module from the folder of these modules.
+// Invariant: one scope map for each open element, with the declarations made on it. An element that
+//           a failed parse left open keeps its map until the parser is destroyed.
+// Entities: internal ones are replaced by their text. References to external ones are refused: no
+//           file or address that the document names is opened.
+// Encodings: libxml2 itself reads UTF-8, UTF-16, US-ASCII and ISO 8859-1. For any other encoding,
+//           the C library's iconv loads a conversion module from its own folder.
 // Limits:   a document of more than 2 GiB is refused. A document has a budget of 1 MB plus twelve
-//           times its size, in bytes of UTF-8: what is handed on spends it (of a namespace URI
-//           that names repeat only what exceeds 128 bytes), and so does the text of an entity at
-//           each reference. Without entities, default attributes and longer URIs it suffices for
-//           any document with at most 100 attributes in a tag and namespaces in scope; more of
-//           them spend it too. Refused as well: more than 10,000 attributes in a tag, namespaces
-//           in scope, or tokens and defaults in all attribute lists; different names, namespace
-//           URIs and declared defaults of more than about 340,000 bytes together; a document of
-//           more than 1 MB whose attribute lists declare namespaces. All of this holds in every
-//           encoding and inside entities, and bounds the time in proportion to the size.
-//           libxml2's own limits are 257 open elements in the document and again in each entity,
-//           entities in entities 20 deep, names of 50,000 bytes, and 10 MB for an attribute value,
-//           a comment, a CDATA section, a processing instruction or an entity. Text has none.
-// Failure:  kParseFailed for a document that cannot be read as XML, for an exception of the
-//           handler, which is discarded, and for a parse that the parser's own handler asks for,
-//           which changes nothing. The events before the first fatal error have been delivered,
+//           times its size, in bytes of UTF-8. Everything passed to the handler spends it (of a
+//           namespace URI that names repeat, only what exceeds 128 bytes), and so does the text of
+//           an entity at each reference. Without entities, default attributes and longer URIs, it
+//           is enough for any document with at most 100 attributes in a tag and namespaces in
+//           scope; more of them spend it too.
+//           Also refused: more than 10,000 attributes in a tag, namespaces in scope, or tokens and
+//           defaults in all attribute lists; different names, namespace URIs and declared defaults
+//           of more than about 340,000 bytes together; a document of more than 1 MB whose attribute
+//           lists declare namespaces. These limits hold in every encoding and inside entities. They
+//           bound the time in proportion to the size.
+//           libxml2's own limits: 257 open elements in the document and again in each entity;
+//           entities in entities 20 deep; names of 50,000 bytes; 10 MB for an attribute value, a
+//           comment, a CDATA section, a processing instruction or an entity. Text has no limit.
+// Failure:  kParseFailed for a document that cannot be parsed, for an exception of the
+//           handler, which is discarded, and for a parse that the handler asks its own parser for,
+//           which changes nothing. The events before the first fatal error have been delivered;
 //           none follows, not even EndDocument. Nothing is written to the standard error stream:
-//           ParseBuffer redirects the errors of libxml2 on its thread until it returns, also those
-//           of other parsers that the handler uses.
+//           until ParseBuffer returns, it redirects libxml2's errors on its thread, also those of
+//           other parsers that the handler uses.
 //           Errors of the file layer leave ParseDocument as exceptions.
 // Threads:  none; separate parsers may work on separate threads.
 class LibXML2ParseHandler : public AbstractDocParser {
 public:
-    // Takes the handler over; the caller's owner is empty afterwards.
+    // Takes over the handler; the caller's owner is empty afterwards.
     explicit LibXML2ParseHandler(Owner<AbstractParseHandler>& handler);
     ~LibXML2ParseHandler() override;
 
@@ -54,8 +55,8 @@ public:
     // The document ends at its first NUL.
     ResultCode ParseBuffer(const ByteString& document) override;
 
-    // Called by libxml2; `parser` is the LibXML2ParseHandler. They let no exception out: it would
-    // pass through libxml2's frames and leak what they hold.
+    // libxml2 calls these; `parser` is the LibXML2ParseHandler. They let no exception out: it would
+    // pass through libxml2's frames and leak what those own.
     static void internalSubset(void* parser, const unsigned char* name,
                                const unsigned char* externalId, const unsigned char* systemId);
     static _xmlEntity* getEntity(void* parser, const unsigned char* name);
@@ -64,7 +65,7 @@ public:
     static void characters(void* parser, const unsigned char* text, int length);
     static void cdataBlock(void* parser, const unsigned char* text, int length);
     static void comment(void* parser, const unsigned char* text);
-    // `namespaces` holds pairs of prefix and URI, `attributes` five pointers each: local name,
+    // `namespaces` contains pairs of prefix and URI; `attributes` five pointers each: local name,
     // prefix, URI, start and end of the value.
     static void startElementWithNamespace(void* parser, const unsigned char* localName,
                                           const unsigned char* prefix, const unsigned char* uri,
@@ -90,7 +91,7 @@ private:
 
     _xmlParserCtxt* context = nullptr;  // null outside ParseBuffer
     std::deque<Scope> scopes;
-    // Of the parse under way:
+    // For the current parse:
     bool failed = false;                 // by a fatal error, or a callback has thrown
     std::size_t budget = 0;              // what it may still spend, in bytes
     std::size_t namespacesInScope = 0;   // in the document and the entities that are open

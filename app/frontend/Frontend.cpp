@@ -49,7 +49,7 @@ const Menu kMenus[] = {
     {"$$$/Framewright/Menu/Help=&Help", {{"$$$/Framewright/Menu/Help/About=&About ^1", kTitle}}},
 };
 
-// One of each form that a request can have.
+// One request of each form.
 constexpr const char* kRequests[] = {
     "($$$/Framewright/Status/Autosave=autosave on)",
     "$$$/Framewright/Status/Ready",
@@ -157,7 +157,7 @@ void PrintProject(const Project& project) {
               << "\n\n";
 }
 
-// A name with what is not printable ASCII or UTF-8 in it written as "\xE9".
+// A name in which everything but printable ASCII and UTF-8 is written as "\xE9".
 std::string Printable(const std::string& path) {
     std::ostringstream text;
     const bool isUtf8 =
@@ -173,7 +173,7 @@ std::string Printable(const std::string& path) {
     return text.str();
 }
 
-// Returns what AppMain is to return.
+// The result is also AppMain's.
 std::int32_t PrintDocument(const std::string& path) {
     const auto [project, failure] = ReadProject(path);
     if (project) {

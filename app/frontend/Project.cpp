@@ -19,7 +19,7 @@ using Kind = OutlineLine::Kind;
 
 constexpr const char16_t* kProjectNamespace = u"urn:norvale:framewright:project";
 constexpr const char16_t* kMediaNamespace = u"urn:norvale:framewright:media";
-constexpr std::size_t kMostSecondDigits = 9;  // sums of what these can say fit any number of clips
+constexpr std::size_t kMostSecondDigits = 9;  // so that sums fit any number of clips
 
 UTF16String WithSingleSpaces(const UTF16String& text) {
     constexpr const char16_t* kSpaces = u" \t\r\n";
@@ -47,7 +47,7 @@ long SecondsOf(const Attributes& attributes) {
     return valid && seconds > 0 ? seconds : 0;
 }
 
-// Fills a project as its document is parsed.
+// Fills a project while its document is parsed.
 // Owns:     nothing; the project outlives the parse.
 class ProjectHandler final : public vexacore::xml::AbstractParseHandler {
 public:
@@ -106,7 +106,7 @@ private:
             project.longestClip = std::max(project.longestClip, seconds);
         }
     }
-    // Text reaches the handler in pieces; it is whole when something else comes.
+    // Text arrives in pieces. It is complete when something else follows.
     void FlushText() {
         auto whole = WithSingleSpaces(std::exchange(text, {}));
         if (!whole.empty()) AddLine(Kind::kText, std::move(whole));

@@ -14,12 +14,12 @@ struct OutlineLine {
     enum class Kind { kNamespace, kElement, kText, kVerbatim, kComment };
 
     Kind kind;
-    std::size_t depth;             // 0 for what stands outside the root, and for the root
+    std::size_t depth;             // 0 for the root and for what is outside it
     vexacore::UTF16String text;    // with single spaces, none at the ends, except verbatim text
     vexacore::UTF16String prefix;  // of a namespace; empty for the default one
 };
 
-// What the front end shows of a document. Times are whole seconds.
+// What the front end shows of a document. Times are in seconds.
 struct Project {
     vexacore::UTF16String name;
     vexacore::UTF16String author;
@@ -38,8 +38,8 @@ struct ReadResult {
     std::string failure;  // why there is no project: one line for people, in UTF-8
 };
 
-// Parses the document with the host's installed parser factory. `path` is what the system names it.
-// Throws nothing but what a second lack of memory, for the failure's text, does.
+// Parses the document with the host's installed parser factory. `path` is in the file system's
+// encoding. Throws only when memory runs out a second time, for the failure's text.
 ReadResult ReadProject(const std::string& path);
 
 }  // namespace frontend

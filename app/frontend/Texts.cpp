@@ -12,7 +12,7 @@ namespace frontend {
 
 namespace {
 
-// With the digits that times and the copyright's year have in every language.
+// Times and the copyright's year have Western digits in every language.
 const lexon::Formatter& OfTheLanguage() {
     static const lexon::Formatter formatter(
         vexacore::utility::UTF16toStdString(Ovis::GetLanguageString()) + "@numbers=latn");

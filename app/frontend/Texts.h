@@ -1,5 +1,5 @@
 #pragma once
-// The texts that the user sees, all of them asked of the host's registered localizer.
+// The texts that the user sees. All come from the host's registered localizer.
 
 #include <iosfwd>
 #include <string_view>
@@ -10,13 +10,13 @@
 
 namespace frontend {
 
-// The localizer's answer; `key` is usually "$$$/Path/Name=Default text".
+// The localizer's text; `key` is usually "$$$/Path/Name=Default text".
 lexon::Wordlex Localized(const char* key);
 
 // A localized menu title or item without its accelerator and shortcut.
 lexon::Wordlex MenuTitle(const char* key);
 
-// `text` with ^1, ^2, ... replaced by the values in their order, as the UI language writes them.
+// `text` with ^1, ^2, ... replaced by the values in order, formatted for the UI language.
 lexon::Wordlex Filled(const lexon::Wordlex& text, lexon::Arguments values);
 // The same for an ICU message pattern.
 lexon::Wordlex FilledMessage(const lexon::Wordlex& pattern, lexon::Arguments values);

@@ -14,7 +14,7 @@ constexpr std::string_view kEndOfOptions = "--";
 
 Ending Refused(const std::string& what) { return {what + kAccepted, kBadCommandLine}; }
 
-// "--language=", for which the parser would take the argument after it.
+// "--language=", after which the parser would take the next argument.
 bool LacksName(int argc, const char* const* argv) {
     const auto end = std::find(argv, argv + argc, kEndOfOptions);
     return std::find(argv, end, std::string_view("--language=")) != end;
@@ -32,8 +32,8 @@ std::variant<Options, Ending> ParseCommandLine(int argc, const char* const* argv
                    "LC_MESSAGES, LANG)")
         ->type_name("X");
     app.add_flag("--trace", options.trace,
-                 "tell on standard error what the host holds before, during and after the run, "
-                 "the dictionary files that were looked for and read, and the timing marks");
+                 "print on standard error what the host contains before, during and after the run, "
+                 "the dictionary files looked for and read, and the timing marks");
     app.add_option("document", options.document, "project document; a sample without one")
         ->type_name("PATH");
     app.footer(
@@ -53,7 +53,7 @@ std::variant<Options, Ending> ParseCommandLine(int argc, const char* const* argv
     } catch (const CLI::ParseError& error) {
         return Refused(error.what());
     }
-    auto unknown = app.remaining();  // the end of the options is among them
+    auto unknown = app.remaining();  // includes "--"
     const auto end = std::ranges::find(unknown, kEndOfOptions);
     const bool isOption = end != unknown.begin() && unknown.front().starts_with('-');
     if (end != unknown.end()) unknown.erase(end);

@@ -12,7 +12,7 @@ struct Options {
     bool trace = false;
 };
 
-// What ends the launcher before anything is started.
+// An ending before anything is started.
 struct Ending {
     std::string text;  // for standard output on code 0, else one line for standard error
     int exitCode;
@@ -23,7 +23,7 @@ constexpr int kBadCommandLine = 2;
 constexpr int kNoResources = 3;
 constexpr int kResultOutOfRange = 255;
 
-// Takes the command line apart; what the options name is not looked at.
+// Parses the command line. Does not check that what the options name exists.
 std::variant<Options, Ending> ParseCommandLine(int argc, const char* const* argv,
                                                const std::string& version);
 

@@ -19,7 +19,7 @@ constexpr const char* kDictionary = "wdictionary.dat";
 
 std::vector<std::string> ShippedLanguages(const std::filesystem::path& appFolder) {
     std::vector<std::string> names;
-    std::error_code ignored;  // a folder that cannot be read ships nothing
+    std::error_code ignored;  // an unreadable folder ships nothing
     for (std::filesystem::directory_iterator entry(appFolder / kDictionariesFolder, ignored), end;
          entry != end; entry.increment(ignored)) {
         const bool isOffered = entry->path().filename() != kPseudoLanguage;
@@ -69,7 +69,7 @@ std::string BestLanguage(const std::vector<std::string>& shipped) {
 
 std::string NoResourcesMessage() {
     const std::wstring_view message = MuiGetLocaleUnavailableErrorMessage();
-    // A path is the standard library's way from UTF-32 to UTF-8.
+    // A path converts UTF-32 to UTF-8.
     return std::filesystem::path(std::u32string(message.begin(), message.end())).string();
 }
 

@@ -1,4 +1,4 @@
-// The application's executable: settles language and document, then lets the start-up library run
+// The application's executable: chooses language and document, then has the start-up library run
 // the application.
 
 #include <dlfcn.h>
@@ -42,7 +42,7 @@ int Fail(const Ending& ending) {
     return ending.exitCode;
 }
 
-// `Run` of the start-up library beside the executable, which stays loaded.
+// `Run` of the start-up library beside the executable. The library stays loaded.
 decltype(Run)* FindRun(const fs::path& appFolder) {
     void* library = dlopen((appFolder / kStartupLibrary).c_str(), RTLD_NOW | RTLD_LOCAL);
     void* run = library != nullptr ? dlsym(library, "Run") : nullptr;
@@ -50,13 +50,13 @@ decltype(Run)* FindRun(const fs::path& appFolder) {
     return reinterpret_cast<decltype(Run)*>(run);
 }
 
-// Settles the UI language; what keeps the application from starting in one, if anything does.
+// Chooses the UI language. Returns what keeps the application from starting in it, if anything.
 std::optional<Ending> ChooseLanguage(const std::optional<std::string>& wanted,
                                      const fs::path& appFolder) {
     const auto shipped = ShippedLanguages(appFolder);
     if (wanted) PreferLanguage(*wanted);
     if (!HasDictionary(appFolder, shipped)) return Ending{NoResourcesMessage(), kNoResources};
-    // Without language folders, the one dictionary is for all languages.
+    // Without language folders, one dictionary serves all languages.
     const bool any = shipped.empty() && wanted != "";
     if (wanted && !any && !CanShow(appFolder, shipped, *wanted)) {
         std::string accepted;
@@ -70,7 +70,7 @@ std::optional<Ending> ChooseLanguage(const std::optional<std::string>& wanted,
     return {};
 }
 
-// Traces the run that it outlives, also one that ends by an exception.
+// Traces the run, also one that ends with an exception.
 class Trace {
 public:
     explicit Trace(bool isWanted) : wanted(isWanted) {
@@ -81,7 +81,7 @@ public:
         try {
             trace::PrintHost("after the run");
             trace::PrintHistory();
-        } catch (const std::bad_alloc&) {  // the run's own outcome matters more
+        } catch (const std::bad_alloc&) {  // the run's own result matters more
             std::cerr << "framewright: no memory for the trace\n";
         }
     }
@@ -99,12 +99,12 @@ std::int32_t RunApplication(decltype(Run)* run, const fs::path& document, bool t
                Startup::kLaunchCookie);
 }
 
-// Why `Run` did not reach the front end, as it reports; nothing when it did.
+// Why `Run` did not reach the front end; nothing when it did.
 std::optional<std::string> StartupFailure() {
     const auto [stage, cause] = FWR::GetStartupReport();
     switch (stage) {
         case FWR::StartupStage::kNone:
-            // This launcher passes the cookie of its own version's start-up library.
+            // This launcher passes the cookie of its own version.
             return "the launch cookie was refused: the start-up library is of another version";
         case FWR::StartupStage::kHostFailed:
             return "the host framework could not be set up: " + cause;
@@ -134,7 +134,7 @@ int Start(const Options& options) {
     if (result == kStartupFailed) {
         if (const auto failure = StartupFailure()) return Fail({*failure, kStartupFailed});
     }
-    // The system keeps eight bits, which would let 256 pass for success.
+    // The system keeps only eight bits: 256 would look like success.
     constexpr std::int32_t kLargestExitCode = 255;
     return result >= 0 && result <= kLargestExitCode ? result : kResultOutOfRange;
 }

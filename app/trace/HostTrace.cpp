@@ -23,7 +23,7 @@ const char* Presence(const void* object) { return object != nullptr ? "installed
 
 std::string Quoted(const UTF16String& text) { return '"' + utility::UTF16toStdString(text) + '"'; }
 
-// Nothing for the folder without a path.
+// Nothing for a folder without a path.
 std::string InFolder(const filesupport::Dir& folder) {
     return folder.FullPath().empty() ? "" : ", folder " + Quoted(folder.FullPath());
 }

@@ -48,14 +48,15 @@ std::string ToUtf8(CFStringRef string) {
     return text;
 }
 
-// The character at `position`, which moves behind it; an unpaired surrogate is one of its own.
+// Returns the character at `position` and moves `position` past it. An unpaired surrogate is a
+// character of its own.
 char32_t TakeCharacter(const UniChar* units, CFIndex& position, CFIndex limit) {
     const char32_t first = units[position++];
     if (!U16_IS_LEAD(first) || position == limit || !U16_IS_TRAIL(units[position])) return first;
     return static_cast<char32_t>(U16_GET_SUPPLEMENTARY(first, units[position++]));
 }
 
-// The number of bytes written, or -1 when not the whole string was.
+// Returns the number of bytes written, or -1 when the string does not fit whole.
 CFIndex WriteWhole(CFStringRef string, UInt8* buffer, CFIndex size, CFStringEncoding encoding) {
     CFIndex used = 0;
     const CFIndex converted = CFStringGetBytes(string, CFRangeMake(0, string->length), encoding, 0,

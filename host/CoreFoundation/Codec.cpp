@@ -22,8 +22,8 @@ namespace {
 constexpr Form kUtf16Host =
     std::endian::native == std::endian::big ? Form::kUtf16Big : Form::kUtf16Little;
 
-// Where two rows share a converter, a locale's codeset means the first. Every table is a superset
-// of ASCII and has no state between characters.
+// Where two rows share a converter, a locale's codeset means the first row. Every table is a
+// superset of ASCII and has no state between characters.
 constexpr Encoding encodings[] = {
     {kCFStringEncodingUTF8, Form::kUtf8, "UTF-8"},
     {kCFStringEncodingUTF16, kUtf16Host, nullptr},
@@ -70,7 +70,7 @@ constexpr Encoding encodings[] = {
 constexpr const Encoding& utf8 = encodings[0];
 static_assert(utf8.number == kCFStringEncodingUTF8);
 
-// The one name that stands for all of ICU's names of a converter; empty for an unknown name.
+// ICU's canonical name for any of a converter's names; empty for an unknown name.
 std::string_view CanonicalName(const char* name) {
     UErrorCode status = U_ZERO_ERROR;
     const char* const canonical = ucnv_getAlias(name, 0, &status);
@@ -183,13 +183,13 @@ bool Codec::DecodeUtf16(std::span<const UInt8> bytes, std::vector<UniChar>& text
 bool Codec::DecodeTable(std::span<const UInt8> bytes, std::vector<UniChar>& text) {
     text.reserve(text.size() + bytes.size());
     while (!bytes.empty()) {
-        // Not left to ICU: its Shift-JIS exchanges some control characters.
+        // Not left to ICU: its Shift-JIS swaps some control characters.
         if (bytes.front() < 0x80) {
             text.push_back(bytes.front());
             bytes = bytes.subspan(1);
             continue;
         }
-        // A window of one character at most: ICU takes no source of 2 GiB or more.
+        // At most one character at a time: ICU rejects a source of 2 GiB or more.
         const auto window = bytes.first(std::min<std::size_t>(bytes.size(), kMaxBytes));
         const auto* const start = reinterpret_cast<const char*>(window.data());
         const char* next = start;
@@ -248,7 +248,7 @@ int Codec::EncodeTable(char32_t character, UInt8 (&bytes)[kMaxBytes]) {
     ucnv_resetFromUnicode(Converter());
     ucnv_fromUnicode(Converter(), &end, start + kMaxBytes, &source, units + unitCount, nullptr,
                      true, &status);
-    // A lacking character that is invisible (such as U+200B) is no failure to ICU: it writes
+    // ICU reports success for a missing character that is invisible (such as U+200B) and writes
     // nothing.
     return U_FAILURE(status) ? 0 : static_cast<int>(end - start);
 }

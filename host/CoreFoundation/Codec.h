@@ -15,12 +15,11 @@ enum class Form { kUtf8, kUtf16Big, kUtf16Little, kAscii, kLatin1, kTable };
 struct Encoding {
     CFStringEncoding number;
     Form form;
-    const char* converter;  // ICU's name; null for those that no locale can have as its codeset
+    const char* converter;  // ICU's name; null when no locale can have it as its codeset
 };
 
-// One encoding at work. ICU's converter is opened by the first character that needs it, which no
-// ASCII character does; it is not kept for the next call, as opening one costs little beside
-// converting with it.
+// Converts one encoding. The first character that is not ASCII opens ICU's converter. It is not
+// kept for the next call: opening it costs little compared with converting.
 //
 // Owns:     its ICU converter.
 // Threads:  none; made for one call.
@@ -33,7 +32,7 @@ public:
     bool Decode(std::span<const UInt8> bytes, std::vector<UniChar>& text);
 
     static constexpr int kMaxBytes = 8;  // of one character in any encoding
-    // Writes one character, or one unpaired surrogate, and returns the number of bytes: 0 when the
+    // Writes one character, or one unpaired surrogate. Returns the number of bytes, 0 when the
     // encoding lacks it.
     int Encode(char32_t character, UInt8 (&bytes)[kMaxBytes]);
 

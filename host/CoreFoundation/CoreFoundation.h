@@ -1,15 +1,15 @@
 #pragma once
 
 // The part of CoreFoundation that the system calls, with CoreFoundation's names, types, numbers and
-// signatures; on a Mac the real header takes this one's place.
+// signatures. On a Mac the real header replaces this one.
 //
-// Owns:    "Create" and "Copy" functions give their caller one reference, "Get" functions none.
+// Owns:    "Create" and "Copy" functions return one reference to the caller, "Get" functions none.
 // Threads: objects are immutable and their reference counts atomic, so any thread may use and
-//          release them. The environment is read (CFStringGetSystemEncoding,
-//          CFPreferencesCopyValue), so no thread may change it meanwhile.
-// Failure: a "Create" or "Copy" function gives null where the text or value cannot be had. Memory
-//          exhaustion raises std::bad_alloc, and an encoding whose data this machine's ICU lacks
-//          std::runtime_error; neither leaks anything.
+//          release them. CFStringGetSystemEncoding and CFPreferencesCopyValue read the environment,
+//          so no thread may change it meanwhile.
+// Failure: a "Create" or "Copy" function returns null when the text or value does not exist.
+//          Exhausted memory throws std::bad_alloc. An encoding whose data is missing from this
+//          machine's ICU throws std::runtime_error. Neither leaks.
 
 extern "C" {
 
@@ -37,7 +37,7 @@ inline CFRange CFRangeMake(CFIndex location, CFIndex length) { return {location,
 
 // Objects
 
-CFTypeRef CFRetain(CFTypeRef object);  // gives `object` back
+CFTypeRef CFRetain(CFTypeRef object);  // returns `object`
 void CFRelease(CFTypeRef object);      // `object` is never null
 
 extern const CFAllocatorRef kCFAllocatorDefault;  // null
@@ -91,25 +91,25 @@ enum : CFStringEncoding {
     kCFStringEncodingUTF16LE = 0x14000100,
 };
 
-// The codeset that the environment's locale names (LC_ALL, LC_CTYPE, LANG: the first that is not
-// empty); UTF-8 where none is named or the named one is unknown.
+// The codeset of the environment's locale: the first of LC_ALL, LC_CTYPE and LANG that is not
+// empty. UTF-8 when none is set or the codeset is unknown.
 CFStringEncoding CFStringGetSystemEncoding();
 
 // Strings: any UTF-16 units, lengths and ranges counted in units. `allocator` is always null or
 // kCFAllocatorDefault. A range lies within the string.
 
-// Conversions to Unicode are strict: bytes that are no text of the encoding give null. UTF-16 needs
-// an even count and takes unpaired surrogates as they are. kCFStringEncodingUTF16 is in host order.
-// With isExternalRepresentation a byte order mark at the head of UTF-8 or kCFStringEncodingUTF16 is
-// read and dropped; without one the latter is big-endian.
+// Conversions to Unicode are strict: invalid bytes return null. UTF-16 needs an even count and
+// keeps unpaired surrogates. kCFStringEncodingUTF16 is in host order. With
+// isExternalRepresentation, a byte order mark at the start of UTF-8 or kCFStringEncodingUTF16 is
+// read and dropped; without a mark the latter is big-endian.
 CFStringRef CFStringCreateWithBytes(CFAllocatorRef allocator, const UInt8* bytes, CFIndex byteCount,
                                     CFStringEncoding encoding, Boolean isExternalRepresentation);
 
-// Borrows the units, which outlive the string: `contentsDeallocator` is kCFAllocatorNull.
+// Borrows the units, which must outlive the string. `contentsDeallocator` is kCFAllocatorNull.
 CFStringRef CFStringCreateWithCharactersNoCopy(CFAllocatorRef allocator, const UniChar* units,
                                                CFIndex count, CFAllocatorRef contentsDeallocator);
 
-// Formats as std::printf does, with format and %s arguments in UTF-8; objects (%@) are not
+// Formats as std::printf does, with format and %s arguments in UTF-8. Objects (%@) are not
 // formatted. `formatOptions` is null.
 CFStringRef CFStringCreateWithFormat(CFAllocatorRef allocator, CFDictionaryRef formatOptions,
                                      CFStringRef format, ...);
@@ -117,30 +117,30 @@ CFStringRef CFStringCreateWithFormat(CFAllocatorRef allocator, CFDictionaryRef f
 CFIndex CFStringGetLength(CFStringRef string);
 void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar* buffer);
 
-// The string's own units, valid as long as the string. Null is a possible answer; then use
+// The string's own units, valid as long as the string. May return null; then use
 // CFStringGetCharacters.
 const UniChar* CFStringGetCharactersPtr(CFStringRef string);
 
-// Converts a range and returns the number of units converted; the bytes go to `usedByteCount` when
-// it is not null. A null buffer only counts, whatever `maxByteCount` is. A full buffer stops the
-// conversion before the first character that does not fit whole. A character that the encoding
-// lacks, which an unpaired surrogate always is except in UTF-16, becomes one lossByte (a surrogate
-// pair too); with lossByte 0 the conversion stops there. With isExternalRepresentation
-// kCFStringEncodingUTF16 begins with a byte order mark.
+// Converts a range and returns the number of units converted. The byte count goes to
+// `usedByteCount` unless that is null. A null buffer only counts, whatever `maxByteCount` is. A
+// full buffer stops the conversion before the first character that does not fit whole. A character
+// that the encoding lacks becomes one lossByte (a surrogate pair too); with lossByte 0 the
+// conversion stops there. Every encoding but UTF-16 lacks unpaired surrogates. With
+// isExternalRepresentation, kCFStringEncodingUTF16 begins with a byte order mark.
 CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding encoding,
                          UInt8 lossByte, Boolean isExternalRepresentation, UInt8* buffer,
                          CFIndex maxByteCount, CFIndex* usedByteCount);
 
-// The whole text, without loss, followed by a NUL, or else preceded by its length in one byte.
-// False when it does not fit (a length: 255) or the encoding lacks a character; what the buffer
-// holds is then the empty text, if it has room for that.
+// Writes the whole text without loss, followed by a NUL, or else preceded by its length in one
+// byte. False when the text does not fit (with a length: 255 bytes) or the encoding lacks a
+// character. The buffer then contains the empty text, if it has room for that.
 Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex bufferSize,
                            CFStringEncoding encoding);
 Boolean CFStringGetPascalString(CFStringRef string, StringPtr buffer, CFIndex bufferSize,
                                 CFStringEncoding encoding);
 
-// The constant string of a text in UTF-8: the same one for every call with the same text, alive
-// until the process ends, retained and released without effect.
+// The constant string of a text in UTF-8. The same text always returns the same string. It lives
+// until the process ends; retain and release have no effect.
 CFStringRef CFStringFromLiteral(const char* text);
 #define CFSTR(literal) CFStringFromLiteral("" literal "")
 
@@ -149,10 +149,10 @@ CFStringRef CFStringFromLiteral(const char* text);
 CFIndex CFArrayGetCount(CFArrayRef array);
 const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index);  // borrowed from the array
 
-// Preferences. The one that exists is "AppleLanguages", for any application, the current user and
-// any host: an array of strings, the user's languages with the preferred one first, from LANGUAGE
-// (a list with colons), else from the first of LC_ALL, LC_MESSAGES and LANG that is not empty.
-// Codesets and modifiers are cut off, "C" and "POSIX" stand for no language. Null when there is no
+// Preferences. The only one is "AppleLanguages", for any application, the current user and any
+// host. It is an array of strings: the user's languages, the preferred one first, from LANGUAGE
+// (separated by colons), else from the first of LC_ALL, LC_MESSAGES and LANG that is not empty.
+// Codesets and modifiers are cut off. "C" and "POSIX" mean no language. Null when there is no
 // language, and for every other preference.
 
 extern const CFStringRef kCFPreferencesAnyApplication;

@@ -6,8 +6,8 @@
 
 namespace host::cf {
 
-// The value of the first of these environment variables that is set and not empty; empty when none
-// is. Borrowed from the environment.
+// The value of the first of these environment variables that is set and not empty. Empty when there
+// is none. Borrowed from the environment.
 inline std::string_view FirstSetVariable(std::initializer_list<const char*> names) {
     for (const char* const name : names) {
         const char* const value = std::getenv(name);

@@ -9,8 +9,9 @@ namespace host::cf {
 
 enum class Type { kString, kArray };
 
-// What every object begins with, so that CFRetain and CFRelease find it behind any reference.
-// Threads: the count is atomic; the last release sees all that other holders did before theirs.
+// The head of every object: CFRetain and CFRelease find it through any reference.
+// Threads: the count is atomic. The last release sees everything that other holders did before
+// theirs.
 class ObjectHead {
 public:
     // An immortal object is not counted as live, and retaining or releasing it does nothing.
@@ -20,7 +21,7 @@ public:
     ObjectHead& operator=(const ObjectHead&) = delete;
 
     void Retain() const noexcept;
-    bool Release() const noexcept;  // true for the last reference: the object is to be deleted
+    bool Release() const noexcept;  // true for the last reference: the caller deletes the object
 
     const Type type;
 

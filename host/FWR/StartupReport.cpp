@@ -13,7 +13,7 @@ void ReportStartup(StartupStage stage, std::string_view cause) noexcept {
     report.cause.clear();
     try {
         report.cause = cause;
-    } catch (const std::bad_alloc&) {  // the stage has to do
+    } catch (const std::bad_alloc&) {  // the stage must do
     }
 }
 

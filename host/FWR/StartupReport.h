@@ -1,6 +1,6 @@
 #pragma once
-// How far the start of the application came. Run reports it, and the launcher reads it: Run's
-// result alone does not say whether the 1 is its own or the front end's.
+// How far the start of the application got. Run reports it and the launcher reads it: a result of 1
+// alone does not say whether it is Run's own or the front end's.
 //
 // Threads:  the launcher's thread.
 
@@ -18,10 +18,10 @@ enum class StartupStage {
 
 struct StartupReport {
     StartupStage stage = StartupStage::kNone;
-    std::string cause;  // of a failure, one line for people in UTF-8; empty when not known
+    std::string cause;  // of a failure: one line for people in UTF-8; empty when unknown
 };
 
-// Never throws; a cause for which there is no memory is left out.
+// Never throws. Without memory for the cause, the cause is left out.
 void ReportStartup(StartupStage stage, std::string_view cause) noexcept;
 StartupReport GetStartupReport();
 

@@ -1,6 +1,6 @@
 #pragma once
-// The part of Foundation that the system calls, shaped as Foundation's selectors are: the file
-// manager's folders by their role.
+// The part of Foundation that the system calls, named after Foundation's selectors: the file
+// manager's folders by role.
 
 #include <memory>
 #include <optional>
@@ -18,7 +18,7 @@ struct NSError {
 };
 
 // A file URL.
-// Owns: its path, an absolute one in UTF-16.
+// Owns: its path, absolute and in UTF-16.
 class NSURL {
 public:
     explicit NSURL(CFStringRef path);  // retains the path
@@ -32,19 +32,19 @@ private:
     std::unique_ptr<std::remove_pointer_t<CFStringRef>, Release> filePath;
 };
 
-// Threads: all calls from any thread, as long as none changes the environment.
+// Threads: any thread, as long as none changes the environment.
 class NSFileManager {
 public:
     static NSFileManager& DefaultManager();
 
-    // The folder of that role. The one that is known is the Application Support folder of the local
-    // domain: of the absolute entries of XDG_DATA_DIRS the first with a folder of this version
-    // of the application ("Norvale/Framewright Homeline/5.1"), else the first; relative entries do
-    // not count. Where the variable is not set or empty it stands for
-    // "/usr/local/share:/usr/share". Folders are not created and need not exist, nor is any other
-    // URL taken into account: `appropriateForURL` is null and `create` false. Failure: returns
-    // nothing and fills `error`, when it is not null, for everything that is not known, when no
-    // entry is absolute, and when the folder's name is not UTF-8.
+    // Returns the folder for that role. The only one known is the Application Support folder of the
+    // local domain. It is the first absolute entry of XDG_DATA_DIRS that has a folder for this
+    // version of the application ("Norvale/Framewright Homeline/5.1"), else the first absolute
+    // entry. Relative entries are ignored. When the variable is not set or empty, its value is
+    // "/usr/local/share:/usr/share". The folder is not created and need not exist.
+    // `appropriateForURL` is null and `create` false. Failure: returns nothing and fills `error`
+    // unless it is null: for any other folder, when no entry is absolute, and when the folder's
+    // name is not UTF-8.
     std::optional<NSURL> URLForDirectory(NSSearchPathDirectory directory,
                                          NSSearchPathDomainMask inDomain,
                                          const NSURL* appropriateForURL, bool create,

@@ -4,9 +4,9 @@
 
 namespace HUIF {
 
-// Holds the UI framework up while it lives. Both ends are host events.
+// Keeps the UI framework up while it lives. Start and end are host events.
 //
-// Threads:  the main thread, where the front end runs; LiveCount from any.
+// Threads:  the main thread, where the front end runs; LiveCount from any thread.
 class Initializer {
 public:
     Initializer();

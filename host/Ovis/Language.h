@@ -4,8 +4,8 @@
 
 namespace Ovis {
 
-// The UI language code, which names the folders of a language. The launcher sets it before it calls
-// Run; "en" until then.
+// The UI language code, which names a language's folders. "en" until the launcher sets it, which it
+// does before it calls Run.
 //
 // Threads:  all calls from any thread.
 vexacore::UTF16String GetLanguageString();

@@ -31,7 +31,7 @@ std::int32_t Fail(Module::Status status, std::string failure) {
     return status;
 }
 
-// The loader's own words about its last failure on this thread; fetching them forgets them.
+// The loader's message for its last failure on this thread. Reading it clears it.
 std::string LoaderError() {
     const char* const text = dlerror();
     return text == nullptr ? std::string() : text;

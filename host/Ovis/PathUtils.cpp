@@ -9,7 +9,7 @@ constexpr char16_t kSeparator = u'/';
 }
 
 vexacore::UTF16String PathUtils::AddTrailingSlash(const vexacore::UTF16String& path) {
-    // find_last_not_of gives npos for a path of separators only; npos + 1 is 0.
+    // find_last_not_of returns npos for a path of separators only; npos + 1 is 0.
     return path.substr(0, path.find_last_not_of(kSeparator) + 1) + kSeparator;
 }
 

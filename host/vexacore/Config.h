@@ -1,7 +1,7 @@
 #pragma once
 // The application's identity, as the host knows it.
 //
-// Owns:     copies of the values, in the order they were set; a value that is set again is recorded
+// Owns:     copies of the values, in the order they were set. Setting a value again records it
 //           again.
 // Threads:  none. Set at start-up on the launcher's thread, before others ask.
 

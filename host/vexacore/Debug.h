@@ -17,11 +17,11 @@ struct HostEvent {
     std::string text;  // "localizer installed"; of a mark "StartupTime: Starting (true, 1000)"
 };
 
-// The one ordered list of host events: what is installed and uninstalled, loaded and released, each
-// mark of a measurement.
+// The one ordered list of host events: everything installed and uninstalled, loaded and released,
+// and each mark of a measurement.
 class HostEvents {
 public:
-    // Never throws, so that destructors can call it; an event for which there is no memory is lost.
+    // Never throws, so that destructors can call it. Without memory the event is lost.
     static void Append(std::string_view text) noexcept;
     static std::vector<HostEvent> All();
 };
@@ -36,12 +36,12 @@ struct Mark {
     int value;  // 0 for an end mark, which has none
     Clock::time_point time;
 
-    std::string Text() const;  // as HostEvent::text has it
+    std::string Text() const;  // the same text as HostEvent::text
 };
 
-// Named measurements of the process. Each mark stands in the list of host events.
+// Named measurements of the process. Each mark is also a host event.
 //
-// Failure:  std::bad_alloc; the mark is not recorded then.
+// Failure:  std::bad_alloc; the mark is then not recorded.
 class GlobalTimeMeasurement {
 public:
     static void BeginMeasurement(const std::string& name, const std::string& label, bool flag,
@@ -50,7 +50,7 @@ public:
                                         bool flag, int value);
     static void EndMeasurement(const std::string& name, const std::string& label, bool flag);
 
-    static std::vector<Mark> Marks();  // of all measurements, in the order they were made
+    static std::vector<Mark> Marks();  // of all measurements, in order
 };
 
 }  // namespace vexacore::debug

@@ -27,7 +27,7 @@ File::File(const UTF16String& newPath, StorageType) : path(newPath) {}
 IPlatformByteStream::IPlatformByteStream(const File& file, std::uint32_t flags)
     : path(utility::UTF16toStdString(file.Path())), descriptor(-1) {
     if (flags != kRead) Fail(EINVAL);
-    // Without waiting for the writer of a pipe.
+    // Does not wait for the writer of a pipe.
     descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0) Fail(errno);
 }

@@ -11,13 +11,13 @@
 
 namespace vexacore::filesupport {
 
-// A folder by its path; the default one names no folder and has an empty path.
+// A folder by its path. The default one names no folder and has an empty path.
 class Dir {
 public:
     Dir() = default;
     explicit Dir(UTF16String path);
 
-    // The folder of the running executable. Throws std::system_error when the system cannot tell.
+    // The folder of the running executable. Throws std::system_error when the system does not know.
     static Dir AppDir();
 
     UTF16String FullPath() const;
@@ -39,22 +39,22 @@ private:
     UTF16String path;
 };
 
-// An open file, read from its start on.
+// An open file, read from its start.
 //
 // Owns:     the open file.
-// Failure:  every operation throws std::system_error; its text names the path.
+// Failure:  every operation throws std::system_error, whose text names the path.
 class IPlatformByteStream {
 public:
     static constexpr std::uint32_t kRead = 1;  // the one flag: open for reading
 
-    // Throws std::system_error (invalid argument) for other flags than kRead.
+    // Throws std::system_error (invalid argument) for flags other than kRead.
     IPlatformByteStream(const File& file, std::uint32_t flags);
     ~IPlatformByteStream();
     IPlatformByteStream(const IPlatformByteStream&) = delete;
     IPlatformByteStream& operator=(const IPlatformByteStream&) = delete;
 
     std::uint64_t Length() const;  // bytes
-    // Reads exactly `count` bytes; an earlier end of the file is a failure.
+    // Reads exactly `count` bytes; fails when the file ends earlier.
     void ReadBlock(void* destination, std::uint64_t count);
 
 private:
@@ -70,11 +70,11 @@ namespace vexacore::utility {
 
 class FileUtils {
 public:
-    // True for a regular file, also through links. A pipe or a device is none: opening or reading
-    // one may never come to an end.
+    // True for a regular file, also through links. False for a pipe or a device: opening or reading
+    // one may never end.
     static bool FileExists(const UTF16String& path);
 
-    // Why a path, as the system names it, is no regular file that can be read: one line for people.
+    // Why a path, as the system names it, is not a readable regular file: one line for people.
     // Empty when it is one.
     static std::string WhyUnreadable(const std::string& path);
 };

@@ -10,7 +10,7 @@ namespace vexacore {
 // Threads:  none. Initialized at start-up on the launcher's thread.
 class Locale {
 public:
-    // `folder` is where locale files of the application's own are; an empty one names none.
+    // `folder` contains the application's own locale files; an empty one names none.
     static void Initialize(const UTF16String& language, const filesupport::Dir& folder);
 
     static UTF16String GetLanguage();  // empty before Initialize

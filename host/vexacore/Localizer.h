@@ -7,22 +7,22 @@
 
 namespace vexacore::config {
 
-// What the host asks for every text that the user sees. The application derives its own.
+// Every text that the user sees comes from here. The application derives its own.
 //
-// Owns:     nothing. The host's reference to the installed localizer is borrowed: whoever installs
-//           one uninstalls it before deleting it, and deletes it when no thread still asks it.
-// Threads:  install and uninstall on the launcher's thread; the installed localizer must answer
-//           from any thread.
+// Owns:     nothing. The host borrows the installed localizer: whoever installs one uninstalls it
+//           before deleting it, and deletes it when no thread uses it any more.
+// Threads:  install and uninstall on the launcher's thread. Any thread may call the installed
+//           localizer.
 class Localizer : private boost::noncopyable {
 public:
     virtual ~Localizer();
 
     // `key` is nul-terminated 8-bit text.
     virtual UTF16String GetLocalizedString(const char* key) const = 0;
-    // Adds the dictionary found below the folder; false when there is none.
+    // Adds the dictionary found below the folder; false when none is found.
     virtual bool LoadDictionary(const UTF16String& baseFolder) = 0;
 
-    // Null uninstalls. `folder` is where the localizer's own files are; an empty one names none.
+    // Null uninstalls. `folder` contains the localizer's own files; an empty one names none.
     static void Set(Localizer* localizer, const filesupport::Dir& folder);
     static Localizer* Get() noexcept;  // null when none is installed
     static filesupport::Dir GetFolder();

@@ -1,6 +1,6 @@
 #pragma once
-// The host's interfaces hand owners over by std::auto_ptr, taken by reference and left empty. The
-// language has deprecated that type; this header is the one place that names it.
+// The host's interfaces pass ownership in a std::auto_ptr, taken by reference and left empty. The
+// language has deprecated that type; only this header names it.
 
 #include <memory>
 

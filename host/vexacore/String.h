@@ -1,5 +1,5 @@
 #pragma once
-// The host's strings: every path, identity value and localized text is a UTF16String; documents and
+// The host's strings. Every path, identity value and localized text is a UTF16String; documents and
 // pieces of UTF-8 are ByteStrings.
 //
 // Units:    UTF16String counts 16-bit units in host byte order, ByteString counts bytes. Neither

@@ -4,10 +4,10 @@
 
 namespace vexacore::threads {
 
-// A mutex that its holder may lock again; it is free after as many unlocks as locks.
+// A mutex that its holder may lock again. It is free after as many unlocks as locks.
 class RecursiveMutex {
 public:
-    void Lock(const char* label);  // `label` is not used
+    void Lock(const char* label);  // `label` is unused
     void Unlock();
 
 private:

@@ -1,8 +1,8 @@
 #pragma once
-// The host's XML interface: a factory makes a parser for a handler, the parser reports the document
+// The host's XML interface. A factory makes a parser for a handler; the parser reports the document
 // to the handler event by event. The order of the virtual operations is part of the interface.
 //
-// Threads:  none. A parser and its handler serve one thread at a time; the factory is installed on
+// Threads:  none. A parser and its handler serve one thread at a time. The factory is installed on
 //           the launcher's thread.
 
 #include <cstdint>
@@ -30,11 +30,11 @@ public:
     virtual ~AbstractParseHandler();
 
     virtual void StartDocument() = 0;
-    // Called by parsers without namespace support only.
+    // Only parsers without namespace support call it.
     virtual void StartElement(const UTF16String& name, const Attributes& attributes) = 0;
     virtual void StartElement(const UTF16String& qualifiedName, const UTF16String& namespaceUri,
                               const UTF16String& localName, const Attributes& attributes) = 0;
-    // Called by parsers without namespace support only.
+    // Only parsers without namespace support call it.
     virtual void EndElement(const UTF16String& name) = 0;
     virtual void EndElement(const UTF16String& qualifiedName, const UTF16String& namespaceUri,
                             const UTF16String& localName) = 0;
@@ -54,7 +54,7 @@ constexpr ResultCode kParseFailed = 10;
 // Owns:     its handler.
 class AbstractDocParser {
 public:
-    // Takes the handler over; the caller's owner is empty afterwards.
+    // Takes over the handler; the caller's owner is empty afterwards.
     explicit AbstractDocParser(Owner<AbstractParseHandler>& newHandler) : handler(newHandler) {}
     virtual ~AbstractDocParser();
     AbstractDocParser(const AbstractDocParser&) = delete;
@@ -64,7 +64,7 @@ public:
     virtual ResultCode ParseDocument(const UTF16String& path) = 0;
     virtual ResultCode ParseBuffer(const ByteString& document) = 0;
 
-    // Why the last parse failed, one line for people in UTF-8; empty when the parser cannot say.
+    // Why the last parse failed: one line for people in UTF-8. Empty when the parser does not know.
     const std::string& LastFailure() const noexcept { return failure; }
 
 protected:
@@ -76,12 +76,12 @@ class DocParserFactory {
 public:
     virtual ~DocParserFactory();
 
-    // A new parser that takes the handler over; the caller's owner is empty afterwards.
+    // Returns a new parser that takes over the handler; the caller's owner is empty afterwards.
     virtual Owner<AbstractDocParser> GetParser(Owner<AbstractParseHandler>& handler) = 0;
 };
 
-// Installs the factory that the holder contains, or none when it is empty. The holder contains the
-// factory from before afterwards. The host owns the installed factory.
+// Installs the factory in the holder; an empty holder installs none. Afterwards the holder contains
+// the previous factory. The host owns the installed factory.
 void SetParserFactory(Owner<DocParserFactory>& holder);
 DocParserFactory* GetParserFactory() noexcept;  // borrowed; null when none is installed
 
