@@ -30,7 +30,7 @@ std::string_view Trimmed(std::string_view text) {
 
 enum class Kind { kUntranslated, kStale, kFrom, kMessage, kIgnore, kForPeople };
 
-// What stands behind "wordlex:" up to the next one, or between two ";".
+// The text after "wordlex:" up to the next one, or between two ";".
 struct Part {
     Kind kind;
     std::string_view text;
@@ -107,7 +107,7 @@ void Add(std::string_view comment, Annotations& found) {
     }
 }
 
-// Whether sections for platforms keep some of the written value out of the converted one.
+// Whether sections for platforms keep part of the written value out of the converted one.
 class SectionObserver : public lexon_private::EscapeObserver {
 public:
     void OnUnitEscape(std::size_t, unsigned short, unsigned short, unsigned short) override {}
@@ -118,7 +118,8 @@ public:
     bool hasSections = false;
 };
 
-// What is compared of a written value: what it shows, or all of it where platforms differ.
+// The form in which a written value is compared: what it shows, or all of it where platforms
+// differ.
 Text Compared(Units written) {
     SectionObserver observer;
     const auto converted = Escapes::Convert(written, observer);
@@ -166,7 +167,7 @@ std::string WithMarks(std::string_view comment, const Annotations& marks) {
     addAll(Kind::kForPeople);
     const std::string_view head = split.head.substr(0, split.head.find_last_not_of(kBlanks) + 1);
     if (list.empty()) return std::string(head);
-    // Blanks before the annotations stay as they were, or are two.
+    // Blanks before the annotations stay; without any, two are added.
     std::string_view gap = split.head.substr(head.size());
     if (split.parts.empty() || gap.empty()) gap = "  ";
     return std::string(head).append(gap).append(kName).append(" ").append(list);

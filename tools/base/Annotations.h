@@ -1,5 +1,5 @@
 #pragma once
-// What the comment on a line says to the command. docs/authoring.md describes the grammar.
+// Annotations for the command in the comment on a line. docs/authoring.md describes the grammar.
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -22,22 +22,23 @@ struct Annotations {
     std::vector<Rule> ignored;  // rules that check leaves out for this line
 };
 
-// Takes a comment in UTF-8: what stands outside the quotation marks of one line. Whatever is not an
+// Takes a comment in UTF-8: the text outside the quotation marks of one line. What is not an
 // annotation is text for people.
 Annotations ParseAnnotations(std::string_view comment);
-// The annotations of both comments of a line. Offsets count in the comment of their own.
+// The annotations of both comments of a line. Each offset counts in its own comment.
 Annotations ParseAnnotations(std::string_view before, std::string_view after);
 
-// What the comment says to people: the text without the annotations.
+// The comment's text for people: without the annotations.
 std::string ForPeople(std::string_view comment);
 
-// The comment with its marks untranslated, stale and from replaced by those of `marks`. All else
-// stays as it is; the comment itself is returned when it has these marks already.
+// The comment with its marks untranslated, stale and from replaced by those of `marks`. The rest
+// stays as it is. A comment that has these marks already is returned unchanged.
 std::string WithMarks(std::string_view comment, const Annotations& marks);
 
-// Whether two written values show the same on every platform, however their escapes are written.
+// Whether two written values show the same text on every platform, however their escapes are
+// written.
 bool ShowTheSame(Units a, Units b);
-// Six hexadecimal digits for a written value. Texts that show the same have the same digest,
+// Six hexadecimal digits for a written value. Values that show the same text have the same digest,
 // however their escapes are written. Written to files, never change.
 std::string ReferenceDigest(Units written);
 

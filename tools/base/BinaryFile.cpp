@@ -16,7 +16,7 @@ using lexon_private::FastArray;
 using lexon_private::HashItem;
 using lexon_private::ImageReader;
 
-// In a version 2 body: behind the id base, the mark of keys and the number of entries.
+// In a version 2 body: after the id base, the mark of keys and the number of entries.
 constexpr std::uint64_t kLiveCountAt = 4 + 1 + 4;
 
 bool AnyAlive(const lexon_private::cFarray& array) {

@@ -15,26 +15,26 @@ namespace tool {
 // An entry of a binary file.
 struct BinaryEntry {
     lexon_private::EntryView view;
-    bool found = true;  // by a look-up of its key; without a key, by its id
-    // False for bytes that are no text of their encoding: the value is empty. One byte alone is
-    // not told from an empty value.
+    bool found = true;  // by a look-up of its key, or without a key by its id
+    // False for bytes that are not text in their encoding; the value is then empty. A single such
+    // byte looks like an empty value.
     bool decoded = true;
 };
 
-// A binary dictionary by itself, as the library's own parts read it.
-// Faults: the first one is kept. A file that has one has fewer entries, or none.
+// One binary dictionary, read with the library's own parts.
+// Faults: the first one is kept. A file with a fault has fewer entries, or none.
 class BinaryFile {
 public:
     explicit BinaryFile(const std::string& bytes);
 
     using Visitor = std::function<void(const BinaryEntry&)>;
-    // Entries neither removed nor overridden, in the order in which they are written.
+    // Entries neither removed nor overridden, in the order of the file.
     void ForEachEntry(const Visitor& visit) const;
 
     const lexon_private::BinaryHeader& Header() const { return header; }
     bool IsVersion2() const { return header.body == lexon_private::BinaryHeader::Body::kVersion2; }
     std::uint32_t IdBase() const { return idBase; }
-    // Where it says that none of its entries is alive, although some are.
+    // Where the file says that none of its entries is alive, although some are.
     std::optional<std::uint64_t> NoneAliveAt() const { return noneAliveAt; }
 
     lexon_private::ImageFault Fault() const { return fault; }
@@ -59,7 +59,7 @@ private:
     std::optional<std::uint64_t> noneAliveAt;
     std::unique_ptr<lexon_private::FastArray, DropReference> store;  // of version 2
     Table table;                                                     // of version 1
-    Table undecoded;  // the same entries, their values as they are stored
+    Table undecoded;  // the same entries, their values as stored
 };
 
 }  // namespace tool

@@ -74,7 +74,7 @@ CheckedFile CheckUsable(const std::string& name, const std::string& bytes, Findi
                         std::string* tooLong) {
     constexpr Rule kCut[] = {Rule::kKeyLength, Rule::kValueLength};
     const bool binary = lexon_private::HasBinaryMagic(bytes.data(), bytes.size());
-    // No rule about accelerators and messages keeps a file from being used.
+    // No rule about accelerators and messages prevents the use of a file.
     CheckedFile file =
         binary ? CheckBinary(name, bytes, findings) : CheckText(name, bytes, findings);
     findings.ThrowIfFatal();
@@ -90,7 +90,7 @@ Content Load(const std::string& name, const std::string& bytes) {
     CheckUsable(name, bytes, unused, &content.tooLong);
     const Progress progress("loading", name);
     if (content.kind == Kind::kText) {
-        // A compact store keeps the order of the lines, but would cut.
+        // A compact store keeps the order of the lines, but would cut long texts.
         Dictionary dictionary(content.tooLong.empty());
         std::istringstream stream(bytes);
         dictionary.Read(&stream);

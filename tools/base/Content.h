@@ -9,7 +9,7 @@
 
 namespace tool {
 
-// Which of the dictionary's stores a file goes to, and what of other files that hides.
+// Which store of the dictionary a file is loaded into, and which entries of other files it hides.
 enum class Kind : std::uint8_t { kText, kVersion1, kVersion2 };
 Kind KindOf(const std::string& bytes);
 // Its encoding or version: "text, UTF-16, little-endian".
@@ -18,14 +18,14 @@ std::string FormOf(const std::string& bytes);
 void Read(lexon_private::Dictionary& dictionary, const std::string& name, const std::string& bytes);
 
 struct Entry {
-    std::uint32_t id;  // all bits set where the dictionary has none
+    std::uint32_t id;  // all bits set when the dictionary has none
     bool keyed;
     std::string key;
     Text value;
     Text accelerator;
 };
 
-// What the application has of one file: every key once, as look-ups find it.
+// What the application gets from one file: every key once, as look-ups find it.
 struct Content {
     std::string name;
     Kind kind = Kind::kText;
@@ -33,11 +33,11 @@ struct Content {
     std::string locale;  // empty when there is none
     std::uint64_t fileSize = 0;
     std::uint32_t idBase = 0;    // of a version 2 file
-    std::string tooLong;         // as CheckUsable gives it
-    std::vector<Entry> entries;  // as they are written
+    std::string tooLong;         // see CheckUsable
+    std::vector<Entry> entries;  // in the order of the file
 };
 
-// Checks a file that is to be used. Throws a Failure for one that the application would refuse.
+// Checks a file before its use. Throws a Failure for one that the application would refuse.
 // `tooLong` gets the first entry that a binary file would cut, with its place, or "".
 CheckedFile CheckUsable(const std::string& name, const std::string& bytes, Findings& findings,
                         std::string* tooLong = nullptr);
@@ -46,7 +46,7 @@ CheckedFile CheckUsable(const std::string& name, const std::string& bytes, Findi
 Content Load(const std::string& name);
 Content Load(const std::string& name, const std::string& bytes);
 
-// The name of an entry in messages: its key, or its id when it has none.
+// The name of an entry in messages: its key, or its id when it has no key.
 std::string ShowName(const Entry& entry);
 
 }  // namespace tool

@@ -12,7 +12,7 @@ namespace {
 
 struct Encoding {
     const char* name;
-    unsigned int number;  // as the platform counts encodings
+    unsigned int number;  // the platform's number of the encoding
 };
 constexpr Encoding kEncodings[] = {
     {kDefaultEncoding, 0x08000100},
@@ -39,7 +39,7 @@ constexpr Encoding kEncodings[] = {
 void UseEncoding(const std::string& name) {
     const auto row = std::ranges::find(kEncodings, name, &Encoding::name);
     lexon::Wordlex::SetDefaultApplicationEncoding(row->number);
-    // Old binary files may ask for the system's encoding, which the platform takes from here.
+    // Old binary files may be in the system's encoding, which the platform takes from here.
     setenv("LC_ALL", ("C." + name).c_str(), 1);
 }
 

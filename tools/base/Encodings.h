@@ -4,8 +4,9 @@
 
 namespace tool {
 
-// Makes the encoding the one of all 8-bit text that does not name its own, whatever the environment
-// says: the same input gives the same output on every machine. Takes a name from EncodingNames().
+// Makes this the encoding of all 8-bit text that does not name its own, whatever the environment
+// says, so that the same input gives the same output on every machine. Takes a name from
+// EncodingNames().
 void UseEncoding(const std::string& name);
 std::vector<std::string> EncodingNames();
 

@@ -22,7 +22,7 @@ bool IsDigit(Units units, std::size_t i) {
 
 bool IsControl(unsigned short unit) { return unit < 0x20 || (unit >= 0x7F && unit < 0xA0); }
 
-// What no other escape protects.
+// Units that no other escape protects.
 bool NeedsNumber(Units value, std::size_t i) {
     const unsigned short unit = value[i];
     const unsigned short next = i + 1 < value.size() ? value[i + 1] : 0;
@@ -30,7 +30,7 @@ bool NeedsNumber(Units value, std::size_t i) {
     return (unit == u'\\' && next == 0) || (unit == u'#' && next == u'{') || IsHidden(value, i);
 }
 
-// The unit that stands behind "\" for `unit`, or 0.
+// The unit after "\" that stands for `unit`, or 0.
 unsigned short BackslashEscape(unsigned short unit) {
     const auto* row = lexon_private::Escapes::Backslash();
     while (row->escape != 0 && row->replacement != unit)

@@ -1,5 +1,5 @@
 #pragma once
-// An entry written as a line of a text dictionary that reads back as the same entry.
+// An entry as a line of a text dictionary that reads back as the same entry.
 #include <string_view>
 #include <vector>
 
@@ -7,16 +7,15 @@
 
 namespace tool {
 
-// Whether the unit at `i` is one that an editor hides, or that another reader or UTF-8 would
-// change: controls, marks of width and direction, line and paragraph separators, byte-order marks,
-// lone surrogates.
+// Whether an editor hides the unit at `i`, or another reader or UTF-8 would change it: controls,
+// marks of width and direction, line and paragraph separators, byte-order marks, lone surrogates.
 bool IsHidden(Units value, std::size_t i);
 
-// The value as an author would write it: what both passes of the conversion would take for an
-// escape is escaped, and so is what a line of text cannot carry. Markers ("^1") stay as they are.
+// The value as an author would write it. Escapes what either pass of the conversion would take for
+// an escape, and what a line of text cannot contain. Markers ("^1") stay as they are.
 void AppendValue(std::vector<unsigned short>& line, Units value);
-// A value that is written already, with escapes, made fit for a line: it converts to what `written`
-// converts to. What a line can carry stays as it is written.
+// Makes a value that is already written, with escapes, fit for a line. It converts to the same text
+// as `written`. What a line can contain stays as written.
 void AppendWritten(std::vector<unsigned short>& line, Units written);
 // The key with "$$$" before it. A byte that would end the key, the entry or the line is written as
 // the character 0x100 above it, of which the loader keeps the low byte.

@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr mode_t kNewFileMode = 0666;  // less what the umask takes away
+constexpr mode_t kNewFileMode = 0666;  // minus the umask
 constexpr mode_t kAllModeBits = 07777;
 constexpr mode_t kAnyoneWrites = 0222;
 
@@ -37,18 +37,18 @@ public:
         if (number >= 0) close(number);
     }
     int Get() const { return number; }
-    // Some file systems report a failed write no earlier.
+    // Some file systems report a failed write only here.
     bool Close() { return close(std::exchange(number, -1)) == 0; }
 
 private:
     int number;
 };
 
-// The name of a file that is not whole yet, for signal handlers; null when there is none.
+// The name of an incomplete file, for signal handlers; null when there is none.
 std::atomic<const char*> unfinished{nullptr};
 static_assert(std::atomic<const char*>::is_always_lock_free);
 
-// Then ends the command as the signal does: SA_RESETHAND has put that back.
+// Then ends the command as the signal does: SA_RESETHAND has restored the default.
 extern "C" void RemoveUnfinished(int signal) {
     if (const char* const name = unfinished) unlink(name);
     raise(signal);
@@ -75,7 +75,7 @@ bool WriteAll(int descriptor, std::string_view bytes) {
     return true;
 }
 
-// A new file beside the target, under a name that nothing has yet.
+// A new file beside the target, under an unused name.
 int OpenBeside(const fs::path& target, std::string& name) {
     const std::string stem = (target.parent_path() / ("." + target.filename().string())).string() +
                              '.' + std::to_string(getpid());
@@ -94,7 +94,7 @@ void WriteInPlace(const std::string& path, std::string_view bytes) {
     }
 }
 
-// Gives a new file the owner and the mode of the one that it replaces.
+// Sets the owner and the mode of the replaced file on a new file.
 bool TakeOver(int descriptor, const struct stat& replaced) {
     struct stat own {};
     if (fstat(descriptor, &own) != 0) return false;
@@ -103,7 +103,7 @@ bool TakeOver(int descriptor, const struct stat& replaced) {
            fchmod(descriptor, replaced.st_mode & kAllModeBits) == 0;
 }
 
-// `replaced` is null where there is no file yet.
+// `replaced` is null when there is no file yet.
 void Replace(const fs::path& target, const struct stat* replaced, std::string_view bytes) {
     std::string beside;
     Descriptor file(OpenBeside(target, beside));
@@ -119,7 +119,7 @@ void Replace(const fs::path& target, const struct stat* replaced, std::string_vi
     Fail(target, "cannot be written", error);
 }
 
-// Where a link leads that names a file which does not exist yet.
+// The target of a link to a file that does not exist yet.
 fs::path EndOfLinks(fs::path path) {
     while (fs::is_symlink(path))
         path = path.parent_path() / fs::read_symlink(path);
@@ -159,7 +159,7 @@ void WriteOutput(const std::string& path, std::string_view bytes) {
     }
     if (S_ISDIR(status.st_mode)) Fail(path, "cannot be written", EISDIR);
     if (!S_ISREG(status.st_mode)) return WriteInPlace(path, bytes);
-    // Renaming asks for no permission of the file itself, and root has every permission.
+    // Renaming ignores the permissions of the file itself, and root has every permission.
     if ((status.st_mode & kAnyoneWrites) == 0) Fail(path, "is read-only", EACCES);
     if (access(path.c_str(), W_OK) != 0) Fail(path, "cannot be written", errno);
     Replace(fs::canonical(path), &status, bytes);  // a link stays a link
@@ -167,7 +167,7 @@ void WriteOutput(const std::string& path, std::string_view bytes) {
 
 void WriteStandardOutput(std::string_view bytes) {
     if (WriteAll(STDOUT_FILENO, bytes)) return;
-    // The signal ends the command before, unless who started the command has it ignored.
+    // The signal ends the command earlier, unless whoever started the command ignores it.
     if (errno == EPIPE) throw ReaderGone();
     Fail("standard output", "cannot be written", errno);
 }

@@ -1,5 +1,5 @@
 #pragma once
-// Files in and out. "-" is standard input and standard output.
+// File input and output. "-" is standard input and standard output.
 #include <exception>
 #include <stdexcept>
 #include <string>
@@ -7,7 +7,7 @@
 
 namespace tool {
 
-// Something that keeps the command from doing its work: one line on standard error, exit code 2.
+// Something that stops the command: one line on standard error, exit code 2.
 class Failure : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
@@ -18,17 +18,17 @@ public:
     explicit UsageFailure(const std::string& why) : Failure(why + " (try --help)") {}
 };
 
-// The reader of standard output has closed it: the command ends without a word.
+// The reader of standard output has closed it: the command ends silently.
 class ReaderGone : public std::exception {};
 
-// A file that may not grow is a write that failed. A signal that ends the command, that of a pipe
-// without a reader included, leaves no half file.
+// Turns the limit on file sizes into a failed write. A signal that ends the command, also that of a
+// pipe without a reader, leaves no incomplete file.
 void HandleSignals();
 
 std::string ReadInput(const std::string& path);
-// Writes a file beside its target and renames it, so that the target is the old one or the whole
-// new one. The new one has mode and owner of the old one; a read-only one is refused. A target that
-// is no plain file (a device, a pipe) is written to.
+// Writes a file beside its target and renames it, so that the target is either the old file or the
+// complete new one. The new file has the mode and owner of the old one. A read-only target is
+// refused. A target that is not a plain file (a device, a pipe) is written to.
 void WriteOutput(const std::string& path, std::string_view bytes);
 void WriteStandardOutput(std::string_view bytes);
 

@@ -6,12 +6,12 @@
 
 namespace tool {
 
-// Goes through the entries of `wanted` that a look-up finds, in their order. Calls `present` with
-// those that `document` has too, its line and the index of theirs. Where it lacks one, inserts the
+// Visits the entries of `wanted` that a look-up finds, in order. For those that `document` has too,
+// calls `present` with the document's line and the entry's index. For those it lacks, inserts the
 // line that `missing` returns for the index: after the entry that precedes it in `wanted`, with the
-// empty lines that stand between them there. What an empty line separates from the entry before it
-// but not from the one after it goes directly before that one. Lines of `wanted` without both
-// quotation marks are hardly meant as entries and are not inserted.
+// same empty lines between them. An entry that an empty line separates from the entry before it but
+// not from the one after goes directly before the latter. Lines of `wanted` without both quotation
+// marks are probably not meant as entries and are not inserted.
 void MergeInOrder(TextDocument& document, const TextDocument& wanted,
                   const std::function<void(const TextDocument::Line&, std::size_t)>& present,
                   const std::function<std::vector<unsigned short>(std::size_t)>& missing);

@@ -7,12 +7,12 @@
 
 namespace tool {
 
-// A line on standard error that tells what is being done while it lasts longer than a second, and
-// is gone when it is done. Only where standard error is a terminal.
+// While work lasts longer than a second, a line on standard error says what is being done. The line
+// disappears at the end. Only when standard error is a terminal.
 // Threads: one of its own, which only writes that line.
 class Progress {
 public:
-    // "WORK FILE"; one at a time. Without a total the line counts seconds.
+    // Shows "WORK FILE". One at a time. Without a total the line counts seconds.
     Progress(const char* work, const std::string& file, std::uint64_t total = 0);
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;

@@ -18,10 +18,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// What cannot be a translation: it is the file that `update` moves obsolete entries to.
+// Never a translation: `update` moves obsolete entries to this file.
 bool IsObsoleteName(const fs::path& name) { return name.stem().extension() == ".obsolete"; }
 
-// The files that match, by name, or the pattern itself where it has no wildcard.
+// The matching files, by name, or the pattern itself when it has no wildcard.
 std::vector<std::string> Matching(const fs::path& folder, const std::string& pattern) {
     if (pattern.find_first_of("*?[") == pattern.npos) return {(folder / pattern).string()};
     std::string escaped;

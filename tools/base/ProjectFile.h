@@ -1,6 +1,5 @@
 #pragma once
-// The settings of a project of dictionaries, in a file "wordlex.toml". docs/project-file.md
-// describes it.
+// The settings of a project of dictionaries, from a file "wordlex.toml". See docs/project-file.md.
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -14,13 +13,13 @@ inline constexpr char kProjectFileName[] = "wordlex.toml";
 
 struct Project {
     std::string file;                    // of the settings; empty without one
-    std::string reference;               // empty where none is named
+    std::string reference;               // empty when none is named
     std::vector<std::string> languages;  // the translations, without the reference
     std::vector<std::string> sources;    // files and folders
     std::vector<std::string> disabled;   // names of rules that exist
     std::string encoding;                // one of EncodingNames(), or empty
 
-    // Whether the name is one of the languages, however it is written.
+    // Whether the name is one of the languages, however it is spelled.
     bool HasLanguage(const std::string& name) const;
     // The reference, then the languages.
     std::vector<std::string> Dictionaries() const;
@@ -37,13 +36,13 @@ private:
     std::uint64_t line;
 };
 
-// The project file of a folder or of the nearest one above it, or "".
+// The project file of a folder or of the nearest folder above it, or "".
 std::string FindProjectFile(const std::string& folder);
-// Names in the result begin with the folder of the file. Patterns of `languages` are replaced by
-// the files that match. Throws a ProjectFailure.
+// Names in the result begin with the folder of the file. Patterns in `languages` are replaced by
+// the matching files. Throws a ProjectFailure.
 Project ParseProject(const std::string& file, const std::string& toml);
 
-// The name from the working folder where it lies in it, else as it is.
+// The name relative to the working folder if it is inside, else unchanged.
 std::string FromWorkingFolder(const std::string& name);
 
 }  // namespace tool

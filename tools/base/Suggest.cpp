@@ -17,7 +17,7 @@ std::size_t EditDistance(std::string_view a, std::string_view b, std::size_t lim
         b.remove_prefix(1);
     }
     if (std::max(a.size(), b.size()) - std::min(a.size(), b.size()) >= limit) return limit;
-    // Three rows of the table of distances between the heads of both words.
+    // Three rows of the table of distances between the prefixes of both words.
     std::vector<std::size_t> beforeLast(b.size() + 1);
     std::vector<std::size_t> last(b.size() + 1);
     std::vector<std::size_t> row(b.size() + 1);

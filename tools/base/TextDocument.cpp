@@ -67,7 +67,7 @@ TextDocument::TextDocument(std::string bytes) : source(std::move(bytes)) {
         lines.push_back(std::move(line));
     }
     complete = !scanner.AtEnd().byZero;
-    units.push_back(0);  // also a lost last line has a place
+    units.push_back(0);  // gives a lost last line a place, too
     for (std::size_t i = 0; i < lines.size(); ++i)
         if (lines[i].kind == Kind::kEntry) byKey.insert_or_assign(lines[i].key, i);
     lineEnd = Encoded(Units(std::initializer_list<unsigned short>{u'\n'}));
@@ -136,7 +136,7 @@ unsigned TextDocument::UnitAt(std::size_t at) const {
     return bigEndian ? byteAt(at) << 8 | byteAt(at + 1) : byteAt(at + 1) << 8 | byteAt(at);
 }
 
-// The offset behind the line end that begins at `at`, if one does.
+// The offset after the line end that begins at `at`, if one does.
 std::size_t TextDocument::PassLineEnd(std::size_t at) const {
     const unsigned unit = UnitAt(at);
     if (unit == '\r' && UnitAt(at + unitSize) == '\n') return at + 2 * unitSize;
@@ -238,7 +238,7 @@ std::string TextDocument::EncodedValue(Units written) const {
             bytes += own;
             escaped = !escaped && (written[i] == u'\\' || written[i] == u'^');
         } else {
-            // What was no escape stays none: of a doubled character one stays.
+            // An invalid escape stays invalid: a doubled character leaves one.
             if (escaped) bytes += bytes.back();
             escaped = false;
             for (const unsigned short unit : character)

@@ -11,14 +11,14 @@
 
 namespace tool {
 
-// A text dictionary to be edited. It finds entries as the loader does, and every byte that no edit
+// A text dictionary for editing. It finds entries as the loader does. Every byte that no edit
 // replaces stays as it is: encoding, byte-order mark, line ends, comments, order.
 // Units:     positions and lengths of parts are UTF-16 units of their line.
-// Edits:     Bytes() has them. All else goes on to show the file as it was read, so that indexes
-//            and views stay valid. Each part of a line can be replaced once.
-// Encodings: a character that the file's encoding lacks is written as its number ("#{U+20AC}") in
-//            a value and as "?" in a comment; a key with one cannot be inserted.
-// Costs:     reading is linear, like the loader's; edits are cheap, Bytes() is linear.
+// Edits:     only Bytes() includes them. All other members continue to describe the file as it was
+//            read, so indexes and views stay valid. Each part of a line can be replaced once.
+// Encodings: a character that the file's encoding lacks is written as its number ("#{U+20AC}") in a
+//            value and as "?" in a comment. A key that contains one cannot be inserted.
+// Costs:     reading is linear, like the loader's. Edits are cheap; Bytes() is linear.
 // Threads:   none.
 class TextDocument {
 public:
@@ -37,9 +37,9 @@ public:
         bool quoted = false;       // has both quotation marks, and so room for comments
         bool blankBefore = false;  // an empty line precedes it
         std::uint64_t number = 0;  // as an editor counts, from 1
-        std::string key;           // the bytes that the loader keeps, without "$$$"; of an entry
-        // Of an entry. Comments are empty unless the line is quoted.
-        Part entry;   // what stands between the marks: "$$$", key, "=", value
+        std::string key;           // the bytes that the loader keeps, without "$$$"; for an entry
+        // For an entry. Comments are empty unless the line is quoted.
+        Part entry;   // between the marks: "$$$", key, "=", value
         Part value;   // as written
         Part before;  // the comment before the opening mark, without a byte-order mark
         Part after;   // the comment after the closing mark
@@ -48,9 +48,9 @@ public:
         friend TextDocument;
         std::size_t unitsAt = 0;  // in `units`
         std::size_t unitCount = 0;
-        std::size_t begin = 0;  // bytes of the source: of the line, byte-order mark included,
-        std::size_t end = 0;    // of what ends it,
-        std::size_t next = 0;   // and behind that
+        std::size_t begin = 0;  // bytes of the source: of the line, including a byte-order mark,
+        std::size_t end = 0;    // of its line end,
+        std::size_t next = 0;   // and after that
     };
 
     explicit TextDocument(std::string bytes);
@@ -75,12 +75,13 @@ public:
     Text Converted(const Line& line) const;
     std::string Comment(const Line& line, Part part) const;  // UTF-8
 
-    // Edits. A line to insert has no end; it gets that of the file. An empty one is an empty line.
+    // Edits. A line to insert has no line end and gets that of the file. An empty one is an empty
+    // line.
     void SetValue(const Line& line, Units written);
     // `part` is `before` or `after` of the line, which is quoted.
     void SetComment(const Line& line, Part part, std::string_view utf8);
     void Remove(const Line& line);
-    // Several lines at one place stand in the order of the calls.
+    // Several lines at one place are in the order of the calls.
     void InsertBefore(const Line& line, Units inserted);
     void InsertAfter(const Line& line, Units inserted);
     void Append(Units inserted);  // after the last line
@@ -111,20 +112,20 @@ private:
     std::size_t unitSize = 1;
     bool bigEndian = false;
     bool complete = true;
-    std::string lineEnd;  // as the file writes it
+    std::string lineEnd;  // as in the file
     std::vector<unsigned short> units;
     std::vector<Line> lines;
     std::unordered_map<std::string_view, std::size_t> byKey;
     std::vector<Edit> edits;
 };
 
-// Reads a file to be edited. Throws a Failure for one of which the loader would not have every
-// line: what an edit takes for all of its entries would be some of them.
+// Reads a file for editing. Throws a Failure for one of which the loader would not read every line:
+// an edit would see only some of its entries.
 TextDocument ReadTextDocument(const std::string& name);
-// The same for the bytes of a file that were read already.
+// The same for bytes that were already read.
 TextDocument ParseTextDocument(const std::string& name, std::string bytes);
 
-// Where `update` keeps the entries that are gone: "de.txt" -> "de.obsolete.txt".
+// The file in which `update` keeps removed entries: "de.txt" -> "de.obsolete.txt".
 std::string ObsoleteName(const std::filesystem::path& name);
 bool IsObsoleteName(const std::filesystem::path& name);
 

@@ -9,7 +9,7 @@ namespace {
 
 constexpr unsigned short kMark = 0xFEFF;
 
-// Characters of the encoding at the head of bytes that are no text as a whole.
+// The number of characters before the first invalid byte.
 std::uint64_t ValidCharacters(std::string_view bytes) {
     constexpr std::size_t kLongestCharacter = 4;
     lexon_private::Buffer<unsigned short> units(kLongestCharacter);
@@ -37,7 +37,7 @@ TextScanner::TextScanner(const std::string& bytes)
     : source(bytes), stream(bytes), reader(lexon_private::DictionaryReader::Make(&stream)) {
     if (dynamic_cast<const lexon_private::UnicodeReader*>(reader.get()) != nullptr) unitSize = 2;
     bigEndian = unitSize == 2 && static_cast<unsigned char>(source[0]) == 0xFE;
-    // The dictionary reads a stream from its start again, the mark of UTF-16 included.
+    // The dictionary reads a stream from its start again, including the mark of UTF-16.
     stream.clear();
     stream.seekg(0);
 }
@@ -56,7 +56,7 @@ bool TextScanner::Next() {
     }
 }
 
-// Takes note of the line from `from` on, which the reader has just read.
+// Records the line that begins at `from`, which the reader has just read.
 void TextScanner::Count(std::uint64_t from) {
     const std::uint64_t to = reader->GetOffset();
     const unsigned last = UnitBefore(to);

@@ -13,25 +13,26 @@ namespace tool {
 // Whether a unit ends a line for the loader.
 bool IsLineEnd(unsigned unit, bool utf16);
 
-// Goes through a text dictionary with the library's own reader, as Dictionary::Read does, and knows
-// where each line stands.
+// Reads a text dictionary with the library's own reader, as Dictionary::Read does, and knows the
+// place of each line.
 // Lines:   as an editor counts them: CR LF ends one line. In UTF-16 the loader splits at U+2028 and
 //          U+2029 too, so they count there.
-// Columns: characters from 1; a byte-order mark is not one of them.
+// Columns: characters from 1; a byte-order mark is not counted.
 class TextScanner {
 public:
     // `bytes` outlive the scanner.
     explicit TextScanner(const std::string& bytes);
 
-    // The next line that is not empty for the loader, or that it lost. False at the input's end.
+    // The next line that is not empty for the loader, or that it lost. False at the end of the
+    // input.
     bool Next();
 
-    // The line's units, terminated by 0, its own mark included; empty when the line was lost.
+    // The line's units, terminated by 0, including its own mark. Empty when the line was lost.
     Units Line() const { return {line, reader->GetLineLength()}; }
     unsigned short* LineData() const { return line; }
-    // The bytes of the line without what ended it, in the scanner's input.
+    // The bytes of the line without its line end, in the scanner's input.
     std::string_view LineBytes() const { return lineBytes; }
-    // An 8-bit line of bytes that are no text, which the loader takes for an empty one.
+    // An 8-bit line of invalid bytes, which the loader takes for an empty one.
     bool IsLost() const { return Line().empty(); }
     std::uint64_t LostColumn() const { return lastColumn; }  // where they begin
     std::uint64_t LineNumber() const { return number; }
@@ -41,8 +42,8 @@ public:
     bool IsUtf16() const { return unitSize == 2; }
     bool IsBigEndian() const { return bigEndian; }
 
-    // At the input's end: whether a zero ended it, in the line and column given; and the bytes that
-    // the loader did not read.
+    // At the end of the input: whether a zero ended it, with its line and column, and the bytes
+    // that the loader did not read.
     struct End {
         bool byZero;
         std::uint64_t line;
@@ -61,16 +62,16 @@ private:
     std::size_t unitSize = 1;
     bool bigEndian = false;
     unsigned short* line = nullptr;
-    std::string_view lineBytes;  // without what ended the line
+    std::string_view lineBytes;  // without the line end
     std::uint64_t number = 0;
-    std::uint64_t lastColumn = 1;  // behind the line, or behind the text of a lost one
-    // How far the line was counted for the last column: most that are asked for ascend.
+    std::uint64_t lastColumn = 1;  // after the line, or after the text of a lost one
+    // How far the line was counted for the last column: most calls ask in ascending order.
     struct Counted {
         std::size_t units = 0;
         std::uint64_t characters = 0;
     };
     mutable Counted counted;
-    unsigned ending = '\n';  // what ended the line before
+    unsigned ending = '\n';  // the end of the previous line
 };
 
 }  // namespace tool

@@ -15,7 +15,7 @@ bool IsCapital(unsigned short unit) {
     return (unit >= 'A' && unit <= 'Z') || (unit >= '0' && unit <= '9');
 }
 
-// Whether the word that "&" at `i` stands in is the address of something.
+// Whether the word with the "&" at `i` is an address.
 bool IsInAddress(Units text, std::size_t i) {
     const auto isBlank = [](unsigned short unit) { return unit <= ' '; };
     const auto begin =
@@ -60,7 +60,7 @@ Ampersands FindAmpersands(Units text) {
 }
 
 void CheckAccelerators(const CheckedFile& file, Findings& findings) {
-    // Entries beside each other differ after the last "/" alone.
+    // Neighbouring entries differ only after the last "/".
     std::unordered_map<std::string, const std::string*> firsts;
     for (const auto* item : file.InOrder()) {
         const std::string& key = item->first;

@@ -5,7 +5,7 @@
 
 namespace tool {
 
-// The "&" of a converted text, as the string class drops them.
+// The "&" of a converted text, as the string class removes them.
 struct Ampersands {
     std::vector<std::size_t> marks;  // before the letter of an accelerator
     std::size_t end;                 // where the text ends and its key combination begins

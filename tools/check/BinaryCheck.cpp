@@ -8,7 +8,7 @@ namespace {
 
 using lexon_private::ImageFault;
 
-// What is wrong with the entries of a binary file for look-ups.
+// Finds what breaks look-ups of a binary file's entries.
 class EntryCheck {
 public:
     EntryCheck(CheckedFile& checkedFile, Findings& findingsOfFile)
@@ -31,7 +31,7 @@ public:
     }
 
 private:
-    // Files of version 1 have room for more than those that are written.
+    // Files of version 1 can contain longer texts than those that are written.
     void CheckLengths(const std::string& key, std::size_t valueBytes) {
         if (key.size() <= kMergeableKeyBytes && valueBytes <= kMostBytes) return;
         constexpr std::size_t kShown = 60;

@@ -5,7 +5,7 @@
 
 namespace tool {
 
-// What keeps entries of a binary file from being loaded or found.
+// Finds what prevents entries of a binary file from being loaded or found.
 CheckedFile CheckBinary(const std::string& name, const std::string& bytes, Findings& findings);
 
 }  // namespace tool

@@ -21,7 +21,7 @@ bool ChangesDirection(unsigned short unit) {
     return (unit >= 0x202A && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069);
 }
 
-// The first mark of a direction without its other half, or the length.
+// The first direction mark without its other half, or the length.
 std::size_t FindUnbalanced(Units text) {
     std::vector<std::size_t> open;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -54,8 +54,8 @@ bool IsLetter(unsigned short unit) {
     return (unit >= 'a' && unit <= 'z') || (unit >= 'A' && unit <= 'Z') || unit >= 0xC0;
 }
 
-// The length of a character of UTF-8 that was shown byte by byte and begins at `i`; 0 for none. A
-// letter such as "Ã" before a closing mark looks the same and is none.
+// The length of a UTF-8 character that begins at `i` and was decoded byte by byte; 0 for none. A
+// letter such as "Ã" before a closing mark looks the same but is not one.
 std::size_t DoubleEncodedAt(Units text, std::size_t i) {
     const unsigned short lead = text[i];
     const std::size_t length = lead >= 0xC2 && lead <= 0xDF   ? 2

@@ -4,8 +4,8 @@
 
 namespace tool {
 
-// Characters of a value that an editor does not show, or that a conversion has damaged. One finding
-// a rule. What is written as an escape is meant; only directions are looked at in `converted`.
+// Characters of a value that an editor hides, or that a conversion has damaged. One finding a rule.
+// An escape is always intended; in `converted` only directions are checked.
 void CheckCharacters(Units written, Units converted, const EscapeSink& add);
 
 }  // namespace tool

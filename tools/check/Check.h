@@ -1,5 +1,5 @@
 #pragma once
-// What `check` finds: in files for the command, in buffers for whoever else asks.
+// The analysis behind `check`: of files for the command, of buffers for other callers.
 #include <string>
 #include <vector>
 
@@ -8,8 +8,8 @@
 
 namespace tool {
 
-// A dictionary that translations are compared with: read once, used for any number of them.
-// Threads: constant after its making, so any number may use it.
+// A dictionary to compare translations with: read once, used for any number of them.
+// Threads: constant once made; any number may use it.
 struct Reference {
     CheckedFile file;
     Findings findings;  // for what its lines ignore
@@ -20,13 +20,13 @@ Reference ReadReference(const std::string& name, const std::string& bytes);
 
 struct CheckResult {
     CheckedFile file;
-    // In the order of the file; then what is missing from it, in the order of the reference and
+    // In the order of the file. Then what is missing from it, in the order of the reference and
     // with places in the reference.
     std::vector<Finding> findings;
 };
 
-// Looks at the bytes of a dictionary of either kind. `name` is only what places name. The reference
-// may be null. 8-bit text is read in the encoding that UseEncoding() chose.
+// Checks the bytes of a dictionary of either kind. `name` is used only in places. The reference may
+// be null. 8-bit text is read in the encoding that UseEncoding() chose.
 // Costs: linear in the size of both.
 CheckResult CheckBytes(const std::string& name, const std::string& bytes,
                        const Reference* reference = nullptr, const Findings::Rules& disabled = {});

@@ -12,7 +12,7 @@ namespace {
 using lexon_private::ControlWord;
 using lexon_private::Escapes;
 
-// The names that "#{" may have after it.
+// The names that may follow "#{".
 const std::vector<std::string>& EntityNames() {
     static const std::vector<std::string> names = [] {
         std::vector<std::string> list;
@@ -73,7 +73,7 @@ public:
     }
 
     void OnDropped(std::size_t position, std::size_t length, ControlWord by) override {
-        // A comment is meant, and the text before the first macOS section is that of all other
+        // A comment is intended. The text before the first macOS section is for all other
         // platforms.
         if (by == ControlWord::kComment || (by == ControlWord::kMacos && position == 0)) return;
         const std::string what = Quoted(position, length);

@@ -12,10 +12,10 @@ namespace tool {
 using EscapeSink =
     std::function<void(Rule, std::size_t position, std::size_t length, std::string text)>;
 
-// Converts a written value as the loader does, and reports what in it is no escape or is dropped.
+// Converts a written value as the loader does. Reports invalid escapes and what is dropped.
 Text CheckEscapes(Units written, const EscapeSink& add);
 
-// For each unit of the converted value, the position of what it was written as.
+// For each unit of the converted value, the position of its written form.
 std::vector<std::size_t> OriginsOf(Units written);
 
 }  // namespace tool

@@ -9,9 +9,9 @@
 
 namespace tool {
 
-// Where something was found: some characters of one line, a byte of a binary file, or a file.
-// Lines and columns count from 1, columns in characters; 0 is none. Units are UTF-16 units of the
-// line from 0. Neither counts a byte-order mark. Ends are exclusive.
+// Where something was found: characters of one line, a byte of a binary file, or a whole file.
+// Lines and columns count from 1, columns in characters; 0 means none. Units are UTF-16 units of
+// the line, from 0. Neither counts a byte-order mark. Ends are exclusive.
 struct Place {
     std::string file;
     std::uint64_t line = 0;
@@ -28,13 +28,13 @@ struct Finding {
     Rule rule;
     Place place;
     std::string text;
-    std::optional<std::string> key = std::nullopt;  // its bytes, where the finding is about one
-    std::string missingFrom = {};  // the file that lacks the key, where `place` is in the reference
+    std::optional<std::string> key = std::nullopt;  // its bytes, if the finding is about one
+    std::string missingFrom = {};  // the file that lacks the key, when `place` is in the reference
 };
 
 enum class Format : std::uint8_t { kText, kColouredText, kJson };
 
-// What was found in one file.
+// The findings of one file.
 class Findings {
 public:
     using Rules = std::bitset<static_cast<std::size_t>(Rule::kCount)>;
@@ -43,15 +43,15 @@ public:
 
     void Add(Rule rule, Place place, std::string text,
              std::optional<std::string> key = std::nullopt);
-    // What the file lacks; the place is in its reference.
+    // For what the file lacks; the place is in its reference.
     void AddMissing(Rule rule, Place place, std::string text, std::string key,
                     std::string missingFrom);
-    // Drops what these rules find on a line from here on.
+    // Drops the findings of these rules on a line from here on.
     void Ignore(std::uint64_t line, const Rules& rules);
     bool Ignores(std::uint64_t line, Rule rule) const;
     // Throws a Failure that names the first finding for which the application refuses the file.
     void ThrowIfFatal() const;
-    // Ends the search: the findings in the order of their places.
+    // Ends the search and returns the findings in the order of their places.
     std::vector<Finding> Take();
 
 private:
@@ -70,10 +70,10 @@ bool AnyAtOrAbove(const std::vector<Finding>& findings, Severity severity);
 // One line each, in text "PLACE: SEVERITY: TEXT [RULE]".
 std::string Print(const std::vector<Finding>& findings, Format format);
 
-// The rules of these names, which exist.
+// The rules with these names, which exist.
 Findings::Rules RulesOf(const std::vector<std::string>& names);
-// The form of this name, "text" or "json". Text is coloured where the descriptor is a terminal and
-// NO_COLOR is not set.
+// The format with this name, "text" or "json". Text is coloured when the descriptor is a terminal
+// and NO_COLOR is not set.
 Format FormatOf(const std::string& name, int descriptor);
 
 }  // namespace tool

@@ -26,7 +26,7 @@ std::string SarifUri(const std::string& file) {
 Json SarifRegion(const Place& place) {
     if (place.offset.has_value()) return {{"byteOffset", *place.offset}};
     if (place.line == 0) return nullptr;
-    // Places that know no units are those of sources and of the end of a file.
+    // Places without units are those of sources and of the end of a file.
     const bool hasUnits = place.endUnit != 0;
     Json region{{"startLine", place.line}};
     if (place.column != 0) region["startColumn"] = hasUnits ? place.unit + 1 : place.column;
@@ -52,7 +52,7 @@ Json SarifResult(const Finding& finding) {
     return result;
 }
 
-// As workflow commands need it: "%" and line ends in the text, in properties also what parts them.
+// Escaped for workflow commands: "%" and line ends in the text; in properties also the separators.
 std::string GithubEscaped(const std::string& text, bool isProperty) {
     std::string escaped;
     for (const char c : text) {

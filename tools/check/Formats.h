@@ -1,5 +1,5 @@
 #pragma once
-// Findings in the forms that services read.
+// Findings in formats for services.
 #include <string>
 #include <vector>
 
@@ -8,7 +8,7 @@
 namespace tool {
 
 // The findings of all files as a SARIF 2.1.0 log of one run, with the table of rules. `complete` is
-// false where a file could not be read. Columns count UTF-16 units; absolute names of files become
+// false when a file could not be read. Columns count UTF-16 units. Absolute file names become
 // "file:" URIs, others relative references.
 std::string SarifLog(const std::vector<Finding>& findings, bool complete);
 

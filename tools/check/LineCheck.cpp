@@ -41,7 +41,7 @@ Units WithoutBlanks(Units text) {
     return text;
 }
 
-// Whether the text begins as comments do in one language or another.
+// Whether the text begins like a comment of some programming language.
 bool BeginsComment(Units text) {
     constexpr std::string_view kSigns[] = {"#", "//", ";", "--", "/*", "<!--"};
     return std::ranges::any_of(kSigns, [&](auto sign) { return BeginsWith(text, sign); });
@@ -108,8 +108,8 @@ void LineCheck::Check() {
     Define(parts, std::move(entry));
 }
 
-// Whether the line belongs to a conflict's marks. A conflict is one finding, at its first line; the
-// keys that both of its sides have are none.
+// Whether the line belongs to a conflict's marks. A conflict is one finding, at its first line;
+// keys on both of its sides are not duplicates.
 bool LineCheck::IsOfConflict() {
     constexpr std::size_t kLength = 7;
     Units line = scanner.Line();
@@ -160,7 +160,7 @@ void LineCheck::CheckMarks(const Parts& parts) {
         return;
     }
     if (parts.closing != nullptr) return CheckOutside(parts);
-    // The last mark of the line is an escaped one: was it meant to close?
+    // The last mark of the line is escaped: was it meant to close?
     const auto last = std::find_if_not(line.rbegin(), line.rend(), IsBlank);
     if (last != line.rend() && *last == u'"' && &*last > parts.opening) {
         Add(Rule::kTrailingBackslash, {&*last - 1, 2},
@@ -171,7 +171,7 @@ void LineCheck::CheckMarks(const Parts& parts) {
     }
 }
 
-// What stands outside of the quotation marks of a closed entry.
+// Checks the text outside the quotation marks of a closed entry.
 void LineCheck::CheckOutside(const Parts& parts) {
     const Units line = scanner.Line();
     const Units before = WithoutBlanks({line.data(), parts.opening});

@@ -7,19 +7,18 @@
 
 namespace tool {
 
-// Looks at one line after the other of a text dictionary.
+// Checks a text dictionary line by line.
 class LineCheck {
 public:
     // All of them outlive the check.
     LineCheck(const TextScanner& lines, CheckedFile& checkedFile, Findings& findingsOfFile)
         : scanner(lines), file(checkedFile), findings(findingsOfFile) {}
 
-    // The line that the scanner stands at.
+    // Checks the scanner's current line.
     void Check();
 
 private:
-    // Where the parts of a line are, as the loader takes it apart. Null or empty where there is
-    // none.
+    // The parts of a line, as the loader splits it. Null or empty when there is none.
     struct Parts {
         const unsigned short* opening = nullptr;
         const unsigned short* closing = nullptr;

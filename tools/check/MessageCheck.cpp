@@ -25,7 +25,7 @@ std::string Utf8(std::u16string_view text) {
 
 std::string Braced(std::u16string_view name) { return '{' + Utf8(name) + '}'; }
 
-// What an argument has to be for a place to show it.
+// The kind of argument that a place can show.
 enum class Need { kAnything, kNumber, kDate, kText };
 
 Need NeedOf(const MessagePlace& place) {

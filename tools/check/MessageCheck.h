@@ -9,22 +9,22 @@
 
 namespace tool {
 
-// The language of a dictionary: what the file says itself, else what its name ("pt_BR.txt",
-// "texts.de.txt") or its folder ("de/wdictionary.dat") says. Empty where none is one.
+// The language of a dictionary: from the file itself, else from its name ("pt_BR.txt",
+// "texts.de.txt") or its folder ("de/wdictionary.dat"). Empty when none of them is a language.
 std::string LanguageOf(const CheckedFile& file);
 
-// Looks at the values that are message patterns.
+// Checks the values that are message patterns.
 class MessageCheck {
 public:
     // The file outlives the check.
     explicit MessageCheck(const CheckedFile& checkedFile);
 
-    // Takes what is wrong: its rule, the unit of the value and a text.
+    // Receives a fault: its rule, the unit of the value and a text.
     using Add = std::function<void(Rule, std::size_t, std::string)>;
-    // Checks one entry by itself. Nothing where the pattern cannot be parsed.
+    // Checks one entry by itself. Returns nothing when the pattern cannot be parsed.
     std::optional<lexon::detail::MessageShape> Check(const std::string& key,
                                                      const Definition& entry, const Add& add) const;
-    // Checks what an entry has places for against its reference's.
+    // Compares the places of an entry with those of its reference.
     void Compare(const std::string& key, const lexon::detail::MessageShape& shape,
                  const lexon::detail::MessageShape& reference, const Add& add) const;
 

@@ -69,7 +69,7 @@ std::vector<Placeholder> Markers(Units text) {
     return markers;
 }
 
-// Of all that stands in quotation marks, what the string class finds as the name of a tag.
+// The quoted texts that the string class finds as the name of a tag.
 std::vector<Placeholder> Parameters(const Text& text) {
     std::vector<Placeholder> tags;
     const Units units = UnitsOf(text);
@@ -79,8 +79,8 @@ std::vector<Placeholder> Parameters(const Text& text) {
         const auto closing = std::find(opening + 1, units.end(), u'"');
         if (closing == units.end()) break;
         const std::string name = Utf8(Units(opening + 1, closing));
-        // The parts before the tag stay where they are: its begin is the first difference, its
-        // length the difference of the lengths.
+        // The text around the tag does not change: the tag begins at the first difference, and its
+        // length is the difference of the lengths.
         Text rest = text;
         std::size_t removed = 0;
         for (bool more = tried.insert(name).second; more;) {
@@ -88,7 +88,7 @@ std::vector<Placeholder> Parameters(const Text& text) {
             if (!SubstituteParameter(rest, name, {})) break;
             const Units old = UnitsOf(before);
             const std::size_t length = old.size() - rest.GetLength();
-            // Among what equals the text after the tag, the tag is what begins with "<".
+            // Of several candidates that equal the text after the tag, the tag begins with "<".
             auto at = static_cast<std::size_t>(std::ranges::mismatch(old, UnitsOf(rest)).in1 -
                                                old.begin());
             while (at > 0 && (old[at] != '<' || old[at + length - 1] != '>'))

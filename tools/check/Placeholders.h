@@ -6,9 +6,9 @@
 
 namespace tool {
 
-// Something that the application puts a text in place of, or should.
+// A part that the application replaces by a text, or should.
 struct Placeholder {
-    std::string name;   // "^1", the name of a parameter tag, or the placeholder as it stands
+    std::string name;   // "^1", the name of a parameter tag, or the placeholder itself
     std::size_t begin;  // units of the converted text
     std::size_t end;
 };
@@ -17,7 +17,7 @@ struct Placeholder {
 std::vector<Placeholder> Markers(Units text);
 // The tags that the string class takes for parameters, in the order of the text.
 std::vector<Placeholder> Parameters(const Text& text);
-// What other systems replace: {name}, ${name}, %d, %1$s, %@, &amp;.
+// Placeholders of other systems: {name}, ${name}, %d, %1$s, %@, &amp;.
 std::vector<Placeholder> ForeignPlaceholders(Units text);
 
 // The length of the HTML entity at `i` ("&amp;", "&#39;"), or 0.

@@ -8,15 +8,15 @@ namespace tool {
 struct OuterBlanks {
     std::size_t before;
     std::size_t after;
-    bool wideEnd;  // ends in a full-width character, which holds the room of a blank
+    bool wideEnd;  // ends in a full-width character, which includes the room of a blank
 };
 OuterBlanks BlanksAround(Units text);
 
 // CR LF is one line break.
 std::size_t LineBreaks(Units text);
 
-// What a text ends in, but for blanks, closing brackets and quotation marks. The marks of all
-// scripts that mean the same are one kind: "…" is "...", a Greek ";" is "?".
+// The end of a text, without blanks, closing brackets and quotation marks. Marks of all scripts
+// with the same meaning are one kind: "…" is "...", a Greek ";" is "?".
 struct FinalMark {
     std::string_view kind;  // "a question mark"
     std::size_t at;         // the last unit of the mark, or of the text

@@ -17,7 +17,7 @@ namespace tool {
 
 namespace {
 
-// An entry and the one that it translates.
+// An entry and the reference entry that it translates.
 class Comparison {
 public:
     Comparison(const CheckedFile& checkedFile, const CheckedFile& referenceFile,
@@ -51,7 +51,7 @@ public:
             return;
         }
         ComparePlaceholders();
-        if (isStale) return;  // the rest is translated anew
+        if (isStale) return;  // the rest is translated again
         CompareAccelerators();
         CompareSections();
         CompareBlanks();
@@ -70,10 +70,10 @@ private:
         Add(rule, PlaceInValue(file, here, at.begin, at.end), std::move(what));
     }
 
-    // Which has a finding of its own.
+    // That has a finding of its own.
     bool IsWithoutEquals() const { return here.line != 0 && here.written.begin == here.key.end; }
 
-    // By its mark, which is a finding already, or by the digest of the reference's text.
+    // By its mark, which is already a finding, or by the digest of the reference's text.
     bool IsStale() {
         if (here.stale || here.from.empty() || there.line == 0) return here.stale;
         if (ReferenceDigest(referenceOf.UnitsOf(there.written)) == here.from) return false;
@@ -82,13 +82,13 @@ private:
         return true;
     }
 
-    // The comment on the reference's line counts for its translations.
+    // The comment on the reference's line also applies to its translations.
     void CompareMessages() {
         const MessageCheck::Add drop = [](Rule, std::size_t, const std::string&) {};
         const MessageCheck::Add add = [&](Rule rule, std::size_t at, std::string what) {
             Add(rule, Placeholder{"", at, at + 1}, std::move(what));
         };
-        // An entry whose own line has the comment was checked by itself.
+        // An entry with the comment on its own line was checked by itself.
         const auto own = messages.Check(key, here, here.isMessage ? drop : add);
         const auto wanted = messages.Check(key, there, drop);
         if (own && wanted) messages.Compare(key, *own, *wanted, add);
@@ -119,7 +119,7 @@ private:
         Rule extra;
         const char* what;
     };
-    // One that stands in place of a missing one, be it of another system, is one finding with it.
+    // A name that replaces a missing one, also one of another system, is one finding with it.
     void CompareNames(const std::vector<Placeholder>& names,
                       const std::vector<Placeholder>& originals, std::vector<Placeholder>& foreign,
                       const Kind& kind) {
@@ -235,7 +235,7 @@ private:
     Units original;
 };
 
-// Whether two keys are members of a row of keys: "Text1" is not "Text2" misspelt.
+// Whether two keys are members of a numbered series: "Text1" is not a misspelt "Text2".
 bool DifferInDigits(std::string_view a, std::string_view b) {
     const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
     return std::ranges::equal(a, b,

@@ -11,8 +11,8 @@ constexpr auto kError = Severity::kError;
 constexpr auto kWarning = Severity::kWarning;
 constexpr auto kNote = Severity::kNote;
 
-// An error is what makes the application refuse the file, lose a text or show another one than was
-// written; a warning, what is hardly meant; a note, what is worth a look.
+// Error: the application refuses the file, loses a text or shows another one than was written.
+// Warning: probably not intended. Note: worth a look.
 constexpr RuleInfo kRules[] = {
     {Rule::kUtf16WithoutMark, "utf16-without-mark", kError,
      "UTF-16 without its byte-order mark, which is read as 8-bit text up to its first zero byte"},

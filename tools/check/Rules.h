@@ -14,7 +14,7 @@ const char* Name(Severity severity);
 
 // In the order of the table.
 enum class Rule : std::uint8_t {
-    // what a text file is made of
+    // the form of a text file
     kUtf16WithoutMark,
     kFalseUtf16Mark,
     kUtf8Mark,
@@ -60,7 +60,7 @@ enum class Rule : std::uint8_t {
     // binary files
     kMalformedBinary,
     kUnreachableEntry,
-    // texts beside each other
+    // neighbouring texts
     kSameAccelerator,
     kUntranslated,
     kStale,
@@ -102,7 +102,7 @@ std::span<const RuleInfo> AllRules();
 const RuleInfo& Info(Rule rule);
 std::optional<Rule> FindRule(std::string_view name);
 std::vector<std::string> RuleNames();
-// Whether the application refuses a file for it: no verb but `check` uses such a file.
+// Whether the application refuses a file for it. Only `check` reads such a file.
 bool IsFatal(Rule rule);
 
 }  // namespace tool

@@ -11,7 +11,7 @@ namespace {
 
 using Line = TextDocument::Line;
 
-// Of the entry.
+// For the entry.
 Place PlaceOf(const std::string& name, const TextDocument& document, const Line& line) {
     const Units head = document.UnitsOfLine(line).first(line.entry.begin);
     Place place{.file = name, .line = line.number, .column = 1};

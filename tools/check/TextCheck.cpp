@@ -14,8 +14,8 @@ constexpr std::size_t kUtf16MarkSize = 2;
 constexpr std::size_t kLookedAt = 512;
 
 // Whether 8-bit text is UTF-16 that lacks its mark: its first pair of bytes is an ASCII character,
-// or of its first half kilobyte every other byte is mostly zero, and hardly one of the bytes
-// between them.
+// or in its first half kilobyte most of every other byte is zero, and hardly one of those between
+// them.
 bool LooksLikeUtf16(std::string_view bytes) {
     bytes = bytes.substr(0, std::min(kLookedAt, bytes.size() / 2 * 2));
     if (bytes.empty()) return false;
@@ -30,8 +30,8 @@ bool LooksLikeUtf16(std::string_view bytes) {
     return 8 * few < many && 4 * many > bytes.size();
 }
 
-// Whether text after the mark of UTF-16 is none: UTF-16 has a zero byte in each ASCII character,
-// and the quotation marks of the first entries are such characters.
+// Whether text after the mark of UTF-16 is 8-bit text: UTF-16 has a zero byte in each ASCII
+// character, such as the quotation marks of the first entries.
 bool IsEightBit(std::string_view bytes) {
     const std::string_view head = bytes.substr(0, kLookedAt);
     return head.find('"') != std::string_view::npos && head.find('\0') == std::string_view::npos;

@@ -5,7 +5,7 @@
 
 namespace tool {
 
-// What the loader would trip over or silently change in a text file.
+// Finds what the loader would stumble over or silently change in a text file.
 CheckedFile CheckText(const std::string& name, const std::string& bytes, Findings& findings);
 
 }  // namespace tool

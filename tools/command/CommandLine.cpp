@@ -20,7 +20,7 @@ namespace {
 
 [[noreturn]] void Refuse(const std::string& why) { throw UsageFailure(why); }
 
-// The choice as the table writes it.
+// The choice as spelled in the table.
 std::string Chosen(const std::string& name, const std::string& value,
                    const std::vector<std::string>& choices) {
     const auto same = [&](const std::string& choice) {
@@ -60,8 +60,8 @@ void AddValue(const OptionInfo& option, const std::string& value, Arguments& arg
     Refuse(verb.name + " has no option " + given + DidYouMean(given, names));
 }
 
-// Takes what the command line does not say from the project file: that of the first file's folder,
-// or without one that of the working folder.
+// Completes the command line from the project file: that of the first file's folder, or without a
+// file that of the working folder.
 void TakeSettings(const VerbInfo& verb, Arguments& arguments) {
     namespace fs = std::filesystem;
     if (!verb.readsProject) return;
@@ -123,8 +123,8 @@ void TakeOperands(const VerbInfo& verb, Arguments& arguments) {
     }
 }
 
-// Takes the arguments after the verb apart, as GNU programs do: options and operands in any order,
-// "--" before the last operands.
+// Parses the arguments after the verb, as GNU programs do: options and operands in any order, "--"
+// before the last operands.
 Arguments Parse(const VerbInfo& verb, int argc, char** argv) {
     constexpr int kFirstLong = 0x100;  // above all letters
     Arguments arguments;

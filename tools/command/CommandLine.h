@@ -2,7 +2,7 @@
 
 namespace tool {
 
-// Runs the command with the arguments of main; gives its exit code.
+// Runs the command with the arguments of main; returns its exit code.
 int RunCommand(int argc, char** argv);
 
 }  // namespace tool

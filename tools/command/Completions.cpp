@@ -16,7 +16,7 @@ std::string Joined(const std::vector<std::string>& words, const char* between = 
     return text;
 }
 
-// In single quotation marks, for a shell that takes "\" before a quotation mark outside of them.
+// In single quotation marks, for a shell that accepts "\" before a quotation mark outside of them.
 std::string Quoted(const std::string& text) {
     std::string quoted = "'";
     for (const char c : text)
@@ -34,7 +34,7 @@ bool IsFile(const OptionInfo& option) {
     return option.takes == Takes::kFile || option.takes == Takes::kFolder;
 }
 
-// The operand that a word after the verb is; the last one stands for those after it.
+// The operand for a word after the verb; the last one also covers later words.
 const OperandInfo* OperandOf(const VerbInfo& verb) {
     return verb.operands.empty() ? nullptr : &verb.operands.front();
 }
@@ -168,7 +168,7 @@ std::string Fish() {
         "# Completions of wordlex for fish, written by \"wordlex completions fish\".\n" + head +
         "-f\n" + head + "-n __fish_use_subcommand -l help -d 'Print help and exit'\n" + head +
         "-n __fish_use_subcommand -l version -d 'Print the version and exit'\n";
-    // fish knows "\" inside of single quotation marks.
+    // In fish, "\" also escapes inside single quotation marks.
     const auto quoted = [](const std::string& raw) { return '\'' + Escaped(raw, "\\'") + '\''; };
     for (const VerbInfo& verb : Verbs()) {
         text +=

@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::size_t kWidth = 80;
 
-// Text in lines of at most 80 columns, from the column `indent` on; the first line starts there.
+// Text in lines of at most 80 columns, indented by `indent`; the first line starts there.
 std::string Wrapped(const std::string& text, std::size_t indent) {
     std::istringstream words(text);
     std::string lines;
@@ -28,7 +28,7 @@ std::string Wrapped(const std::string& text, std::size_t indent) {
     return lines + '\n';
 }
 
-// Two columns; what is too wide for the left one has a line of its own.
+// Two columns. A text too wide for the left one has a line of its own.
 std::string Row(const std::string& left, const std::string& right, std::size_t width) {
     const std::string head = "  " + left;
     const std::size_t indent = width + 4;

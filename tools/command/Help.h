@@ -5,7 +5,7 @@
 
 namespace tool {
 
-// What --help prints: of the command, and of a verb. No line is longer than 80 columns.
+// The output of --help, for the command and for a verb. No line is longer than 80 columns.
 std::string Help();
 std::string HelpOf(const VerbInfo& verb);
 

@@ -10,7 +10,7 @@ namespace tool {
 
 namespace {
 
-// Options that mean the same wherever they stand.
+// Options with the same meaning in every verb.
 
 OptionInfo Format(std::vector<std::string> choices, const std::string& help) {
     return {.name = "format",

@@ -1,6 +1,7 @@
 #pragma once
-// What the command line may hold. One table, which the parser, --help and the completions of shells
-// read. To add a verb: a function in verbs/, its declaration in Verbs.h and a row in VerbTable.cpp.
+// The verbs, options and operands of the command line. One table for the parser, --help and the
+// completions of shells. To add a verb: a function in verbs/, its declaration in Verbs.h and a row
+// in VerbTable.cpp.
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,27 +10,27 @@
 
 namespace tool {
 
-// What a value is, for the parser and for completions.
+// The kind of a value, for the parser and for completions.
 enum class Takes : std::uint8_t {
     kNothing,  // a flag
     kText,
     kFile,
     kFolder,
-    kChoice,   // one of `choices`, whatever the case of its letters
-    kChoices,  // the same; several stand in one value with "," between them
+    kChoice,   // one of `choices`; case is ignored
+    kChoices,  // the same; several may be joined by ","
 };
 
 struct OptionInfo {
     std::string name;    // without "--"
     char letter = '\0';  // of the short form, if there is one
     Takes takes = Takes::kNothing;
-    std::string value = {};  // what --help calls the value
+    std::string value = {};  // the name of the value in --help
     std::string help;
     std::vector<std::string> choices = {};
     std::string fallback = {};  // the value when the option is not given
 };
 
-// What of the project file stands for operands that are not given.
+// The part of the project file that replaces missing operands.
 enum class Settings : std::uint8_t { kNone, kDictionaries, kLanguages, kSources };
 
 struct OperandInfo {
@@ -45,13 +46,13 @@ struct VerbInfo {
     std::vector<OperandInfo> operands;
     std::string help;
     std::string example;
-    std::vector<OptionInfo> options;  // --encoding and --help, which all verbs have, included
-    int (*run)(const Arguments&);     // gives the exit code, throws a Failure
-    bool readsProject = true;         // takes what is not given from the project file
+    std::vector<OptionInfo> options;  // including --encoding and --help, which all verbs have
+    int (*run)(const Arguments&);     // returns the exit code, throws a Failure
+    bool readsProject = true;         // completes the command line from the project file
 };
 
 const std::vector<VerbInfo>& Verbs();
-// Null when there is no verb of that name.
+// Null when there is no such verb.
 const VerbInfo* FindVerb(std::string_view name);
 
 }  // namespace tool

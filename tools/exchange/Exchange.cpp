@@ -23,7 +23,7 @@ void AddComments(const TextDocument& document, const Line& line, std::vector<std
     }
 }
 
-// As `update` will have it, whether it has seen the latest reference or not.
+// The state after the next `update`, whether or not it has seen the latest reference.
 State StateOf(const TextDocument& translation, const Line& line, const Unit& unit,
               const std::string& digest) {
     if (unit.target.empty()) return State::kUntranslated;

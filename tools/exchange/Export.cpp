@@ -17,7 +17,7 @@ namespace {
 
 using Line = TextDocument::Line;
 
-// The language that the option names, or else the file's name.
+// The language from the option, else from the file's name.
 std::string LanguageFor(const std::string& option, const std::string& name) {
     if (!option.empty()) return option;
     CheckedFile file;
@@ -36,7 +36,7 @@ void AddObsolete(const TextDocument& from, std::initializer_list<const TextDocum
         if (isElsewhere || from.Find(line.key) != i) continue;
         Unit unit;
         unit.key = ShownKey(line.key);
-        unit.source = unit.key;  // the text is not known any more
+        unit.source = unit.key;  // the text is no longer known
         unit.target = ShownText(from.Value(line));
         unit.state = State::kTranslated;
         unit.obsolete = true;

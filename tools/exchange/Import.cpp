@@ -29,7 +29,7 @@ ByShownKey LinesOf(const TextDocument& document) {
     return lines;
 }
 
-// Takes the units of one file into a translation.
+// Writes the units of one file into a translation.
 class Importer {
 public:
     Importer(std::string exchangeName, const std::string& dictionaryName,
@@ -57,7 +57,7 @@ public:
         std::ranges::stable_sort(problems, {}, &Problem::line);
     }
 
-    // Prints what is wrong with the texts. False when an error is among it.
+    // Prints the faults of the texts. False when one of them is an error.
     bool Report() const {
         bool good = true;
         for (const Problem& problem : problems) {
@@ -115,7 +115,7 @@ private:
         const bool isSame = unit.target == shown;
         const State state =
             isCurrent && unit.state == State::kTranslated ? unit.state : State::kNeedsReview;
-        // A translation that nobody touched is as old as it was.
+        // A translation without changes keeps its state.
         const bool wasTranslated =
             now.state == State::kTranslated && unit.state == State::kTranslated;
         if (isSame && (now.state == state || wasTranslated)) return;
@@ -142,7 +142,7 @@ private:
         problems.push_back({unit.line, Severity::kError, cure});
     }
 
-    // An entry without room for a comment has its text alone.
+    // An entry without room for a comment gets only its text.
     void Mark(const Unit& unit, const Line& line, const Line& referenceLine, State state) {
         ++counts[static_cast<std::size_t>(state)];
         if (state != State::kUntranslated) changed.emplace(line.number, unit.line);
@@ -156,7 +156,7 @@ private:
         document.SetComment(line, line.after, WithMarks(document.Comment(line, line.after), marks));
     }
 
-    // The lines of the result are those of the dictionary: no import adds or removes one.
+    // The lines of the result are those of the dictionary: an import neither adds nor removes any.
     void CheckTexts() {
         const auto checkedReference = ReadReference(referenceName, reference.Bytes());
         for (const Finding& finding :
@@ -178,7 +178,7 @@ private:
     TextDocument document;
     ByShownKey wanted;
     ByShownKey present;
-    // Lines of the dictionary whose texts are those of these lines of the source.
+    // Maps changed lines of the dictionary to the lines of the source with their texts.
     std::map<std::uint64_t, std::uint64_t> changed;
     std::vector<Problem> problems;
     std::array<std::size_t, kStates> counts{};

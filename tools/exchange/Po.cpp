@@ -37,7 +37,7 @@ std::string Quoted(std::string_view text) {
     return quoted + '"';
 }
 
-// A text of several lines has a line of the file for each.
+// A text of several lines gets one line of the file for each.
 std::string Field(const std::string& before, std::string_view text) {
     const std::size_t first = text.find('\n');
     if (first == text.npos || first + 1 == text.size()) return before + ' ' + Quoted(text) + '\n';
@@ -61,7 +61,7 @@ std::string Header(const Exchange& exchange) {
                                "Content-Transfer-Encoding: 8bit\nX-Accelerator-Marker: &\n");
 }
 
-// Goes through a file line by line.
+// Reads a file line by line.
 class Reader {
 public:
     explicit Reader(const std::string& fileName) : name(fileName) {}
@@ -78,7 +78,7 @@ public:
     }
 
 private:
-    // What stands after a keyword, with the line where it begins.
+    // The value after a keyword, with the line where it begins.
     struct Value {
         std::string text;
         std::uint64_t line;
@@ -209,7 +209,7 @@ private:
     const std::string& name;
     std::uint64_t number = 0;
     Entry entry;
-    Value* open = nullptr;  // where a string goes
+    Value* open = nullptr;  // receives the next string
     Exchange exchange;
 };
 

@@ -5,11 +5,11 @@
 
 namespace tool {
 
-// A file as gettext writes it: msgctxt is the key, msgid the reference's text, msgstr the
-// translation; "fuzzy" is what needs review.
+// A file in gettext's format: msgctxt is the key, msgid the reference's text, msgstr the
+// translation; "fuzzy" marks what needs review.
 std::string WritePo(const Exchange& exchange);
-// Throws a Failure, with the line, for what is no such file, for plural forms and for another
-// encoding than UTF-8. Reads the units alone.
+// Reads only the units. Throws a Failure, with the line, for a file in another format, for plural
+// forms and for encodings other than UTF-8.
 Exchange ReadPo(const std::string& name, const std::string& bytes);
 
 }  // namespace tool

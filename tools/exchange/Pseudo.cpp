@@ -1,5 +1,5 @@
-// A dictionary in a language that nobody speaks, to see which texts of a program are not localized,
-// do not fit, or come out wrong from right to left.
+// A dictionary in an invented language. It shows which texts of a program are not localized, do not
+// fit, or break from right to left.
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -22,7 +22,8 @@ constexpr std::uint32_t kUsualExpansion = 30;  // percent, as --help says
 constexpr std::uint32_t kMostExpansion = 1000;
 
 constexpr std::size_t kLetters = 26;
-// None is one that Windows-1252 has from 0x80 to 0x9F: texts would look like UTF-8 converted twice.
+// Avoids the letters that Windows-1252 has from 0x80 to 0x9F: texts would look like UTF-8 converted
+// twice.
 constexpr char16_t kSmall[] = u"åƀçðéḟĝĥîĵķļɱñöþǫŕŝţûṽŵẋýż";
 constexpr char16_t kCapital[] = u"ÅƁÇÐÉƑĜĤÎĴĶĻṀÑÖÞǪŔŜŢÛṼŴẊÝŻ";
 static_assert(std::size(kSmall) == kLetters + 1 && std::size(kCapital) == kLetters + 1);
@@ -46,8 +47,8 @@ std::size_t FindWord(Units text, std::string_view word) {
     return static_cast<std::size_t>(found - text.begin());
 }
 
-// The units of what begins the written text and stays as it is, or 0: escapes, markers, entities,
-// parameter tags, accelerators.
+// The number of units at the start of the written text that stay as they are, or 0: escapes,
+// markers, entities, parameter tags, accelerators.
 std::size_t KeptLength(Units text) {
     const bool hasNext = text.size() > 1;
     switch (text[0]) {
@@ -192,7 +193,7 @@ private:
         EndRun();
     }
 
-    // A message up to the "}" of the branch that it is.
+    // A message up to the "}" that ends its branch.
     void WriteMessage(bool isBracketed) {
         for (;;) {
             WriteText([](unsigned short unit) {
@@ -225,7 +226,7 @@ private:
         }
     }
 
-    // The units of an apostrophe and of the pattern's text that it protects up to the next one.
+    // The units of an apostrophe and of the pattern text that it protects up to the next one.
     static std::size_t QuotedLength(Units rest) {
         const unsigned short next = rest.size() > 1 ? rest[1] : 0;
         if (next == u'\'') return 2;
@@ -240,7 +241,7 @@ private:
         output.push_back(u'[');
     }
 
-    // Adds what makes the text longer: blanks let it wrap as words do.
+    // Makes the text longer; blanks let it wrap as words do.
     void Close() {
         constexpr std::size_t kWord = 8;
         constexpr std::size_t kPercent = 100;
@@ -256,7 +257,7 @@ private:
     static constexpr unsigned short kOverride = 0x202E;  // right-to-left
     static constexpr unsigned short kPopOverride = 0x202C;
 
-    // As a number: an editor hides the character.
+    // Written as a number, because editors hide the character.
     void Mark(unsigned short character) {
         if (!mirrored) return;
         const std::string number = "#{" + CodePoint(character) + "}";

@@ -16,7 +16,7 @@ bool IsDigit(unsigned short unit) { return unit >= u'0' && unit <= u'9'; }
 
 struct Entity {
     std::size_t length = 0;  // 0: no entity
-    bool isWord = false;     // does more than stand for a character
+    bool isWord = false;     // is more than a character
     unsigned short character = 0;
 };
 
@@ -58,7 +58,7 @@ Written ResolveUnitEscapes(Units written) {
     return text;
 }
 
-// The units of the parameter tag that begins the text, or 0. The form is that of
+// The length of the parameter tag at the start of the text, or 0. The form is that of
 // Wordlex::BackDoorParamSubstitute.
 std::size_t TagLength(Units text) {
     std::size_t at = 0;
@@ -84,7 +84,7 @@ std::size_t TagLength(Units text) {
     return skip("\"") && skipBlanks() && skip("/>") ? at : 0;
 }
 
-// The units of the code that begins the shown text, or 0.
+// The length of the code at the start of the shown text, or 0.
 std::size_t CodeLength(Units shown) {
     switch (shown[0]) {
         case u'\n':

@@ -37,13 +37,14 @@ std::string Attribute(const char* name, std::string_view value) {
     return std::string(" ") + name + "=\"" + Escaped(value) + '"';
 }
 
-// "pt_BR" -> "pt-BR"; the code of an unknown language where it is empty.
+// "pt_BR" -> "pt-BR". When empty, the code of an unknown language.
 std::string LanguageTag(std::string language) {
     std::ranges::replace(language, '_', '-');
     return language.empty() ? "und" : language;
 }
 
-// The inline codes of a unit: the first of a text in the target is the first one of the source.
+// The inline codes of a unit. The first use of a text in the target matches its first use in the
+// source.
 class Codes {
 public:
     explicit Codes(const Unit& unit)
@@ -183,7 +184,7 @@ std::string WriteXliff(const Exchange& exchange, XliffVersion version) {
     }
     std::size_t number = 0;
     for (const Unit& unit : exchange.units) {
-        if (unit.obsolete) continue;  // XLIFF has no place for them
+        if (unit.obsolete) continue;  // XLIFF cannot express them
         ++number;
         text += version == XliffVersion::k12 ? Unit12(unit, number) : Unit21(unit, number);
     }

@@ -35,7 +35,7 @@ struct FreeContext {
     }
 };
 
-// What the parser's callbacks leave for who called it.
+// The results of the parser's callbacks.
 struct Outcome {
     bool hasDeclaration = false;
     int line = 0;
@@ -74,8 +74,8 @@ std::size_t CountOf(std::string_view word, std::string_view text) {
     return count;
 }
 
-// A tag ends at the next "<" at the latest: a quoted one is an error in it. What follows the tag is
-// counted with it.
+// A tag ends at the next "<" at the latest: a quoted one is an error there. The text after the tag
+// is counted with it.
 void CheckTags(const std::string& name, std::string_view text) {
     for (std::size_t at = text.find('<'), next; at != text.npos; at = next) {
         next = text.find('<', at + 1);
@@ -278,7 +278,7 @@ private:
         return *code;
     }
 
-    // The source's code of the same id counts, so that nothing in the target can change it.
+    // The source's code with the same id counts, so that the target cannot change a code.
     std::optional<std::string> TextOfCode(const xmlNode* node, const std::string& id,
                                           const CodeTexts& codes) const {
         if (const auto known = codes.find(id); known != codes.end()) return known->second;
@@ -292,7 +292,7 @@ private:
         return std::nullopt;
     }
 
-    // <cp hex="0008"/>: a character that XML does not hold, which a shown text has as its number.
+    // <cp hex="0008"/>: a character that XML cannot contain. A shown text has its number.
     std::string Character(const xmlNode* node) const {
         constexpr int kHexadecimal = 16;
         const std::string hex = AttributeOf(node, "hex").value_or("");

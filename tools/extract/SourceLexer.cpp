@@ -55,7 +55,7 @@ class LiteralDecoder {
 public:
     explicit LiteralDecoder(bool isWide) : wide(isWide) {}
 
-    // False for what is no text.
+    // False for invalid text.
     bool Decode(std::string_view body, std::vector<unsigned short>& units) {
         into = &units;
         for (rest = body; !rest.empty();) {
@@ -92,17 +92,17 @@ private:
         if (c == 'x') return AddUnit(Number(16, kAnyCount, false));
         if (c == 'o') return rest.starts_with('{') && AddUnit(Number(8, kAnyCount, true));
         if (c == 'u' || c == 'U') return AddCharacter(Number(16, c == 'u' ? 4 : 8, true));
-        if (c == 'N') return false;  // names of characters are not known here
+        if (c == 'N') return false;  // names of characters are unknown here
         if (DigitValue(c) < 8) {
             rest = {rest.data() - 1, rest.size() + 1};
             return AddUnit(Number(8, 3, false));
         }
-        bytes += c;  // itself, as compilers take an unknown one too
+        bytes += c;  // itself; compilers accept an unknown one, too
         return true;
     }
 
-    // Digits, or any number of them in braces. Nothing where there are none, or fewer than `count`
-    // where `all` are needed.
+    // A number in digits, or any number of digits in braces. Nothing without digits, or with fewer
+    // than `count` when `all` are needed.
     std::optional<char32_t> Number(unsigned base, std::size_t count, bool all) {
         const bool braced = rest.starts_with('{');
         if (braced) rest.remove_prefix(1);
@@ -152,7 +152,7 @@ private:
     std::vector<unsigned short>* into = nullptr;
 };
 
-// Of bytes that are not converted.
+// For bytes that are not converted.
 bool BeginsLikeKey(std::string_view body) {
     return body.substr(body.starts_with('(') ? 1 : 0).starts_with("$$$/");
 }
@@ -179,8 +179,8 @@ public:
 private:
     // Characters, without the continuations of lines.
 
-    // The size of what continues the line at an offset: a backslash and the line's end, possibly
-    // with blanks between them.
+    // The length of a line continuation at an offset: a backslash and the line end, possibly with
+    // blanks between them.
     std::size_t SpliceAt(std::size_t from) const {
         if (from >= source.size() || source[from] != '\\') return 0;
         std::size_t end = from + 1;
@@ -266,7 +266,7 @@ private:
         const auto ignored = ParseAnnotations(comment).ignored;
         const char* const rule = Info(Rule::kUnextractedKey).name;
         if (std::ranges::find(ignored, rule, &Annotations::Rule::name) != ignored.end()) {
-            // A comment on a line of its own is about the next one.
+            // A comment on a line of its own is about the next line.
             ignoredLines.push_back(atLineStart ? PlaceOf(at).line + 1 : PlaceOf(begin).line);
         }
     }
@@ -323,7 +323,7 @@ private:
         Take();
         std::string body;
         for (;;) {
-            if (AtLineEnd()) return Finish();  // not closed, which no compiler takes
+            if (AtLineEnd()) return Finish();  // not closed; no compiler accepts it
             const char c = Take();
             if (c == '"') break;
             body += c;
@@ -350,7 +350,7 @@ private:
             return;
         }
         std::string body(source.substr(parenthesis + 1, close - parenthesis - 1));
-        // A line of the source ends with LF for the compiler.
+        // For the compiler, a line of the source ends with LF.
         for (std::size_t cr = 0; (cr = body.find("\r\n", cr)) != body.npos;)
             body.erase(cr, 1);
         at = close + end.size();
@@ -432,7 +432,7 @@ private:
     enum class Truth { kFalse, kTrue, kUnknown };
     struct Condition {
         bool skippedAround;  // the group around the #if is skipped
-        bool decided;        // a branch that is certainly taken stands before
+        bool decided;        // an earlier branch is certainly taken
         bool unknown;        // whether a branch is taken depends on macros
     };
 
@@ -442,7 +442,7 @@ private:
         const std::string directive = TakeName();
         if (directive == "define") {
             Finish();
-            inDirective = true;  // its body is read like the rest
+            inDirective = true;  // its body is read like other text
             atLineStart = false;
             return;
         }
@@ -464,7 +464,7 @@ private:
         }
     }
 
-    // What is joined so far ends, or goes on, with a condition.
+    // Marks that a condition begins or ends after what is joined so far.
     void Mark() {
         const Condition& condition = conditions.back();
         acrossCondition = acrossCondition || (condition.unknown && !condition.skippedAround);
@@ -484,7 +484,7 @@ private:
         Mark();
     }
 
-    // Of a constant; "!" and parentheses around it included.
+    // Of a constant, including "!" and parentheses around it.
     static Truth TruthOf(std::string_view text) {
         if (text.starts_with('!')) {
             const Truth inner = TruthOf(text.substr(1));
@@ -519,7 +519,7 @@ private:
             const char c = Peek();
             if (c == '/' && (PeekSecond() == '/' || PeekSecond() == '*')) {
                 PassComment();
-            } else if (c == '"') {  // a comment's mark in it is none
+            } else if (c == '"') {  // a comment mark inside does not count
                 do {
                     rest += Take();
                 } while (!AtLineEnd() && Peek() != '"');
@@ -534,7 +534,7 @@ private:
 
     // Places
 
-    // Offsets ascend, but for those of faults.
+    // Offsets ascend, except for faults.
     Place PlaceOf(std::size_t offset) {
         if (offset < counted) {
             counted = 0;

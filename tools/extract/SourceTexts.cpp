@@ -20,7 +20,7 @@ constexpr std::string_view kExtensions[] = {".c",   ".cc",  ".cpp", ".cxx",  ".c
                                             ".hh",  ".hpp", ".hxx", ".h++",  ".inl", ".inc",
                                             ".ipp", ".tpp", ".ixx", ".cppm", ".m",   ".mm"};
 
-// All sources below a folder, by name.
+// Finds all sources below a folder, by name.
 void Search(const fs::path& folder, std::vector<std::string>& files) {
     std::vector<fs::path> entries;
     for (const fs::directory_entry& entry : fs::directory_iterator(folder))

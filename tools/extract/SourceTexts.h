@@ -9,13 +9,13 @@
 
 namespace tool {
 
-// A string literal of C, C++ or Objective-C(++) that asks for a text: "$$$/Path=Default text",
+// A string literal of C, C++ or Objective-C(++) that requests a text: "$$$/Path=Default text",
 // possibly in parentheses.
 struct SourceText {
-    Place place;  // of the literal's opening mark; of the first one where several are joined
+    Place place;  // of the literal's opening mark; of the first of several joined ones
     std::string key;
     bool hasText = false;  // there is a "="
-    bool ignored = false;  // a comment says that the reference is not to have the key
+    bool ignored = false;  // a comment excludes the key from the reference
     std::vector<unsigned short>
         text;               // as written for the dictionary: its escapes are not resolved
     std::size_t begin = 0;  // of the first opening mark, in the bytes of the source
@@ -23,18 +23,18 @@ struct SourceText {
 };
 
 // The files themselves, and the sources in the folders: files with the usual extensions, in the
-// order of their names. Hidden folders and links to folders are passed over.
+// order of their names. Hidden folders and links to folders are skipped.
 std::vector<std::string> SourceFiles(const std::vector<std::string>& filesAndFolders);
 // Whether the name has one of the usual extensions of a source.
 bool IsSourceName(const std::string& name);
 
-// The texts of one source file in UTF-8, in their order. It reads the source as the lexer of a
-// compiler does: line continuations, comments, prefixes, raw strings, joined literals. Groups of
-// #if with a constant that leaves them out are skipped; of other conditions all branches are read.
-// Macros are not expanded. Throws a Failure for a text that cannot be read without it.
+// The texts of one source file in UTF-8, in order. Reads the source like a compiler's lexer: line
+// continuations, comments, prefixes, raw strings, joined literals. Skips groups of #if that a
+// constant excludes; of other conditions, reads all branches. Does not expand macros. Throws a
+// Failure for a text that needs one.
 std::vector<SourceText> FindTexts(const std::string& name, const std::string& bytes);
 
-// What is wrong with a text that differs from the first one of its key.
+// How a text conflicts with the first one of its key.
 std::string DescribeConflict(const SourceText& text, const SourceText& first);
 
 // The texts of several sources.
@@ -42,14 +42,13 @@ class SourceTexts {
 public:
     explicit SourceTexts(const std::vector<std::string>& filesAndFolders);
 
-    // One for each key that has a default text and is not ignored, in the order in which they are
-    // met.
+    // One for each key that has a default text and is not ignored, in the order of the sources.
     const std::vector<SourceText>& Texts() const { return texts; }
-    // One for each key that the sources ask for without a default text, or ignored.
+    // One for each key that the sources use without a default text, or ignored.
     const std::vector<SourceText>& Bare() const { return bare; }
-    // Null for a key that the sources do not ask for. Also finds those without a default text.
+    // Null for a key that the sources do not use. Also finds those without a default text.
     const SourceText* Find(const std::string& key) const;
-    // Texts that differ from the one that the key has before.
+    // Texts that differ from the earlier one of their key.
     const std::vector<SourceText>& Conflicts() const { return conflicts; }
     std::size_t FileCount() const { return fileCount; }
 
