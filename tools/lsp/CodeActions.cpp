@@ -16,7 +16,7 @@ using Line = TextFile::Line;
 
 std::string Utf8Of(const std::vector<unsigned short>& units) { return Utf8(units); }
 
-// What can be done about one finding of an open file.
+// The fixes for one finding of an open file.
 class Fixes {
 public:
     Fixes(Workspace& allFiles, OpenFile& openFile, const Finding& oneFinding, Json& actionList)
@@ -174,7 +174,7 @@ private:
                 Utf8Of(written));
     }
 
-    // The reference's entry, where the reference has it.
+    // Inserts the reference's entry, if the reference has it.
     void AddMissing() {
         const TextFile* const reference =
             workspace.FileAt(workspace.ProjectOf(file).project.reference);
@@ -200,7 +200,7 @@ private:
         Replace(title, {}, text + '\n');
     }
 
-    // A comment that has the rule ignored on the line.
+    // Adds a comment that makes the line ignore the rule.
     void AddIgnore() {
         if (!line->quoted || IsFatal(finding.rule)) return;
         const std::string comment = document.Comment(*line, line->after);
@@ -245,7 +245,7 @@ private:
         }
         Action(title, edits);
     }
-    // The first one for a finding is preferred, unless it only hides the finding.
+    // The first action for a finding is preferred, unless it only hides the finding.
     void Action(const std::string& title, const std::vector<Json>& edits, bool isPreferred = true) {
         if (edits.empty()) return;
         Json action = {{"title", title},

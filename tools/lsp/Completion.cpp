@@ -13,12 +13,12 @@ using lexon_private::Escapes;
 using lexon_private::EscapeTableEntry;
 
 constexpr std::size_t kMostItems = 300;
-// Kinds of items, as the protocol numbers them.
+// Kinds of items, with the protocol's numbers.
 constexpr int kConstant = 21;
 constexpr int kKeyword = 14;
 constexpr int kText = 1;
 
-// What is being written: the line up to the cursor and after it.
+// The text being written: the line up to the cursor and after it.
 struct Context {
     const OpenFile& file;
     Position cursor;
@@ -29,7 +29,7 @@ struct Context {
     std::size_t Back(std::size_t units) const {
         return cursor.character - std::min(cursor.character, units);
     }
-    // From some units before the cursor to some after it.
+    // From a number of units before the cursor to a number after it.
     Range Around(std::size_t before, std::size_t after) const {
         return {{cursor.line, Back(before)}, {cursor.line, cursor.character + after}};
     }
@@ -57,7 +57,7 @@ bool IsWordPart(unsigned short unit) {
            (unit >= 'a' && unit <= 'z') || unit == '+';
 }
 
-// The names of "#{NAME}", with what follows the mark.
+// The names of "#{NAME}", with what follows the name.
 void AddEntities(const Context& context, std::size_t begun, Json& items) {
     const Units after = context.After();
     const bool isClosed = !after.empty() && after.front() == u'}';
@@ -82,7 +82,7 @@ void AddEscapes(const Context& context, char sign, Json& items) {
     items.push_back(Item(doubled, kConstant, "the character itself", range, doubled));
 }
 
-// Keys of the reference that the file does not have.
+// Keys of the reference that the file lacks.
 bool AddKeys(Workspace& workspace, const Context& context, Json& items) {
     const std::string& path = workspace.ProjectOf(context.file).project.reference;
     const TextFile* const reference = path.empty() ? nullptr : workspace.FileAt(path);
@@ -91,8 +91,8 @@ bool AddKeys(Workspace& workspace, const Context& context, Json& items) {
     std::set<std::string_view> present;
     for (const TextFile::Line& line : context.file.text->Document().Lines())
         if (&line != context.entry) present.insert(line.key);
-    // What is replaced: from after the opening mark, or from the line's begin without one, to the
-    // end of the key.
+    // The replaced range: from after the opening mark, or without one from the start of the line,
+    // to the end of the key.
     const auto mark = std::ranges::find(context.line, u'"');
     const bool isQuoted = mark != context.line.end() &&
                           mark < context.line.begin() + static_cast<std::ptrdiff_t>(context.unit);
@@ -145,7 +145,7 @@ bool AddItems(Workspace& workspace, const Context& context, Json& items) {
     }
     const unsigned short sign = before.empty() ? u'\0' : before.back();
     if (sign != u'^' && sign != u'\\') return false;
-    // A doubled one is no escape of what follows.
+    // A doubled one does not escape the next character.
     std::size_t run = 0;
     while (run < before.size() && before[before.size() - 1 - run] == sign)
         ++run;

@@ -75,8 +75,8 @@ void Connection::Send(const Json& message) {
     const std::string body = message.dump(-1, ' ', false, Json::error_handler_t::replace);
     const std::string all =
         "Content-Length: " + std::to_string(body.size()) + std::string(kHeaderEnd) + body;
-    // A client that sends without reading would wait for ever if nobody read what it sends. So the
-    // output gets only as much at once as a pipe that is ready takes.
+    // A client that sends without reading would wait for ever if nobody read from it. So each write
+    // is at most what a ready pipe accepts.
     for (std::size_t at = 0; at < all.size();) {
         pollfd ready[] = {{output, POLLOUT, 0}, {ended ? -1 : input, POLLIN, 0}};
         if (poll(ready, std::size(ready), -1) < 0 && errno != EINTR) throw ReaderGone();
@@ -125,7 +125,7 @@ void Connection::TakeMessages() {
     }
 }
 
-// False until there is a whole header.
+// False until the whole header is there.
 bool Connection::TakeHeader() {
     const std::size_t end = bytes.find(kHeaderEnd);
     if (end == bytes.npos) {

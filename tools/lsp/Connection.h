@@ -8,7 +8,7 @@
 
 namespace tool::lsp {
 
-// The protocol's base: JSON after a header with its length, over two descriptors.
+// The base of the protocol: JSON after a header with its length, over two descriptors.
 // Threads: none.
 class Connection {
 public:
@@ -16,15 +16,15 @@ public:
     Connection(int inputDescriptor, int outputDescriptor)
         : input(inputDescriptor), output(outputDescriptor) {}
 
-    // Waits for the next message. It is discarded (Json::is_discarded) where what came is not JSON
-    // or has no length. Nothing at the end of the input and after a header that cannot be one.
+    // Waits for the next message. It is discarded (Json::is_discarded) when it is not JSON or has
+    // no length. Returns nothing at the end of the input and after an invalid header.
     std::optional<Json> Next();
-    // Whether a message has come that Next() did not return yet.
+    // Whether a message has arrived that Next() has not returned yet.
     bool HasNext();
-    // Whether the client has sent a cancellation of the request since.
+    // Whether the client has cancelled the request since.
     bool IsCancelled(const Json& id);
 
-    // Reads meanwhile what the client sends. Throws ReaderGone.
+    // Meanwhile reads what the client sends. Throws ReaderGone.
     void Send(const Json& message);
 
 private:
@@ -35,8 +35,8 @@ private:
 
     int input;
     int output;
-    std::string bytes;                  // that belong to no message yet
-    std::optional<std::size_t> length;  // of the message whose header was taken
+    std::string bytes;                  // not yet part of a message
+    std::optional<std::size_t> length;  // of the message whose header was read
     bool ended = false;
     std::deque<Json> messages;
 };

@@ -24,7 +24,7 @@ Json Plain(const Range& range, int severity, const std::string& text) {
         {"range", ToJson(range)}, {"severity", severity}, {"source", "wordlex"}, {"message", text}};
 }
 
-// What is wrong with the settings themselves.
+// The fault of the settings themselves.
 Json SettingsFault(const OpenFile& file) {
     Json list = Json::array();
     try {
@@ -51,7 +51,7 @@ void CheckDictionary(Workspace& workspace, OpenFile& file) {
     const SourceTexts* const sources = isReference ? workspace.SourcesOf(state) : nullptr;
     if (sources == nullptr) return;
     for (Finding& finding : CheckSources(name, file.text->Document(), *sources, disabled)) {
-        // The others are about sources, and stand there.
+        // The others are about sources and are reported there.
         if (finding.place.file == name) file.findings.push_back(std::move(finding));
     }
 }

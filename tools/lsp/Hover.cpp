@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::uint32_t kNoId = 0xFFFFFFFF;
 
-// A text between fences that are longer than any in it.
+// A text between fences longer than any in it.
 std::string Fenced(const std::string& text) {
     std::size_t longest = 2;
     std::size_t run = 0;
@@ -21,7 +21,7 @@ std::string Fenced(const std::string& text) {
     return fence + "text\n" + text + '\n' + fence + '\n';
 }
 
-// The id of an entry, as the application counts when it loads the file alone.
+// The id of an entry when the application loads only this file.
 std::optional<std::uint32_t> IdOf(const TextFile& file, const std::string& key) {
     try {
         const Content content = Load("", file.Bytes());

@@ -9,7 +9,7 @@
 
 namespace tool::lsp {
 
-// As the protocol counts: lines from 0, characters as UTF-16 units from 0.
+// The protocol's position: lines from 0, characters as UTF-16 units from 0.
 struct Position {
     std::size_t line = 0;
     std::size_t character = 0;
@@ -24,20 +24,20 @@ struct Range {
 };
 
 Json ToJson(const Range& range);
-// Throw a Json exception for what is none.
+// Throw a Json exception for an invalid one.
 Position PositionFrom(const Json& position);
 Range RangeFrom(const Json& range);
 
-// Between lines of the loader and those of the protocol. In UTF-16 the loader ends a line at U+2028
-// and U+2029 too; in all other files the lines are the same.
+// Converts between lines of the loader and those of the protocol. In UTF-16 the loader also ends a
+// line at U+2028 and U+2029. In all other files the lines are the same.
 class LineMap {
 public:
-    // Of a file where they are the same.
+    // For a file in which they are the same.
     LineMap() = default;
-    // Of a file in UTF-16.
+    // For a file in UTF-16.
     explicit LineMap(Units text);
 
-    // `number` counts from 1; `unit` is one of its line.
+    // `number` counts from 1; `unit` is a unit of that line.
     Position ToEditor(std::uint64_t number, std::size_t unit) const;
     struct Spot {
         std::uint64_t number;

@@ -14,7 +14,7 @@ Workspace::Found FindKey(Workspace& workspace, const OpenFile& file, const Json&
     return std::move(*found);
 }
 
-// The key as its bytes, from what the user wrote, with or without "$$$".
+// The bytes of a key that the user wrote, with or without "$$$".
 std::string NewKey(std::string written) {
     constexpr std::string_view kPrefix = "$$$";
     if (written.starts_with(kPrefix)) written.erase(0, kPrefix.size());

@@ -84,7 +84,7 @@ Server::Server(Connection& client, const std::string& encoding)
              const OpenFile& file = workspace.Change(
                  UriIn(params), params.at("textDocument").at("version").get<std::int64_t>(),
                  changes.back().at("text").get<std::string>());
-             // Others are compared with the reference alone.
+             // Other files are compared only with the reference.
              if (file.path == workspace.ProjectOf(file).project.reference) Outdate();
              return Json();
          }},
@@ -198,7 +198,7 @@ Json Server::Initialize(const Json& params) {
             {"serverInfo", {{"name", "wordlex"}, {"version", WLLibraryVersion()}}}};
 }
 
-// Has the client report changes of files that are not open.
+// Asks the client to report changes of files that are not open.
 void Server::Watch() {
     Json watchers = Json::array();
     for (const char* const pattern :
@@ -213,7 +213,7 @@ void Server::Watch() {
                      {"params", {{"registrations", Json::array({registration})}}}});
 }
 
-// Takes the findings of a file that is no longer open back.
+// Removes the findings of a file that is no longer open.
 void Server::Close(const std::string& uri) {
     workspace.Get(uri);
     workspace.Close(uri);
@@ -221,7 +221,7 @@ void Server::Close(const std::string& uri) {
     Outdate();
 }
 
-// What changes in one file may change the findings of all.
+// A change in one file may change the findings of all.
 void Server::Outdate() {
     for (auto& [uri, file] : workspace.OpenFiles())
         file.isPublished = false;
@@ -235,7 +235,7 @@ void Server::PublishAll() {
     }
 }
 
-// Says once why a project cannot be used. In its own file that is a finding.
+// Reports once why a project cannot be used. In its own file that is a finding.
 void Server::ShowError(const OpenFile& file) {
     const std::string& error = workspace.ProjectOf(file).error;
     if (error.empty() || error == lastError || file.kind == OpenFile::Kind::kSettings) return;

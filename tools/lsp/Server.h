@@ -8,17 +8,17 @@
 
 namespace tool::lsp {
 
-// A server of the Language Server Protocol 3.17 for dictionaries and the sources that ask for their
-// texts. docs/editors.md says what it does.
-// Findings are published when no message waits: of several edits that come at once the last counts.
+// A server of the Language Server Protocol 3.17 for dictionaries and the sources that use their
+// texts. docs/editors.md describes its features.
+// Findings are published when no message waits: of several edits in a row only the last counts.
 // Threads: none.
 class Server {
 public:
-    // The connection outlives the server. `encoding` is that of 8-bit files where no project names
+    // The connection outlives the server. `encoding` is that of 8-bit files unless a project names
     // one.
     Server(Connection& client, const std::string& encoding);
 
-    // Serves until the client has it exit or is gone. Returns the exit code.
+    // Serves until the client asks it to exit or is gone. Returns the exit code.
     int Run();
 
 private:
@@ -40,12 +40,12 @@ private:
     Connection& connection;
     Workspace workspace;
     std::map<std::string, Handler> requests;
-    std::map<std::string, Handler> notifications;  // what they return is dropped
+    std::map<std::string, Handler> notifications;  // their results are dropped
     bool initialized = false;
     bool shutDown = false;
     bool exited = false;
-    bool markdown = false;   // the client shows it
-    bool registers = false;  // the client watches files when it is asked to
+    bool markdown = false;   // the client can show it
+    bool registers = false;  // the client watches files on request
     std::string lastError;
 };
 

@@ -69,7 +69,7 @@ const TextDocument& TextFile::Document() const {
 
 Range TextFile::RangeOf(const Place& place) const {
     if (place.line == 0) return {};
-    // A place without units has a column, which differs from them only after characters beyond
+    // A place without units has a column. Columns differ from units only after characters beyond
     // the BMP.
     const bool hasUnits = place.unit != 0 || place.endUnit != 0 || place.column <= 1;
     const std::size_t shown = showsMark && place.line == 1 ? 1 : 0;

@@ -44,7 +44,7 @@ int HexDigit(char c) {
     return -1;
 }
 
-// Where the key stands in a literal that is written in one piece.
+// The place of the key in a literal written in one piece.
 std::optional<std::size_t> KeyInLiteral(const std::string& bytes, const SourceText& text) {
     constexpr std::string_view kPrefix = "$$$";
     std::size_t at = bytes.find(kPrefix, text.begin);
@@ -54,7 +54,7 @@ std::optional<std::size_t> KeyInLiteral(const std::string& bytes, const SourceTe
     if (end >= text.end || bytes.compare(at, text.key.size(), text.key) != 0) return std::nullopt;
     constexpr std::string_view kAfter = "=\")";
     if (kAfter.find(bytes[end]) == kAfter.npos) return std::nullopt;
-    // A further literal could go on with the key.
+    // Another literal could continue the key.
     if (bytes[end] != '=' && end + 2 < text.end) return std::nullopt;
     return at;
 }
@@ -164,7 +164,7 @@ const Reference* Workspace::ReferenceOf(ProjectState& state) {
         state.referenceBytes = file->Bytes();
         try {
             state.reference = ReadReference(ShortName(state, path), file->Bytes());
-        } catch (const Failure&) {  // the findings in the reference itself say why
+        } catch (const Failure&) {  // the findings of the reference itself say why
             return nullptr;
         }
     }
@@ -261,7 +261,7 @@ std::vector<KeyUse> Workspace::UsesOf(const OpenFile& file, const std::string& k
     std::vector<std::string> sources;
     try {
         sources = SourceFiles(ProjectOf(file).project.sources);
-    } catch (const std::exception&) {  // a folder that is not there
+    } catch (const std::exception&) {  // a missing folder
         return uses;
     }
     for (const std::string& path : sources) {

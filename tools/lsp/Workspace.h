@@ -15,7 +15,7 @@
 
 namespace tool::lsp {
 
-// A request that cannot be served.
+// A request that failed.
 class ResponseError : public std::runtime_error {
 public:
     ResponseError(int errorCode, const std::string& why)
@@ -34,7 +34,7 @@ inline constexpr int kServerNotInitialized = -32002;
 inline constexpr int kRequestFailed = -32803;
 inline constexpr int kRequestCancelled = -32800;
 
-// A file that an editor has open.
+// A file that is open in the editor.
 struct OpenFile {
     enum class Kind : std::uint8_t { kDictionary, kSource, kSettings };
 
@@ -52,10 +52,10 @@ struct KeyUse {
     std::string path;
     Range range;                           // of the key, without "$$$"
     const TextFile::Line* line = nullptr;  // of a dictionary
-    bool isWhole = true;                   // false where several literals make up the key
+    bool isWhole = true;                   // false when several literals make up the key
 };
 
-// A project with what was read of it.
+// A project and the files read for it.
 struct ProjectState {
     Project project;
     std::string bytes;  // of its file
@@ -66,48 +66,47 @@ struct ProjectState {
     bool knowsSources = false;
 };
 
-// What the editor has open, and the projects that it belongs to.
-// Files on disk are read again when they have changed, so that what other programs write counts.
-// Pointers to files hold until the next Open, Change, Close or Refresh, or until the file is asked
-// for again after it has changed on disk.
+// The files open in the editor, and their projects. Files on disk are read again when they have
+// changed, so changes by other programs count. Pointers to files are valid until the next Open,
+// Change, Close or Refresh, or until the file is requested again after it has changed on disk.
 class Workspace {
 public:
-    // `encoding` is that of 8-bit files where the project names none.
+    // `encoding` is that of 8-bit files unless the project names one.
     explicit Workspace(std::string encodingOfFiles) : encoding(std::move(encodingOfFiles)) {}
 
     OpenFile& Open(const std::string& uri, const std::string& language, std::int64_t version,
                    const std::string& text);
-    // Throws a ResponseError for what is not open.
+    // Throws a ResponseError for a file that is not open.
     OpenFile& Change(const std::string& uri, std::int64_t version, const std::string& text);
     void Close(const std::string& uri);
     OpenFile& Get(const std::string& uri);
     std::map<std::string, OpenFile>& OpenFiles() { return open; }
-    // Forgets what files on disk were found to hold, as files may have come or gone.
+    // Forgets the content of files on disk, as files may have come or gone.
     void Refresh();
 
-    // The project of an open file, or one without settings. Its encoding is used from here on.
+    // The project of an open file, or one without settings. Its encoding applies from here on.
     ProjectState& ProjectOf(const OpenFile& file);
-    // Null where none is named or it cannot be used.
+    // Null when none is named or it cannot be used.
     const Reference* ReferenceOf(ProjectState& state);
-    // Null where none are named or they cannot be read.
+    // Null when none are named or they cannot be read.
     const SourceTexts* SourcesOf(ProjectState& state);
-    // Null where it cannot be read.
+    // Null when it cannot be read.
     const TextFile* FileAt(const std::string& path);
-    // All dictionaries of the project that are text, the reference first, and the file itself.
+    // All text dictionaries of the project, the reference first, and the file itself.
     std::vector<std::pair<std::string, const TextFile*>> DictionariesOf(const OpenFile& file);
-    // The path as people see it in messages.
+    // The path for messages to people.
     std::string ShortName(const OpenFile& file);
     static std::string ShortName(const ProjectState& state, const std::string& path);
 
-    // The key that a position is about.
+    // The key at a position.
     struct Found {
         std::string key;
-        Range range;                           // of the key; in a source of the whole literal
-        bool isAtKey;                          // and not elsewhere on its line
+        Range range;   // of the key; in a source of the whole literal
+        bool isAtKey;  // the position is in the key, not elsewhere on its line
         const TextFile::Line* line = nullptr;  // of a dictionary
     };
     std::optional<Found> KeyAt(const OpenFile& file, Position position);
-    // All uses of a key in the project, those of the reference first, those of sources last.
+    // All uses of a key in the project: those of the reference first, those of sources last.
     std::vector<KeyUse> UsesOf(const OpenFile& file, const std::string& key, bool inSources);
 
 private:

@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view kTag = "<param ";
 
-// The code point at `i`, which passes it. A surrogate alone is returned as it is.
+// Returns the code point at `i` and moves `i` past it. Returns a lone surrogate as it is.
 UChar32 Next(Units text, std::size_t& i) {
     const unsigned short unit = text[i++];
     if (!U16_IS_LEAD(unit) || i == text.size() || !U16_IS_TRAIL(text[i])) return unit;
@@ -36,7 +36,7 @@ bool IsWrittenWithoutBlanks(UChar32 c) {
     return script == USCRIPT_HAN || script == USCRIPT_HIRAGANA || script == USCRIPT_KATAKANA;
 }
 
-// Passes a parameter tag at `i`, whose letters are no text.
+// Moves past a parameter tag at `i`, whose letters are not text.
 bool PassTag(Units text, std::size_t& i) {
     if (!std::ranges::equal(text.subspan(i, std::min(kTag.size(), text.size() - i)), kTag)) {
         return false;

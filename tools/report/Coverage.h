@@ -1,6 +1,6 @@
 #pragma once
-// How far translations are: what `stats` counts and `report` shows. docs/authoring.md defines the
-// states.
+// How complete translations are: `stats` prints it and `report` shows it. docs/authoring.md defines
+// the states.
 #include <array>
 #include <cstdint>
 #include <string>
@@ -13,8 +13,8 @@
 
 namespace tool {
 
-// What a text of the reference is in a translation. The last one is for keys that the reference
-// does not have.
+// The state of a text of the reference in a translation. The last one is for keys that the
+// reference lacks.
 enum class State : std::uint8_t {
     kTranslated,
     kIdentical,
@@ -26,16 +26,16 @@ enum class State : std::uint8_t {
 inline constexpr std::array<const char*, 6> kStateNames = {
     "translated", "identical", "untranslated", "stale", "missing", "obsolete"};
 
-// A dictionary, text or binary, with what the comments on its lines say.
-// Invariant: no key is there twice. `items` never changes, so that pointers into it stay valid.
+// A dictionary, text or binary, with the annotations of its lines.
+// Invariant: keys are unique. `items` never changes, so pointers into it stay valid.
 // Threads:   none; const is thread-safe.
 class TextSet {
 public:
     struct Item {
         std::string key;
         Text text;
-        Annotations marks;   // of text dictionaries
-        std::string digest;  // ReferenceDigest of the text, in the reference of text form
+        Annotations marks;   // in text dictionaries
+        std::string digest;  // ReferenceDigest of the text, in a reference in text form
     };
     enum class Role : std::uint8_t { kReference, kTranslation };
 
@@ -49,10 +49,10 @@ public:
 
     std::string name;
     std::string form;    // "text, UTF-16, little-endian"
-    std::string locale;  // of a binary file that has one
+    std::string locale;  // from a binary file that has one
     std::uint32_t idBase = 0;
     std::size_t fileSize = 0;    // bytes
-    std::size_t entryCount = 0;  // with the entries of binary files that have no keys
+    std::size_t entryCount = 0;  // including entries of binary files without keys
     std::vector<Item> items;     // in the order of a text file
 
 private:
@@ -74,15 +74,15 @@ struct Coverage {
 };
 Coverage Compare(const TextSet& reference, const TextSet& translation);
 
-// Tenths of a percent, rounded down: only a complete translation has 1000. `whole` is not 0.
+// In tenths of a percent, rounded down: only a complete translation has 1000. `whole` is not 0.
 std::size_t Permille(std::size_t part, std::size_t whole);
 
-// Parts between white space that have a letter or a digit. Each Chinese or Japanese character is a
-// word of its own.
+// Counts the parts between white space that have a letter or a digit. Each Chinese or Japanese
+// character is a word of its own.
 std::size_t CountWords(Units text);
 std::size_t CountWords(const TextSet& texts);
 
-// The files without the reference and without what `update` put aside, so that *.txt can be given.
+// The files without the reference and without the obsolete files of `update`, so that *.txt works.
 std::vector<std::string> Translations(const std::vector<std::string>& files,
                                       const std::string& reference);
 

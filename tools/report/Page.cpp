@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::string_view kPlaceOfData = "{{data}}";
 
-// "pt-BR": of what a binary file names, or else of the name of the file or its folder. Or "".
+// "pt-BR": from a binary file itself, else from the name of the file or its folder. Or "".
 std::string LanguageTagOf(const TextSet& texts) {
     CheckedFile file;
     file.name = texts.name;
@@ -23,7 +23,7 @@ std::string LanguageTagOf(const TextSet& texts) {
     return tag;
 }
 
-// "<" could begin a tag that ends the script; it stands in strings only.
+// "<" could begin a tag that ends the script. It occurs only in strings.
 std::string InScript(const std::string& json) {
     std::string safe;
     safe.reserve(json.size());
@@ -84,7 +84,7 @@ public:
         }
     }
 
-    // One row for a key, however many translations still have it.
+    // Adds one row for a key, however many translations still have it.
     void AddObsolete(const std::vector<Coverage>& coverages) {
         std::vector<std::string_view> order;
         std::unordered_map<std::string_view, Json> cellsOf;

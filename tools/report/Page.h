@@ -7,8 +7,8 @@
 
 namespace tool {
 
-// The page that shows the translations, one a column: HTML that loads nothing else.
-// Texts cannot leave the data of the page, whatever they hold.
+// The page that shows the translations, one a column: HTML that loads nothing else. Texts stay
+// inside the page's data, whatever they contain.
 std::string ReportPage(const TextSet& reference,
                        const std::vector<std::unique_ptr<TextSet>>& translations);
 

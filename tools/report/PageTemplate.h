@@ -3,7 +3,7 @@
 
 namespace tool {
 
-// The content of page.html; "{{data}}" stands where the page expects its JSON.
+// The content of page.html; "{{data}}" marks the place of the page's JSON.
 extern const std::string_view kPageTemplate;
 
 }  // namespace tool

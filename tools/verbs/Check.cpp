@@ -38,7 +38,7 @@ std::string Counted(std::size_t count, const char* thing) {
     return std::to_string(count) + ' ' + thing + (count == 1 ? "" : "s");
 }
 
-// What was found in all files: one line on standard error, which is none for sound files.
+// The summary of all files: one line on standard error, or none for files without findings.
 class Summary {
 public:
     void CountUnreadable() {
@@ -49,7 +49,7 @@ public:
         ++files;
         Add(findings);
     }
-    // More of a file that is counted.
+    // Adds more findings of a file that is already counted.
     void Add(const std::vector<Finding>& findings) {
         for (const Finding& finding : findings)
             ++counts[static_cast<std::size_t>(Info(finding.rule).severity)];

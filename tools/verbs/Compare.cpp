@@ -10,13 +10,13 @@ namespace tool {
 
 namespace {
 
-// Entries are the same by their key, and by their id where they have none.
+// Entries are identified by key, or without keys by id.
 bool Before(const Entry* a, const Entry* b) {
     if (a->keyed != b->keyed) return !a->keyed;
     return a->keyed ? a->key < b->key : a->id < b->id;
 }
 
-// In the order of their identity; of several entries with one the first.
+// In the order of their identity; of several entries with the same one, only the first.
 std::vector<const Entry*> Sorted(const Content& content) {
     std::vector<const Entry*> list;
     list.reserve(content.entries.size());
@@ -38,7 +38,7 @@ bool Same(const Entry& a, const Entry& b) {
     return a.value == b.value && a.accelerator == b.accelerator;
 }
 
-// One difference; what was not there is null.
+// One difference. An entry that does not exist is null.
 std::string Line(const Entry* before, const Entry* after, bool json) {
     const char* const what = before == nullptr ? "added" : after == nullptr ? "removed" : "changed";
     const Entry& named = before == nullptr ? *after : *before;

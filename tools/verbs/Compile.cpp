@@ -18,7 +18,7 @@ namespace {
 using lexon_private::Dictionary;
 using lexon_private::EntryView;
 
-// Prints what is wrong with the file; true when it may be compiled all the same.
+// Prints the findings of the file; true when it may still be compiled.
 bool Passes(const std::string& name, const std::string& bytes, const Arguments& arguments) {
     Findings findings(RulesOf(arguments.All("disable")));
     CheckFile(name, bytes, findings);
@@ -30,8 +30,8 @@ bool Passes(const std::string& name, const std::string& bytes, const Arguments& 
     return !AnyAtOrAbove(found, Severity::kError);
 }
 
-// The files as one dictionary. It is compact from the start: that keeps the order of the entries,
-// and their ids, and what is merged is what the application's dictionary would hold.
+// The files as one dictionary. It is compact from the start, which keeps the order of the entries
+// and their ids. It merges files as the application's dictionary does.
 class Merge {
 public:
     void Add(const std::string& name, const std::string& bytes) {
@@ -65,8 +65,8 @@ public:
     Dictionary& Result() { return merged; }
 
 private:
-    // The application's dictionary moves to its compact store with the first version 2 file, and
-    // looks into the other store no more.
+    // At the first version 2 file, the application's dictionary switches to its compact store and
+    // no longer searches the other store.
     void RefuseHidden(const std::string& name, Kind kind) const {
         if (kind == Kind::kVersion2 && !compactSeen && !lastName.empty()) {
             throw Failure(name + ": the application would no longer see the entries of " +
@@ -79,7 +79,7 @@ private:
         }
     }
 
-    // Old binary files fill the other store only, so their entries go the way of text.
+    // Old binary files fill only the other store, so their entries are handled like text.
     void AddLines(const Content& content) {
         for (const Entry& entry : content.entries) {
             auto line = EntryLine(entry.key, UnitsOf(entry.value));
@@ -88,7 +88,7 @@ private:
         }
     }
 
-    // An image whose id base does not follow the entries before it is passed over in silence.
+    // An image whose id base does not follow the entries before it is silently skipped.
     void AddImage(const Content& content, const std::string& bytes) {
         const unsigned long count = merged.NumKeys();
         Read(merged, content.name, bytes);
@@ -100,8 +100,9 @@ private:
         RefuseUnmerged(content);
     }
 
-    // One whose id base does follow is appended: where an earlier file has a key of it, both
-    // entries are there and the first one answers. Long keys, which are not merged, are a warning.
+    // An image whose id base does follow is appended. When an earlier file has one of its keys,
+    // both entries exist and look-ups return the first. Long keys, which are not merged, are a
+    // warning.
     void RefuseUnmerged(const Content& content) {
         for (const Entry& entry : content.entries) {
             if (!CanBeAsked(entry) || entry.key.size() > kMergeableKeyBytes) continue;
@@ -115,7 +116,7 @@ private:
         }
     }
 
-    // Look-ups take a key up to its first "=" or NUL.
+    // Look-ups read a key up to its first "=" or NUL.
     static bool CanBeAsked(const Entry& entry) {
         return entry.keyed && !entry.key.empty() &&
                entry.key.find_first_of(std::string_view("=\0", 2)) == std::string::npos;

@@ -16,7 +16,7 @@ std::string HeaderText(const Content& content) {
     std::string text = content.form;
     if (!content.locale.empty()) text += ", locale " + content.locale;
     if (content.idBase != 0) text += ", id base " + std::to_string(content.idBase);
-    // What would open the entry's text early.
+    // These would open the entry's text early.
     std::ranges::replace_if(
         text, [](unsigned char c) { return c < 0x20 || c == '"' || c == '\\'; }, '?');
     return text + ", " + std::to_string(content.entries.size()) + " entries";
@@ -28,7 +28,7 @@ std::string HeaderJson(const Content& content) {
     return JsonLine(object);
 }
 
-// What dump writes compiles back to the same dictionary.
+// The output of dump compiles to the same dictionary.
 void RefuseWhatTextCannotHold(const Content& content) {
     const auto unkeyed = std::ranges::count(content.entries, false, &Entry::keyed);
     const auto marked = std::ranges::count_if(
@@ -56,7 +56,7 @@ std::string JsonEntry(const Entry& entry) {
 std::string Lines(const Content& content, bool json, bool header) {
     std::string lines;
     if (header && json) lines = HeaderJson(content);
-    // A line of its own would be an entry; what stands ahead of the quotation mark is a comment.
+    // A line of its own would be an entry. Text before the quotation mark is a comment.
     if (header && !json && !content.entries.empty()) {
         lines = HeaderText(content) + ": ";
     }

@@ -14,8 +14,8 @@ namespace tool {
 
 namespace {
 
-// A dictionary of all entries, those of one source together. In UTF-16, so that it has every
-// character whatever the encoding of 8-bit files is.
+// A dictionary of all entries, grouped by source. In UTF-16, which has every character whatever the
+// encoding of 8-bit files is.
 TextDocument AsDocument(const SourceTexts& sources) {
     std::vector<unsigned short> units{0xFEFF};
     const std::string* file = nullptr;
@@ -51,8 +51,7 @@ std::string Summary(const std::string& name, std::size_t added, std::size_t chan
 }  // namespace
 
 int Extract(const Arguments& arguments) {
-    // Without --update the dictionary would lose its comments: only a file that is named is
-    // replaced.
+    // Without --update the dictionary would lose its comments, so only a named file is replaced.
     const bool named = arguments.Has("output") || !arguments.Has("update");
     const std::string& output = named ? arguments.Get("output") : arguments.project.reference;
     if (output.empty()) throw UsageFailure("--output is required");

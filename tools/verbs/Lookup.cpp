@@ -17,26 +17,26 @@ struct Replacement {
     std::string text;
 };
 
-// What the dictionary does with the entries of a file.
+// The dictionary's treatment of a file's entries.
 enum class Effect : std::uint8_t {
     kReplaces,  // its texts replace those of earlier files
-    kMerged,    // the same, but for long keys
-    kAppended,  // the texts of earlier files stay in force
+    kMerged,    // the same, except for long keys
+    kAppended,  // the texts of earlier files stay
     kRefused,
 };
 
-// A dictionary, and what became of the files that were loaded into it.
+// A dictionary, and what happened to the files loaded into it.
 class Loaded {
 public:
-    // `asked` is the id that is looked up, if one is.
+    // `asked` is the id to look up, if any.
     void Add(const std::string& name, std::optional<std::uint32_t> asked);
 
     Dictionary& Get() { return dictionary; }
 
-    // A line for each file that has the key. `remark` stands behind its text, `unasked` tells that
+    // A line for each file that has the key. `remark` comes after its text; `unasked` means that
     // another dictionary has answered.
     std::string ExplainKey(const std::string& key, const char* remark, bool unasked) const;
-    // The same for the id that was asked for, which is in this dictionary.
+    // The same for the requested id, which is in this dictionary.
     std::string ExplainId(std::uint32_t id, const char* remark);
 
 private:
@@ -51,7 +51,7 @@ private:
 
     Dictionary dictionary;
     std::vector<Source> sources;
-    std::string broughtId;  // the file that brought the entry of the id
+    std::string broughtId;  // the file with the entry of the id
 };
 
 void Loaded::Add(const std::string& name, std::optional<std::uint32_t> asked) {
@@ -63,7 +63,7 @@ void Loaded::Add(const std::string& name, std::optional<std::uint32_t> asked) {
     Read(dictionary, name, bytes);
     if (!hadId && asked.has_value() && dictionary.ValidId(*asked)) broughtId = name;
     if (source.kind == Kind::kVersion2) {
-        // The first one meets an empty store, which takes any id base.
+        // The first file is loaded into an empty store, which accepts any id base.
         const bool isFirst =
             std::ranges::find(sources, Kind::kVersion2, &Source::kind) == sources.end();
         source.effect = isFirst || BinaryFile(bytes).IdBase() == 0 ? Effect::kMerged
@@ -73,15 +73,15 @@ void Loaded::Add(const std::string& name, std::optional<std::uint32_t> asked) {
     sources.push_back(std::move(source));
 }
 
-// Whether the dictionary still sees the entries of a file: the first version 2 file hides those of
-// other files before it, and old binary files altogether.
+// Whether the dictionary still sees the entries of a file. The first version 2 file hides those of
+// all other files before it, and old binary files altogether.
 bool Loaded::IsVisible(std::size_t i) const {
     const auto first = std::ranges::find(sources, Kind::kVersion2, &Source::kind);
     if (first == sources.end() || sources[i].kind == Kind::kVersion2) return true;
     return sources[i].kind == Kind::kText && i > static_cast<std::size_t>(first - sources.begin());
 }
 
-// The file whose text of the key is in force.
+// The file whose text of the key is used.
 std::optional<std::size_t> Loaded::Answering(const std::string& key) const {
     std::optional<std::size_t> answering;
     for (std::size_t i = 0; i < sources.size(); ++i) {
@@ -126,7 +126,7 @@ std::string Loaded::ExplainId(std::uint32_t id, const char* remark) {
            ", the answer\n";
 }
 
-// The key as the localizer hands it on: without the parentheses that it may stand in.
+// The key as the localizer passes it on: without surrounding parentheses.
 std::string Unwrapped(std::string key) {
     if (!key.starts_with("($$$")) return key;
     key.erase(0, 1);
@@ -162,7 +162,7 @@ void Replace(Text& text, const Replacement& replacement) {
 
 class Query {
 public:
-    // `asked` is the id to look up, if there is one in place of a key.
+    // `asked` is the id to look up instead of a key, if any.
     Query(const std::vector<std::string>& names, const std::string& nameOfMain,
           std::optional<std::uint32_t> asked)
         : id(asked) {
@@ -173,7 +173,7 @@ public:
         main.Get().SetAsMain();
     }
 
-    // `key` plays no part where an id is asked for.
+    // `key` is ignored when an id is looked up.
     int Run(const std::string& key, const std::vector<Replacement>& replacements, bool explain) {
         Text answer = id.has_value() ? AnswerId(*id) : AnswerKey(key);
         for (const Replacement& replacement : replacements)

@@ -64,7 +64,7 @@ std::string Show(const Occupancy& occupancy) {
     return text;
 }
 
-// All that is known of a file. Without a reference there is no coverage, but the marks count.
+// The facts about a file. Without a reference there is no coverage, but the marks count.
 struct Facts {
     const TextSet& texts;
     std::size_t words = CountWords(texts);
@@ -123,8 +123,8 @@ Json AsJson(const Facts& facts, bool buckets) {
     return object;
 }
 
-// Rows of equally many cells, the first one the head. The first column holds text, the others
-// numbers.
+// Rows with the same number of cells; the first one is the head. The first column contains text,
+// the others numbers.
 using Rows = std::vector<std::vector<std::string>>;
 
 std::string Share(std::size_t done, std::size_t keys, const char* format) {
@@ -160,7 +160,7 @@ void Add(Coverage& sum, const Coverage& coverage) {
         sum.counts[i] += coverage.counts[i];
 }
 
-// Characters, as far as a name in UTF-8 shows one in each column.
+// The number of characters: exact for a UTF-8 name with one character a column.
 std::size_t WidthOf(const std::string& text) {
     return static_cast<std::size_t>(
         std::ranges::count_if(text, [](char c) { return (c & 0xC0) != 0x80; }));
@@ -183,7 +183,7 @@ std::string Aligned(const Rows& rows) {
     return text;
 }
 
-// A field as RFC 4180 quotes it.
+// A field, quoted as in RFC 4180.
 std::string CsvField(const std::string& text) {
     if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
     std::string quoted = "\"";
@@ -207,7 +207,7 @@ std::string CsvHead() {
     return CsvLine(fields);
 }
 
-// Without a reference the fields that need one are empty.
+// Without a reference, the fields that need one are empty.
 std::string CsvRow(const Facts& facts) {
     std::vector<std::string> fields(2 + kStateNames.size());
     fields[0] = facts.texts.name;

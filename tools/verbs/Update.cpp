@@ -20,7 +20,7 @@ using Line = TextDocument::Line;
 
 constexpr std::string_view kStandardStream = "-";
 
-// The texts that translations are updated to, with their digests.
+// The new reference texts, with their digests.
 class Reference {
 public:
     explicit Reference(const std::string& name) : document(ReadTextDocument(name)) {
@@ -67,7 +67,7 @@ public:
         }
     }
 
-    // A filter has no place for entries that go.
+    // A filter has no place for removed entries.
     void WriteStandard() const {
         if (counts[kGone] != 0) {
             throw Failure("standard input: " + std::to_string(counts[kGone]) +
@@ -92,7 +92,7 @@ public:
 private:
     enum Counted { kAdded, kRestored, kRefreshed, kStale, kGone, kNoted, kCountedKinds };
 
-    // A line without both quotation marks is hardly an entry that someone meant to write: it stays.
+    // A line without both quotation marks is probably not meant as an entry: it stays.
     void MoveGone() {
         for (const Line& line : document.Lines()) {
             if (!line.quoted || reference.Document().Find(line.key).has_value()) continue;
@@ -116,7 +116,7 @@ private:
             [this](std::size_t i) { return LineFor(i); });
     }
 
-    // The new line of the translation for a line of the reference: one that comes back, or its
+    // The translation's new line for a line of the reference: a returning entry, or the reference's
     // text.
     std::vector<unsigned short> LineFor(std::size_t i) {
         const Line& wanted = reference.Document().Lines()[i];
@@ -147,7 +147,7 @@ private:
         }
     }
 
-    // The comments of an entry for the reference of today.
+    // An entry's comments, updated for the current reference.
     struct Commented {
         std::string before;
         std::string after;
@@ -181,7 +181,7 @@ private:
     std::string obsoleteName;
     TextDocument document;
     TextDocument obsolete;
-    std::string obsoleteWithGone;  // with what goes, and still with what comes back
+    std::string obsoleteWithGone;  // with removed entries, and still with returning ones
     std::array<std::size_t, kCountedKinds> counts{};
 };
 
@@ -202,7 +202,7 @@ int Update(const Arguments& arguments) {
             if (!onlyCheck) updater.Write();
             if (onlyCheck || name != kStandardStream) WriteStandardOutput(updater.Summary());
             if (onlyCheck && updater.Changes()) exitCode = std::max(exitCode, kDifference);
-        } catch (const Failure& failure) {  // the other files have nothing to do with it
+        } catch (const Failure& failure) {  // the other files are not affected
             std::cerr << "wordlex: " << failure.what() << '\n';
             exitCode = kFailure;
         }

@@ -1,6 +1,6 @@
 #pragma once
-// What the command does, one function a verb. Each returns the exit code, and throws a Failure
-// where that is 2.
+// One function for each verb of the command. Each returns the exit code, and throws a Failure where
+// that is 2.
 #include "tools/base/Arguments.h"
 
 namespace tool {
