@@ -225,7 +225,7 @@ TEST(Catalog, SaysWhyItDoesNotLoad) {
              "02 07 00 00", kLittleLocale,
              "00000000 'Y' 01000000 01000000 00000000 01000000 00000000 02000000 0100 00000000 0000"
              "'k' 00000000"),
-         LoadError::Code::kMalformed, ": byte 59: a key lies outside"},
+         LoadError::Code::kMalformed, ": byte 59: a key is outside"},
     };
     for (const auto& row : rows) {
         const LoadResult loaded = Catalog::TryLoad(folder.Write("t.dat", row.content));

@@ -233,7 +233,7 @@ TEST(Format, RefusesWhatDoesNotFitWhenAsked) {
          u"{a, plural, other {#}}",
          {{"a", "x"}},
          Code::kWrongType,
-         "an argument has not the type that the message pattern shows"},
+         "an argument has another type than the message pattern shows"},
     };
     for (const auto& row : rows) {
         const testing::ScopedTrace trace(__FILE__, row.line, "");

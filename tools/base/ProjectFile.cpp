@@ -79,13 +79,13 @@ private:
     }
 
     std::string TextOf(const toml::value& value, const std::string& name) const {
-        if (!value.is_string()) Refuse(value, "\"" + name + "\" is a text in quotation marks");
+        if (!value.is_string()) Refuse(value, "\"" + name + "\" must be a text in quotation marks");
         std::string text = value.as_string().str;
         if (text.empty()) Refuse(value, "\"" + name + "\" is empty");
         return text;
     }
     std::vector<std::string> TextsOf(const toml::value& value, const std::string& name) const {
-        if (!value.is_array()) Refuse(value, "\"" + name + "\" is a list of texts: [\"...\"]");
+        if (!value.is_array()) Refuse(value, "\"" + name + "\" must be a list of texts: [\"...\"]");
         std::vector<std::string> texts;
         for (const toml::value& item : value.as_array())
             texts.push_back(TextOf(item, name));

@@ -274,13 +274,14 @@ TextDocument ReadTextDocument(const std::string& name) {
 
 TextDocument ParseTextDocument(const std::string& name, std::string bytes) {
     if (lexon_private::HasBinaryMagic(bytes.data(), bytes.size())) {
-        throw Failure(name + ": a binary dictionary; give the text that it was made from");
+        throw Failure(name + ": a binary dictionary; use the text file that it was made from");
     }
     TextDocument document(std::move(bytes));
     for (const TextDocument::Line& line : document.Lines()) {
         const std::string place = name + ':' + std::to_string(line.number) + ": ";
         if (line.kind == TextDocument::Kind::kLost) {
-            throw Failure(place + "these bytes are not text of the encoding; give its --encoding");
+            throw Failure(place +
+                          "these bytes are not text of the encoding; name it with --encoding");
         }
         if (line.kind == TextDocument::Kind::kMalformed) {
             throw Failure(place + "the key begins with \"$\" but not with \"$$$\"; write \"$$$\"");

@@ -21,7 +21,7 @@ public:
         CheckLengths(key, 2 * value.GetLength());
         if (!entry.decoded) {
             Add(Rule::kInvalidText, "the value of the key " + ShowKey(key) +
-                                        " is no text of the encoding and becomes empty");
+                                        " is not text of the encoding and becomes empty");
         }
         if (!entry.found && !key.empty()) {
             Add(Rule::kUnreachableEntry, "an entry with the key " + ShowKey(key) +

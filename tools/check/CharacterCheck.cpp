@@ -101,7 +101,7 @@ void CheckCharacters(Units written, Units converted, const EscapeSink& add) {
     const auto lost = std::ranges::find(written, 0xFFFD);
     if (lost != written.end()) {
         add(Rule::kReplacementCharacter, static_cast<std::size_t>(lost - written.begin()), 1,
-            "U+FFFD stands where a conversion lost a character");
+            "U+FFFD replaces a character that a conversion lost");
     }
     for (std::size_t i = 0; i < written.size(); ++i) {
         if (const std::size_t length = DoubleEncodedAt(written, i); length != 0) {

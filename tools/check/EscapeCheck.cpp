@@ -56,7 +56,7 @@ public:
         if (isHat && IsDigit(unit)) return;
         const std::size_t length = unit == 0 ? 1 : 2;
         add(Rule::kUnknownEscape, position, length,
-            Quoted(position, length) + " is no escape and stays as it is");
+            Quoted(position, length) + " is not an escape and stays as it is");
     }
 
     void OnNoEntity(std::size_t position) override {
@@ -65,7 +65,7 @@ public:
         const Units rest = written.subspan(position, std::min(kShown, written.size() - position));
         const auto end = std::ranges::find(rest, u'}');
         const auto length = static_cast<std::size_t>(end - rest.begin()) + (end != rest.end());
-        std::string text = Quoted(position, length) + " is no escape and stays as it is";
+        std::string text = Quoted(position, length) + " is not an escape and stays as it is";
         if (end != rest.end() && length > kAround) {
             text += DidYouMean(Utf8(rest.subspan(2, length - kAround)), EntityNames());
         }
@@ -77,9 +77,8 @@ public:
         // platforms.
         if (by == ControlWord::kComment || (by == ControlWord::kMacos && position == 0)) return;
         const std::string what = Quoted(position, length);
-        const char* const why = by == ControlWord::kMacos
-                                    ? " stands before another #{macos} section"
-                                    : " is a section for another platform";
+        const char* const why = by == ControlWord::kMacos ? " comes before another #{macos} section"
+                                                          : " is a section for another platform";
         add(Rule::kDroppedText, position, length, what + why + " and is dropped");
     }
 

@@ -122,7 +122,7 @@ bool LineCheck::IsOfConflict() {
     if (!isMark) return false;
     if (sign == '<' || conflict == Conflict::kNone) {
         Add(Rule::kConflictMarker, line,
-            "a mark of a conflict, which becomes an entry; choose one of the sides");
+            "a conflict marker, which becomes an entry; choose one of the sides");
     }
     conflict = sign == '<'                                  ? Conflict::kFirstSide
                : sign == '>' || conflict == Conflict::kNone ? Conflict::kNone

@@ -77,8 +77,8 @@ private:
     bool IsStale() {
         if (here.stale || here.from.empty() || there.line == 0) return here.stale;
         if (ReferenceDigest(referenceOf.UnitsOf(there.written)) == here.from) return false;
-        Add(Rule::kStale,
-            "the text of " + ShowKey(key) + " translates one that the reference has changed since");
+        Add(Rule::kStale, "the text of " + ShowKey(key) +
+                              " translates a text that has changed in the reference since");
         return true;
     }
 
@@ -138,7 +138,7 @@ private:
             } else if (wanted->second == 0) {
                 Add(Rule::kRepeatedMarker, one,
                     std::string("the ") + kind.what + shown(one) +
-                        " stands more often than in the reference");
+                        " occurs more often than in the reference");
             } else {
                 --wanted->second;
             }
@@ -154,7 +154,7 @@ private:
                 continue;
             }
             Add(kind.missing, others.front(),
-                what + "; " + shown(others.front()) + " stands in its place");
+                what + "; " + shown(others.front()) + " is in its place");
             others.erase(others.begin());
         }
         for (const Placeholder& one : extra) {

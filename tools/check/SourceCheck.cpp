@@ -50,7 +50,7 @@ std::vector<Finding> CheckSources(const std::string& dictionary, const TextDocum
         const SourceText* const source = sources.Find(line.key);
         if (source == nullptr) {
             inDictionary.Add(Rule::kUnusedKey, PlaceOf(dictionary, document, line),
-                             "no source asks for the key " + ShowKey(line.key));
+                             "no source uses the key " + ShowKey(line.key));
         } else if (source->hasText && !ShowTheSame(document.Value(line), source->text)) {
             inDictionary.Add(Rule::kDefaultText, PlaceOf(dictionary, document, line),
                              "the default text of " + ShowKey(line.key) + " is " +

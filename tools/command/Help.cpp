@@ -68,7 +68,7 @@ std::string Shown(const OperandInfo& operand) {
 
 std::string Help() {
     std::string text =
-        "Checks, compiles and looks into Wordlex dictionaries\n\n"
+        "Checks, compiles and inspects Wordlex dictionaries\n\n"
         "Usage: wordlex VERB [OPTION]... [FILE]...\n\nVerbs:\n";
     for (const VerbInfo& verb : Verbs())
         text += Row(verb.name, verb.help, 11);

@@ -138,7 +138,7 @@ private:
                                            "\"; run wordlex update --reference=" + referenceName +
                                            ' ' + name + " first"
                                      : referenceName + " does not have the key \"" + unit.key +
-                                           "\"; take the entry out, or correct its key";
+                                           "\"; remove the entry, or correct its key";
         problems.push_back({unit.line, Severity::kError, cure});
     }
 

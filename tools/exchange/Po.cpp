@@ -131,8 +131,9 @@ private:
         } else if (keyword == "msgid_plural" || keyword.starts_with("msgstr[")) {
             Fail(number, "plural forms of gettext; write them as a message pattern in msgstr");
         } else {
-            Fail(number, "\"" + std::string(keyword) +
-                             "\" is no keyword; msgctxt, msgid, msgstr or \"#\" begins a line");
+            Fail(number,
+                 "\"" + std::string(keyword) +
+                     "\" is not a keyword; a line begins with msgctxt, msgid, msgstr or \"#\"");
         }
         if (open == nullptr) return;
         entry.obsolete = isObsolete;
@@ -149,11 +150,11 @@ private:
 
     void AppendString(std::string_view quoted) {
         if (quoted.size() < 2 || quoted.front() != '"' || quoted.back() != '"') {
-            Fail(number, "a text has to stand between quotation marks");
+            Fail(number, "a text must be in quotation marks");
         }
         quoted = quoted.substr(1, quoted.size() - 2);
         for (std::size_t i = 0; i < quoted.size(); ++i) {
-            if (quoted[i] == '"') Fail(number, "a quotation mark inside of a text; write \\\"");
+            if (quoted[i] == '"') Fail(number, "a quotation mark inside a text; write \\\"");
             if (quoted[i] != '\\') {
                 open->text += quoted[i];
                 continue;
@@ -163,7 +164,7 @@ private:
             const std::size_t row =
                 ++i < quoted.size() ? kEscapes.find(quoted[i]) : std::string_view::npos;
             if (row == std::string_view::npos) {
-                Fail(number, "\"\\\" begins no escape here; write \\\\");
+                Fail(number, "\"\\\" does not begin an escape here; write \\\\");
             }
             open->text += kCharacters[row];
         }
@@ -181,7 +182,7 @@ private:
             return;
         }
         if (done.obsolete) return;
-        if (!done.context) Fail(line, "no msgctxt, which is the key; take the entry out");
+        if (!done.context) Fail(line, "no msgctxt, which is the key; remove the entry");
         Unit unit;
         unit.key = done.context->text;
         unit.source = done.id->text;

@@ -85,7 +85,7 @@ void CheckTags(const std::string& name, std::string_view text) {
             continue;
         }
         throw Failure(name + ':' + std::to_string(LineAt(text, at)) +
-                      ": a tag with more attributes or namespaces than are read");
+                      ": a tag with too many attributes or namespaces");
     }
 }
 
@@ -105,8 +105,7 @@ std::unique_ptr<xmlDoc, FreeDocument> Parse(const std::string& name, const std::
         context.get(), bytes.data(), static_cast<int>(bytes.size()), nullptr, "UTF-8", kOptions));
     const std::string place = name + ':' + std::to_string(outcome.line) + ": ";
     if (outcome.hasDeclaration) {
-        throw Failure(place +
-                      "a document type declaration, which XLIFF does not have; take it out");
+        throw Failure(place + "a document type declaration, which XLIFF does not have; remove it");
     }
     if (!outcome.error.empty()) throw Failure(place + outcome.error);
     if (!document || xmlDocGetRootElement(document.get()) == nullptr) {
@@ -172,7 +171,7 @@ private:
         const auto key = AttributeOf(node, keyAttribute);
         if (!key) {
             Fail(node, std::string("no attribute ") + keyAttribute +
-                           ", which is the key; take the unit out");
+                           ", which is the key; remove the unit");
         }
         Unit unit;
         unit.key = *key;
@@ -204,7 +203,7 @@ private:
                 if (child->type != XML_ELEMENT_NODE) continue;
                 CodeTexts none;
                 const auto text = CodeOfName(InlineText(child, none, false));
-                if (!text) Fail(child, "no code of a dictionary");
+                if (!text) Fail(child, "not a code of a dictionary");
                 codes["#" + AttributeOf(child, "id").value_or("")] = *text;
             }
         }
@@ -266,13 +265,13 @@ private:
         const bool isCode = element == "ph" || (!isVersion2 && element == "x");
         if (!isCode) {
             Fail(node, "the element <" + std::string(element) +
-                           "> has no meaning in a dictionary; take it out");
+                           "> has no meaning in a dictionary; remove it");
         }
         const std::string id = AttributeOf(node, "id").value_or("");
         const auto code = TextOfCode(node, id, codes);
         if (!code) {
             Fail(node, "the source has no inline element <" + std::string(element) + " id=\"" + id +
-                           "\">; take it out, or write its text");
+                           "\">; remove it, or write its text");
         }
         if (isSource) codes[id] = *code;
         return *code;

@@ -367,7 +367,7 @@ private:
         if (!joins) start = opening;
         if (joins && AsksForText()) {
             if (!between.empty()) {
-                Fail(opening, "the text goes on after the macro " + between +
+                Fail(opening, "the text continues after the macro " + between +
                                   ", which is not expanded here; write the text in one literal");
             }
             if (acrossCondition) {
@@ -382,7 +382,7 @@ private:
         const bool isText = raw ? decoder.DecodeRaw(body, text) : decoder.Decode(body, text);
         pieces.text.insert(pieces.text.end(), text.begin(), text.end());
         if (!isText && (AsksForText() || BeginsLikeKey(body))) {
-            Fail(opening, "the literal holds what cannot be read as text; write it in UTF-8");
+            Fail(opening, "the literal cannot be read as text; write it in UTF-8");
         }
         pieces.end = end;
         between = pendingSuffix;

@@ -78,7 +78,7 @@ private:
             case Rule::kObsoleteKey:
                 return RemoveLines("Remove the entry, which the reference does not have", {line});
             case Rule::kUnusedKey:
-                return RemoveLines("Remove the entry, which no source asks for", {line});
+                return RemoveLines("Remove the entry, which no source uses", {line});
             case Rule::kDefaultText:
                 return TakeFromSource();
             default:
@@ -97,7 +97,7 @@ private:
     void AddForBlank() {
         const bool inValue = unit >= line->value.begin;
         Replace("Remove the blank", range, "");
-        if (inValue) Replace("Keep the blank, and show that it is meant", range, "#{U+0020}");
+        if (inValue) Replace("Keep the blank, written as an escape", range, "#{U+0020}");
     }
 
     void AddNearestRule() {
@@ -170,7 +170,7 @@ private:
         if (source == nullptr || !source->hasText) return;
         std::vector<unsigned short> written;
         AppendWritten(written, source->text);
-        Replace("Take the text of the source", file.text->RangeOf(*line, line->value),
+        Replace("Use the text of the source", file.text->RangeOf(*line, line->value),
                 Utf8Of(written));
     }
 

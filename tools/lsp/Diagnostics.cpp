@@ -87,7 +87,7 @@ Json Publish(Workspace& workspace, OpenFile& file) {
         if (file.findings.size() > kMostShown) {
             list.push_back(Plain({}, 3,
                                  std::to_string(file.findings.size() - kMostShown) +
-                                     " more findings are not shown; wordlex check has them all"));
+                                     " more findings are not shown; wordlex check shows them all"));
         }
     }
     return {{"uri", file.text->Uri()}, {"version", file.version}, {"diagnostics", list}};

@@ -18,7 +18,7 @@ Workspace::Found FindKey(Workspace& workspace, const OpenFile& file, const Json&
 std::string NewKey(std::string written) {
     constexpr std::string_view kPrefix = "$$$";
     if (written.starts_with(kPrefix)) written.erase(0, kPrefix.size());
-    if (written.empty()) throw ResponseError(kInvalidParams, "a key is not empty");
+    if (written.empty()) throw ResponseError(kInvalidParams, "a key must not be empty");
     const bool isPlain = std::ranges::all_of(
         written, [](char c) { return c >= ' ' && c <= '~' && c != '=' && c != '"' && c != '\\'; });
     if (!isPlain) {
@@ -26,10 +26,10 @@ std::string NewKey(std::string written) {
                             "a key has ASCII characters without \"=\", \"\\\" and quotation marks");
     }
     if (written.starts_with('$')) {
-        throw ResponseError(kInvalidParams, "\"$$$\" alone comes before a key");
+        throw ResponseError(kInvalidParams, "only \"$$$\" may come before a key");
     }
     if (written.starts_with(' ') || written.ends_with(' ')) {
-        throw ResponseError(kInvalidParams, "a blank at the end of a key is never found");
+        throw ResponseError(kInvalidParams, "a key with a blank at its end is never found");
     }
     return written;
 }
@@ -56,7 +56,7 @@ Json Rename(Workspace& workspace, const Json& params) {
     const std::vector<KeyUse> taken = workspace.UsesOf(file, key, true);
     if (!taken.empty()) {
         throw ResponseError(kRequestFailed,
-                            "the key " + key + " exists already, at " + PlaceOf(taken.front()));
+                            "the key " + key + " already exists, at " + PlaceOf(taken.front()));
     }
     for (const KeyUse& use : workspace.UsesOf(file, found.key, true)) {
         if (!use.isWhole) {

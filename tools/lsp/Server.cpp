@@ -109,18 +109,18 @@ int Server::Run() {
 }
 
 void Server::Take(const Json& message) {
-    if (message.is_discarded()) return Refuse(nullptr, kParseError, "this is not JSON");
+    if (message.is_discarded()) return Refuse(nullptr, kParseError, "not JSON");
     const Json id = At(message, {"id"});
     const Json method = At(message, {"method"});
     if (!method.is_string()) {
         const bool isResponse = message.is_object() && IsId(id) &&
                                 (message.contains("result") || message.contains("error"));
-        if (!isResponse) Refuse(nullptr, kInvalidRequest, "this is no message of the protocol");
+        if (!isResponse) Refuse(nullptr, kInvalidRequest, "not a message of the protocol");
         return;
     }
     const Json params = At(message, {"params"});
     if (!message.contains("id")) return Notice(method.get<std::string>(), params);
-    if (!IsId(id)) return Refuse(nullptr, kInvalidRequest, "an id is a number or a text");
+    if (!IsId(id)) return Refuse(nullptr, kInvalidRequest, "an id must be a number or a string");
     Answer(id, method.get<std::string>(), params);
 }
 
@@ -142,11 +142,11 @@ void Server::Answer(const Json& id, const std::string& method, const Json& param
 
 Json Server::Call(const std::string& method, const Json& params) {
     if (method == "initialize") {
-        if (initialized) throw ResponseError(kInvalidRequest, "initialized already");
+        if (initialized) throw ResponseError(kInvalidRequest, "already initialized");
         return Initialize(params);
     }
     if (!initialized) throw ResponseError(kServerNotInitialized, "not initialized yet");
-    if (shutDown) throw ResponseError(kInvalidRequest, "shut down already");
+    if (shutDown) throw ResponseError(kInvalidRequest, "already shut down");
     const auto handler = requests.find(method);
     if (handler == requests.end()) {
         throw ResponseError(kMethodNotFound, "there is no method " + method);

@@ -70,12 +70,12 @@ private:
     void RefuseHidden(const std::string& name, Kind kind) const {
         if (kind == Kind::kVersion2 && !compactSeen && !lastName.empty()) {
             throw Failure(name + ": the application would no longer see the entries of " +
-                          lastName + " behind this binary file; name binary files first");
+                          lastName + " after this binary file; name binary files first");
         }
         if (kind == Kind::kVersion1 && compactSeen) {
             throw Failure(name +
                           ": the application would not see the entries of this old binary "
-                          "file behind a version 2 file; convert it by itself first");
+                          "file after a version 2 file; convert it by itself first");
         }
     }
 
@@ -95,7 +95,7 @@ private:
         if (merged.NumKeys() == count && content.idBase != 0 && !content.entries.empty()) {
             throw Failure(content.name + ": its id base " + std::to_string(content.idBase) +
                           " does not follow the entries of the files before it; the application "
-                          "would load nothing of it");
+                          "would load none of it");
         }
         RefuseUnmerged(content);
     }
@@ -111,7 +111,8 @@ private:
             merged.LookupReturnUTF16Ptr(("$$$" + entry.key).c_str(), units, length, nullptr);
             if (std::ranges::equal(Units(units, length), UnitsOf(entry.value))) continue;
             throw Failure(content.name + ": its id base " + std::to_string(content.idBase) +
-                          " has it appended, not merged: for the key " + ShowKey(entry.key) +
+                          " makes the application append it instead of merging it: for the key " +
+                          ShowKey(entry.key) +
                           " the application would keep the text of an earlier file");
         }
     }

@@ -37,7 +37,7 @@ void RefuseWhatTextCannotHold(const Content& content) {
     throw Failure(content.name + ": " +
                   (unkeyed != 0 ? std::to_string(unkeyed) + " entries without keys"
                                 : std::to_string(marked) + " accelerator strings") +
-                  ", which a text dictionary cannot hold; use --format=json");
+                  ", which a text dictionary cannot contain; use --format=json");
 }
 
 std::string TextLine(const Entry& entry) {

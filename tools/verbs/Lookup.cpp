@@ -107,7 +107,7 @@ std::string Loaded::ExplainKey(const std::string& key, const char* remark, bool 
                                  : unasked                               ? "not asked"
                                  : i == answering                        ? "the answer"
                                  : i < answering                         ? "replaced"
-                                                 : "appended behind the answer";
+                                                 : "appended after the answer";
         lines += "  " + Show(sources[i].file.PlaceOf(found->second)) + ": " +
                  Show(UnitsOf(found->second.value)) + remark + ", " + fate + '\n';
     }
@@ -141,7 +141,7 @@ std::string KeyPart(const std::string& text) {
     unsigned long restLength = 0;
     if (!Dictionary::ParseLiteral(text.c_str(), key, keyLength, rest, restLength)) {
         throw Failure("\"" + text +
-                      "\" is no key: it is empty, or begins with \"$\" but not \"$$$\"");
+                      "\" is not a key: it is empty, or begins with \"$\" but not \"$$$\"");
     }
     return {key, keyLength};
 }

@@ -71,7 +71,7 @@ public:
     void WriteStandard() const {
         if (counts[kGone] != 0) {
             throw Failure("standard input: " + std::to_string(counts[kGone]) +
-                          " entries are obsolete; give a file, so that they can be kept beside it");
+                          " entries are obsolete; name a file, so that they can be kept beside it");
         }
         WriteStandardOutput(document.Bytes());
     }

@@ -178,7 +178,7 @@ public:
             if (length != 0) {
                 AddLine(line, line + length, number);
             } else if (!wide && reader->GetOffset() > before + 1) {
-                Warn(number, 0, "bytes that are no text of the encoding: the line is lost");
+                Warn(number, 0, "bytes that are not text of the encoding: the line is lost");
             }
             before = reader->GetOffset();
         }
@@ -213,14 +213,14 @@ private:
         if (!Dictionary::ParseEntry(line, key, keyLength, value, valueLength)) {
             Refuse(LoadError::Code::kMalformed, number,
                    opening == nullptr ? 1 : column(opening) + 1,
-                   "an entry that begins with \"$\" begins with \"$$$\"");
+                   "an entry that begins with \"$\" must begin with \"$$$\"");
         }
         quoted |= opening != nullptr;
         const unsigned short* const closing = value + valueLength;
         if (opening != nullptr && closing != end &&
             Dictionary::FindQuoteMark(closing + 1) != nullptr) {
             Warn(number, column(closing),
-                 "the text ends at this quotation mark; write \\\" for one inside of it");
+                 "the text ends at this quotation mark; write \\\" for one inside it");
         }
         narrowed.assign(key, key + keyLength);
         const auto* const wideUnit =
@@ -245,7 +245,7 @@ private:
             Refuse(LoadError::Code::kNotADictionary, 0, 0,
                    "neither a binary dictionary nor a text: zeros, and no entry before them");
         }
-        if (rest && atZero) Warn(next, 0, "a zero ends the text here: what follows is lost");
+        if (rest && atZero) Warn(next, 0, "a zero ends the text here: the rest is lost");
         if (wide && text.size() % 2 != 0)
             Warn(next, 0, "UTF-16 with an odd byte at its end, which is lost");
     }

@@ -246,7 +246,7 @@ std::u16string FillMessage(const LanguageFormats& formats, std::u16string_view p
     }
     if (!throws) return std::u16string(pattern);
     throw FormatError(FormatError::Code::kWrongType,
-                      "an argument has not the type that the message pattern shows");
+                      "an argument has another type than the message pattern shows");
 }
 
 }  // namespace lexon::detail

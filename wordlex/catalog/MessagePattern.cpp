@@ -84,15 +84,15 @@ std::vector<MessagePlace> Places(const MessagePattern& pattern, std::int32_t& op
 const char* Reason(UErrorCode status) {
     switch (status) {
         case U_UNMATCHED_BRACES:
-            return "braces without their counterpart";
+            return "unmatched braces";
         case U_DEFAULT_KEYWORD_MISSING:
             return "no \"other\" form";
         case U_INDEX_OUTOFBOUNDS_ERROR:
             return "a part that is too long";
         case U_ARGUMENT_TYPE_MISMATCH:
-            return "an argument name or number that cannot be one";
+            return "an invalid argument name or number";
         default:
-            return "not the syntax of a message pattern";
+            return "invalid syntax";
     }
 }
 

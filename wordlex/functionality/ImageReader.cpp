@@ -17,17 +17,17 @@ const char* Describe(ImageFault fault) noexcept {
         case ImageFault::kTooManyEntries:
             return "more entries than there are ids";
         case ImageFault::kKeyOutside:
-            return "a key lies outside the key area";
+            return "a key is outside the key area";
         case ImageFault::kValueOutside:
-            return "a value lies outside the value area";
+            return "a value is outside the value area";
         case ImageFault::kAcceleratorOutside:
-            return "an accelerator lies outside the accelerator area";
+            return "an accelerator is outside the accelerator area";
         case ImageFault::kTooMuchSharing:
-            return "strings that share bytes sum up to more than 16 times the file";
+            return "strings that share bytes add up to more than 16 times the file";
         case ImageFault::kSlotOutside:
             return "a hash slot above 1020";
         case ImageFault::kIdOutside:
-            return "an entry id behind the last entry";
+            return "an entry id after the last entry";
         case ImageFault::kTableDecreases:
             return "a cumulative table decreases or splits an entry";
     }
