@@ -1,5 +1,5 @@
-// Binary dictionaries, from memory and from a stream, into fresh and into filled dictionaries: both
-// readers must leave the same behind, and a dictionary that can still be used.
+// Binary dictionaries, from memory and from a stream, loaded into new and into filled dictionaries.
+// Both readers must have the same result, and the dictionary must remain usable.
 
 #include <cstdint>
 #include <sstream>
@@ -22,7 +22,7 @@ std::string Written(const Dictionary& dictionary, lexon::SaveType type) {
     return out.str();
 }
 
-// A dictionary filled with one key, as text, which both stores take.
+// Fills a dictionary with one key, as text, which both stores accept.
 void Fill(Dictionary& dictionary) { dictionary.Read("\"kept=kept\"", 11, true); }
 
 void CheckKept(Dictionary& dictionary) {
@@ -54,8 +54,8 @@ void Check(const std::string& image, bool filled, bool compact) {
     fromStream.Read(&stream);
     REQUIRE(fromMemory.IsValid() == fromStream.IsValid());
     REQUIRE(fromMemory.NumKeys() == fromStream.NumKeys());
-    // All entries with their ids, or of a hash table all entries in order. Entries that share bytes
-    // are written apart: the square of a large image would be too much.
+    // All entries with their ids, or for a hash table all entries in order. Entries that share
+    // bytes are written apart, so a large image could take the square of its size.
     constexpr std::size_t kLargest = 8192;
     for (const lexon::SaveType type : {lexon::SaveType::kText, lexon::SaveType::kBinary})
         if (image.size() <= kLargest)
@@ -68,8 +68,8 @@ void Check(const std::string& image, bool filled, bool compact) {
 
 }  // namespace
 
-// The input's first byte says what the dictionaries are ahead of the load, the rest is the image
-// without its magic.
+// The input's first byte says how the dictionaries are filled before the load. The rest is the
+// image without its magic.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size == 0) return 0;
     std::string image = "Wordlex Binary Format";

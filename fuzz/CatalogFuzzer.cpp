@@ -1,5 +1,6 @@
-// Dictionaries of every kind into a catalog and into the engine: both must give the same answers,
-// and so must a catalog that opens the engine's image with its index, however that is damaged.
+// Dictionaries of every kind, loaded into a catalog and into the engine. Both must return the same
+// texts. So must a catalog that opens the engine's image with its index; with a damaged index it
+// must not crash.
 
 #include <cstdint>
 #include <sstream>
@@ -18,7 +19,7 @@ void Report(const std::string& difference) {
     REQUIRE(difference.empty());
 }
 
-// Asks all that can be asked; what the answers are does not count.
+// Looks up everything; the results do not matter.
 std::size_t AskAll(const lexon::Catalog& catalog) {
     std::size_t units = 0;
     for (const lexon::Entry& entry : catalog.All()) {

@@ -1,6 +1,6 @@
-// Runs a fuzz target on every file of the folders given, once: seeds and inputs that once failed.
-// Built with any compiler. Ends with status 1 when a folder holds no file, so that a run that
-// looked at nothing does not pass.
+// Runs a fuzz target once on every file of the folders given: seeds and inputs that once failed.
+// Built with any compiler. Exits with status 1 when a folder is empty, so that a run without inputs
+// does not pass.
 
 #include <algorithm>
 #include <cstdint>
@@ -22,10 +22,10 @@ int main(int argc, char** argv) {
         std::sort(files.begin(), files.end());
         for (const auto& file : files) {
             std::ifstream in(file, std::ios::binary);
-            // An exact-size copy: the address sanitizer sees a read of one byte too many.
+            // A copy of the exact size: the address sanitizer reports a read past its end.
             std::vector<char> bytes{std::istreambuf_iterator<char>(in), {}};
             bytes.shrink_to_fit();
-            // On the error stream, unbuffered: the last name is that of a file that crashes.
+            // On the error stream, unbuffered: the last name is that of the file that crashes.
             std::fprintf(stderr, "%s\n", file.c_str());
             LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()),
                                    bytes.size());

@@ -24,7 +24,7 @@ void CheckName(const std::string& name) {
     REQUIRE(!id.language.empty() || (id.script.empty() && id.region.empty()));
     REQUIRE(id.isEqual(id) && id.hasSameParent(id));
     REQUIRE(id.getName().starts_with(id.language));
-    // What was parsed is in its final form: written out in full it parses to the same.
+    // A parsed name is in its final form: written out in full it parses to the same.
     std::string full = id.language;
     for (const std::string& part : {id.script, id.region})
         if (!part.empty()) full += '_' + part;
@@ -54,7 +54,7 @@ std::vector<const char*> Pointers(const CLocaleList& list) {
     return pointers;
 }
 
-// A permutation: the placed ones in front, the others behind as they stood.
+// A permutation: the placed ones first, then the others in their old order.
 void CheckOrder(const CLocaleList& preferred, const CLocaleList& supported) {
     const std::vector<const char*> before = Pointers(supported);
     std::vector<const char*> after = before;
@@ -70,7 +70,7 @@ void CheckOrder(const CLocaleList& preferred, const CLocaleList& supported) {
     std::vector<const char*> forced = before;
     REQUIRE(preferred.empty() || MuiSortLocalesPerUserPreference(forced.data()) == placed);
     REQUIRE(preferred.empty() || forced == after);
-    // The search through all messages takes its time for long preferences.
+    // The search through all messages is slow for long preferences.
     if (preferred.size() > 2) return;
     REQUIRE(*MuiGetLocaleUnavailableErrorMessage() != 0);
     REQUIRE(*MuiGetUnsupportedSystemLocaleErrorMessage(forced.data()) != 0);

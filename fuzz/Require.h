@@ -2,8 +2,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-// What a fuzz target demands of every input: the process ends, and says what failed, where it does
-// not hold. Not assert, which an optimised build would drop.
+// A condition that must hold for every input. When it does not, the process reports it and ends. An
+// optimised build would drop an assert.
 #define REQUIRE(condition)                                                                     \
     do {                                                                                       \
         if (!(condition)) {                                                                    \

@@ -1,6 +1,6 @@
-// Escapes, markers, parameter tags and accelerators on one value. The input's first line is the
-// value, the rest what is put in place of its markers and tags. A byte below 0x80 stands for the
-// unit of the same value, one above for one of U+2000 to U+207F.
+// Escapes, markers, parameter tags and accelerators in one value. The input's first line is the
+// value, the rest replaces its markers and tags. A byte below 0x80 is the unit of the same value,
+// any other byte a unit from U+2000 to U+207F.
 
 #include <algorithm>
 #include <cstdint>
@@ -59,7 +59,7 @@ void CheckTags(const Wordlex& text, const Wordlex& value) {
             REQUIRE(changed.GetLength() < text.GetLength() + value.GetLength());
             ++found;
         }
-        // Each by itself taken out, all are gone after as many steps.
+        // Removed one at a time, all are gone after the same number of steps.
         Wordlex rest = text;
         for (int left = found; left > 0; --left)
             REQUIRE(rest.BackDoorParamSubstitute(name, Wordlex(), left));

@@ -1,5 +1,5 @@
-// Text dictionaries, from memory into a hash table and from a stream into a compact store: both
-// must come out alike.
+// Text dictionaries, from memory into a hash table and from a stream into a compact store. Both
+// must have the same content.
 
 #include <algorithm>
 #include <cstdint>
@@ -24,7 +24,7 @@ void CheckSame(Dictionary& table, Dictionary& compact) {
     std::vector<char> key(kLongestStored + 1);
     while (table.HasMoreKey()) {
         REQUIRE(table.NextKey(key.data(), key.size(), true));
-        // A key with a NUL or "=" inside, or a "$" ahead, cannot be asked for as it stands.
+        // A key with a NUL or "=" inside, or with a "$" before it, cannot be looked up as it is.
         if (std::strpbrk(key.data(), "=$") || !table.HasKey(key.data(), nullptr)) continue;
         const unsigned short* units[2];
         unsigned long lengths[2];
@@ -40,7 +40,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (size > kLongestStored) return 0;  // the compact store would cut what is longer
     std::string text(reinterpret_cast<const char*>(data), size);
     if (text.starts_with("Wordlex Binary Format")) return 0;
-    // A stream meets its mark again and passes over it when it is alone on its line.
+    // A stream reads its mark again, and skips it when it is alone on its line.
     if (text.starts_with("\xFF\xFE")) text.insert(2, {'\n', '\0'});
     if (text.starts_with("\xFE\xFF")) text.insert(2, {'\0', '\n'});
     if (text.size() < 2) return 0;  // no text for memory, an empty one for a stream
