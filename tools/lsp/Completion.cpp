@@ -37,12 +37,12 @@ struct Context {
     Units After() const { return Units(line).subspan(unit); }
 };
 
+// An editor filters by the label. Neovim 0.7 heeds the range of items without a filter text alone.
 Json Item(const std::string& label, int kind, const std::string& detail, const Range& range,
           const std::string& newText) {
     return {{"label", label},
             {"kind", kind},
             {"detail", detail},
-            {"filterText", newText},
             {"textEdit", {{"range", ToJson(range)}, {"newText", newText}}}};
 }
 
@@ -68,6 +68,7 @@ void AddEntities(const Context& context, std::size_t begun, Json& items) {
         const bool isWord = entity->codePoint == 0;
         items.push_back(Item("#{" + name + "}", isWord ? kKeyword : kConstant,
                              isWord ? "" : Meaning(entity->codePoint), range, name + "}"));
+        items.back()["filterText"] = name + "}";  // "#{" stands before the range
     }
 }
 
@@ -118,7 +119,6 @@ bool AddKeys(Workspace& workspace, const Context& context, Json& items) {
         if (!isQuoted && !isClosed) text += '"';
         items.push_back(
             Item(key, kText, Utf8(UnitsOf(reference->Document().Converted(line))), range, text));
-        items.back()["filterText"] = key;  // a quotation mark in it would match nothing
     }
     return false;
 }
