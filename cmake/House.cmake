@@ -22,10 +22,14 @@ function(house_library name kind)
   target_link_libraries(${name} PRIVATE $<BUILD_INTERFACE:house>)
 endfunction()
 
-# house_installed_library(NAME): the library is installed as Wordlex::NAME. With BUILD_SHARED_LIBS
-# that is a shared library of the same objects. It exports what NAME.map, beside the caller, lists
-# and nothing else. Other targets of the house link with the static one, which shows them all of it.
+# house_installed_library(NAME [FEATURE]): the library is installed as Wordlex::NAME. With
+# BUILD_SHARED_LIBS that is a shared library of the same objects. It exports what NAME.map, beside
+# the caller, lists and nothing else. Other targets of the house link with the static one, which shows
+# them all of it. FEATURE is the standard that the headers ask of their users.
 function(house_installed_library name)
+  if(ARGN)
+    target_compile_features(${name} INTERFACE ${ARGN})
+  endif()
   if(NOT BUILD_SHARED_LIBS)
     add_library(Wordlex::${name} ALIAS ${name})
     return()
@@ -39,6 +43,9 @@ function(house_installed_library name)
   add_library(${name}-shared SHARED $<TARGET_OBJECTS:${name}>)
   add_library(Wordlex::${name} ALIAS ${name}-shared)
   target_include_directories(${name}-shared INTERFACE "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>")
+  if(ARGN)
+    target_compile_features(${name}-shared INTERFACE ${ARGN})
+  endif()
   target_link_libraries(${name}-shared PRIVATE ${libraries})
   set(map "${CMAKE_CURRENT_SOURCE_DIR}/${name}.map")
   target_link_options(${name}-shared PRIVATE
