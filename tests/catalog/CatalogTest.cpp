@@ -92,6 +92,7 @@ TEST(Catalog, AnswersAsTheEngineDoes) {
           {{kIds, "00000000 00000000"}},
           {{kSlots, "2402 2402"}, {kKeys, "'/A/A'"}},
           {{kSlots, "2402 2402"}, {kKeys, "'/A/A'"}, {kIds, "01000000 00000000"}},
+          {{kKeys, "'/A/A'"}, {kIds, "01000000 00000000"}},
           {{71, "01000000 02000000 0200 0200 "}},
           {{79, "0300 0100"}}}) {
         std::string odd = kLittleFile;
@@ -299,6 +300,23 @@ TEST(CatalogThreads, ReadWhileOneReloads) {
         reader.join();
     EXPECT_EQ(u"two", reloading.Current().Find("/A"));
     EXPECT_EQ(u"one", first.Find("/A"));
+}
+
+// Eight threads, of which one makes the index meanwhile.
+TEST(CatalogThreads, LookUpWhileTheIndexIsMade) {
+    const std::string image = ImageOf(ManyLines(400));
+    Dictionary engine = Engine(image);
+    const Catalog catalog = Catalog::Load(BytesOf(image));
+    std::vector<std::thread> readers;
+    for (int i = 0; i < 8; ++i) {
+        readers.emplace_back([&] {
+            for (std::uint32_t id = 0; id < 300; ++id)
+                EXPECT_EQ(id, catalog.IdOf(catalog.KeyOf(id).value()));
+        });
+    }
+    for (std::thread& reader : readers)
+        reader.join();
+    EXPECT_EQ("", Difference(catalog, engine));
 }
 
 TEST(CatalogThreads, WatcherReloadsWhenTheFileIsSaved) {

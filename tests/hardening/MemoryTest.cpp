@@ -16,6 +16,7 @@
 #include "host/vexacore/Xml.h"
 #include "startup/VEXAInitializer.h"
 #include "tests/TemporaryFolder.h"
+#include "tests/catalog/SameAnswers.h"
 #include "tests/hardening/Snapshot.h"
 #include "tests/hardening/Streams.h"
 #include "tests/wordlex/Images.h"
@@ -185,6 +186,15 @@ TEST(MemoryRunsOut, CatalogsAreWholeOrNotAtAll) {
                       }
                   }));
     }
+}
+
+TEST(MemoryRunsOut, CatalogsAnswerWithoutTheirIndex) {
+    EXPECT_LE(3, ForEveryFailingAllocation([](auto inject) {
+                  const auto catalog = lexon::Catalog::Load(std::as_bytes(std::span(kLittleFile)));
+                  inject([&] { catalog_tests::MakeIndexed(catalog); });
+                  EXPECT_EQ(u"Hi", catalog.Find("/A"));
+                  EXPECT_FALSE(catalog.Find("/nowhere").has_value());
+              }));
 }
 
 TEST(MemoryRunsOut, SavingIsReportedAndChangesNothing) {

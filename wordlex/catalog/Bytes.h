@@ -17,6 +17,16 @@ T LoadAt(Bytes bytes, std::size_t at) noexcept {
     return value;
 }
 
+// Item `i` of a table, and the number of items in it.
+template <class T>
+T ItemAt(Bytes table, std::size_t i) noexcept {
+    return LoadAt<T>(table, i * sizeof(T));
+}
+template <class T>
+std::size_t Count(Bytes table) noexcept {
+    return table.size() / sizeof(T);
+}
+
 // The `length` bytes at `offset`, where they lie inside.
 inline std::optional<Bytes> Part(Bytes bytes, std::uint64_t offset, std::uint64_t length) noexcept {
     if (offset > bytes.size() || length > bytes.size() - offset) return std::nullopt;

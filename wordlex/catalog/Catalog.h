@@ -239,7 +239,9 @@ class LoadResult;
 // Owns:   a handle to shared content: a copy costs one counter and shares it; a moved-from catalog
 //         is empty. Views into the content are valid while any copy of the catalog lives.
 // Cost:   a look-up reads the key once, hashes it, and compares it with one key as a rule. It
-//         allocates nothing unless it returns a string.
+//         allocates nothing unless it returns a string. A version 2 file without an index gets one
+//         after 64 look-ups, within one of them: 5 ms and 35 bytes an entry for 100,000 entries.
+//         The look-ups before it search the file's own lists.
 // Failure: what is not there is std::nullopt. Strings that are made can throw std::bad_alloc.
 class Catalog {
 public:

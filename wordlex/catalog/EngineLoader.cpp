@@ -93,7 +93,7 @@ public:
                         std::as_bytes(std::span(content->textLengths)), sizeof(std::uint32_t),
                         std::as_bytes(std::span(content->texts))};
         store->keepers.push_back(std::move(content));
-        std::move(builder).MoveInto(*store);
+        store->SetIndex(std::move(builder).Finish());
         return store;
     }
 

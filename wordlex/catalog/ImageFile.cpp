@@ -13,11 +13,6 @@ using lexon_private::ImageReader;
 
 namespace {
 
-template <class T>
-T At(Bytes table, std::size_t i) noexcept {
-    return LoadAt<T>(table, i * sizeof(T));
-}
-
 // The bytes are the loader's own.
 template <class T>
 void Set(Bytes table, std::size_t i, T value) noexcept {
@@ -27,7 +22,7 @@ void Set(Bytes table, std::size_t i, T value) noexcept {
 template <class T>
 void Swap(Bytes table) noexcept {
     for (std::size_t i = 0; i < table.size() / sizeof(T); ++i)
-        Set(table, i, lexon_private::ByteSwap(At<T>(table, i)));
+        Set(table, i, lexon_private::ByteSwap(ItemAt<T>(table, i)));
 }
 
 void SwapTexts(const Strings& texts) noexcept {
@@ -40,9 +35,9 @@ void SwapAll(const ImageParts& parts) noexcept {
     Swap<std::uint32_t>(parts.keys.offsets);
     Swap<std::uint16_t>(parts.keys.lengths);
     SwapTexts(parts.texts);
-    Swap<std::uint16_t>(parts.slotNumbers);
-    Swap<std::uint32_t>(parts.slotSizes);
-    Swap<std::uint32_t>(parts.ids);
+    Swap<std::uint16_t>(parts.lists.slots);
+    Swap<std::uint32_t>(parts.lists.sizes);
+    Swap<std::uint32_t>(parts.lists.ids);
     Swap<std::uint32_t>(parts.acceleratorEntries);
     SwapTexts(parts.accelerators);
 }
@@ -55,15 +50,15 @@ public:
     void CheckStrings(const Strings& strings, ImageFault fault) const {
         const std::size_t count = strings.offsets.size() / sizeof(std::uint32_t);
         RefuseFirst(strings.offsets, sizeof(std::uint32_t), count, fault, [&](std::size_t i) {
-            return std::uint64_t{At<std::uint32_t>(strings.offsets, i)} +
-                       At<std::uint16_t>(strings.lengths, i) >
+            return std::uint64_t{ItemAt<std::uint32_t>(strings.offsets, i)} +
+                       ItemAt<std::uint16_t>(strings.lengths, i) >
                    strings.area.size();
         });
     }
     template <class T>
     void CheckBelow(Bytes table, std::uint64_t bound, ImageFault fault) const {
         RefuseFirst(table, sizeof(T), table.size() / sizeof(T), fault,
-                    [&](std::size_t i) { return At<T>(table, i) >= bound; });
+                    [&](std::size_t i) { return ItemAt<T>(table, i) >= bound; });
     }
 
 private:
@@ -90,9 +85,10 @@ private:
 // into one of the area without its first byte.
 void Align(Strings& texts, CatalogStore& store) {
     const std::size_t count = texts.offsets.size() / sizeof(std::uint32_t);
-    bool oddOffsets = false;
+    std::uint32_t allOffsets = 0;
     for (std::size_t i = 0; i < count; ++i)
-        oddOffsets |= At<std::uint32_t>(texts.offsets, i) % 2 != 0;
+        allOffsets |= ItemAt<std::uint32_t>(texts.offsets, i);
+    const bool oddOffsets = allOffsets % 2 != 0;
     const bool oddArea = reinterpret_cast<std::uintptr_t>(texts.area.data()) % 2 != 0;
     if (!oddArea && !oddOffsets) return;
 
@@ -109,7 +105,7 @@ void Align(Strings& texts, CatalogStore& store) {
     if (oddOffsets) {
         std::copy(texts.area.begin() + 1, texts.area.end(), bytes + secondAt);
         for (std::size_t i = 0; i < count; ++i) {
-            const auto offset = At<std::uint32_t>(texts.offsets, i);
+            const auto offset = ItemAt<std::uint32_t>(texts.offsets, i);
             if (offset % 2 != 0)
                 Set(texts.offsets, i, static_cast<std::uint32_t>(secondAt + offset - 1));
         }
@@ -117,93 +113,6 @@ void Align(Strings& texts, CatalogStore& store) {
     texts.area = Bytes(bytes, room);
     store.keepers.push_back(std::shared_ptr<const char16_t[]>(std::move(copy)));
 }
-
-// The entries that a look-up by key finds. The engine searches the list of the slot that a key's
-// bytes give, and takes the first entry that has the key.
-class Listing {
-public:
-    Listing(const ImageParts& image, std::uint64_t seed)
-        : parts(image), builder(image.entryCount, seed) {}
-
-    void MoveInto(CatalogStore& store) && {
-        if (!AddInOrderOfIds()) AddInOrderOfLists();
-        Flush();
-        std::move(builder).MoveInto(store);
-    }
-
-private:
-    static constexpr std::uint16_t kNotListed = 0xFFFF;
-    static constexpr std::size_t kBatch = 32;  // keys whose buckets are fetched at once
-
-    struct Pending {
-        std::uint32_t id;
-        std::uint64_t hash;
-    };
-
-    // Reads the entries as they lie, much the faster way; false when the lists are not such that it
-    // gives the same: with every id at most once, and ascending.
-    bool AddInOrderOfIds() {
-        auto slotOf = std::make_unique_for_overwrite<std::uint16_t[]>(parts.entryCount);
-        std::fill_n(slotOf.get(), parts.entryCount, kNotListed);
-        bool plain = true;
-        std::uint16_t lastSlot = kNotListed;
-        std::uint32_t lastId = 0;
-        ForEachListed([&](std::uint16_t slot, std::uint32_t id) {
-            plain &= slotOf[id] == kNotListed && (slot != lastSlot || id > lastId);
-            slotOf[id] = slot;
-            lastSlot = slot;
-            lastId = id;
-        });
-        for (std::uint32_t id = 0; plain && id < parts.entryCount; ++id)
-            if (slotOf[id] != kNotListed) Add(slotOf[id], id);
-        return plain;
-    }
-
-    void AddInOrderOfLists() {
-        ForEachListed([this](std::uint16_t slot, std::uint32_t id) { Add(slot, id); });
-    }
-
-    template <class Visit>
-    void ForEachListed(Visit visit) const {
-        std::size_t next = 0;
-        for (std::size_t s = 0; s < parts.slotSizes.size() / sizeof(std::uint32_t); ++s) {
-            const auto slot = At<std::uint16_t>(parts.slotNumbers, s);
-            for (auto left = At<std::uint32_t>(parts.slotSizes, s); left != 0; --left)
-                visit(slot, At<std::uint32_t>(parts.ids, next++));
-        }
-    }
-
-    void Add(std::uint16_t slotNumber, std::uint32_t id) noexcept {
-        const std::string_view key = KeyOf(id);
-        if (key.empty()) return;  // was removed
-        const auto* const bytes = reinterpret_cast<const unsigned char*>(key.data());
-        if (lexon_private::HashFunc(bytes, key.size()) != slotNumber) return;
-        pending[pendingCount++] = {id, builder.Prepare(key)};
-        if (pendingCount == kBatch) Flush();
-    }
-
-    void Flush() noexcept {
-        for (const auto& [id, hash] : std::span(pending).first(pendingCount)) {
-            const auto [place, isNew] = builder.Claim(
-                KeyOf(id), hash, [this](std::uint32_t other) { return KeyOf(other); });
-            if (!isNew) continue;
-            builder.Set(place, id, {parts.keys.Offset(id), parts.keys.Length(id)},
-                        {parts.texts.Offset(id), parts.texts.Length(id)});
-        }
-        pendingCount = 0;
-    }
-
-    // The strings have been checked.
-    std::string_view KeyOf(std::uint32_t id) const noexcept {
-        const std::byte* const area = parts.keys.area.data();
-        return {reinterpret_cast<const char*>(area) + parts.keys.Offset(id), parts.keys.Length(id)};
-    }
-
-    const ImageParts& parts;
-    IndexBuilder builder;
-    Pending pending[kBatch];
-    std::size_t pendingCount = 0;
-};
 
 }  // namespace
 
@@ -219,7 +128,7 @@ void Adopt(const ImageParts& parts, CatalogStore& store) {
     store.accelerators = parts.accelerators;
 }
 
-std::shared_ptr<CatalogStore> LoadImage(OwnedBytes file, std::uint64_t seed, ImageParts& parts) {
+std::shared_ptr<CatalogStore> LoadImage(OwnedBytes file, ImageParts& parts) {
     auto store = std::make_shared<CatalogStore>();
     ImageReader reader = ReaderOf(file.bytes);
     parts.ReadHead(reader);
@@ -231,9 +140,9 @@ std::shared_ptr<CatalogStore> LoadImage(OwnedBytes file, std::uint64_t seed, Ima
     const Checker checker(file.bytes);
     checker.CheckStrings(parts.keys, ImageFault::kKeyOutside);
     checker.CheckStrings(parts.texts, ImageFault::kValueOutside);
-    checker.CheckBelow<std::uint16_t>(parts.slotNumbers, lexon_private::kHashBucketCount,
+    checker.CheckBelow<std::uint16_t>(parts.lists.slots, lexon_private::kHashBucketCount,
                                       ImageFault::kSlotOutside);
-    checker.CheckBelow<std::uint32_t>(parts.ids, parts.entryCount, ImageFault::kIdOutside);
+    checker.CheckBelow<std::uint32_t>(parts.lists.ids, parts.entryCount, ImageFault::kIdOutside);
     checker.CheckBelow<std::uint32_t>(parts.acceleratorEntries, parts.entryCount,
                                       ImageFault::kIdOutside);
     checker.CheckStrings(parts.accelerators, ImageFault::kAcceleratorOutside);
@@ -241,14 +150,15 @@ std::shared_ptr<CatalogStore> LoadImage(OwnedBytes file, std::uint64_t seed, Ima
     Align(parts.texts, *store);
     Align(parts.accelerators, *store);
     Adopt(parts, *store);
-    if (parts.liveCount != 0 && parts.keyed) Listing(parts, seed).MoveInto(*store);
+    if (parts.liveCount != 0 && parts.keyed)
+        store->SetLists(parts.lists, IndexBuilder::RandomSeed());
     store->keepers.push_back(std::shared_ptr<const std::byte[]>(std::move(file.block)));
     return store;
 }
 
 std::shared_ptr<CatalogStore> LoadImage(OwnedBytes file) {
     ImageParts parts;
-    return LoadImage(std::move(file), IndexBuilder::RandomSeed(), parts);
+    return LoadImage(std::move(file), parts);
 }
 
 bool IsBinary(Bytes file) noexcept {

@@ -5,8 +5,8 @@
 
 namespace lexon::detail {
 
-// LoadImage with a seed for the index, and the parts as the store has them.
-std::shared_ptr<CatalogStore> LoadImage(OwnedBytes file, std::uint64_t seed, ImageParts& parts);
+// LoadImage with the parts as the store has them.
+std::shared_ptr<CatalogStore> LoadImage(OwnedBytes file, ImageParts& parts);
 // What a store takes over from the parts of its image; nothing when none of its entries is alive.
 void Adopt(const ImageParts& parts, CatalogStore& store);
 

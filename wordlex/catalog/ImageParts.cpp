@@ -55,15 +55,15 @@ void ImageParts::ReadHead(ImageReader& reader) {
 
 void ImageParts::ReadSlots(ImageReader& reader) {
     if (keyed) {
-        slotNumbers = Take(reader, slotCount, sizeof(std::uint16_t));
-        slotSizes = Take(reader, slotCount, sizeof(std::uint32_t));
+        lists.slots = Take(reader, slotCount, sizeof(std::uint16_t));
+        lists.sizes = Take(reader, slotCount, sizeof(std::uint32_t));
         const bool swap = lexon_private::setEndian(header.order);
         std::uint64_t idCount = 0;
-        for (std::size_t at = 0; at < slotSizes.size(); at += sizeof(std::uint32_t)) {
-            const auto size = LoadAt<std::uint32_t>(slotSizes, at);
+        for (std::size_t at = 0; at < lists.sizes.size(); at += sizeof(std::uint32_t)) {
+            const auto size = LoadAt<std::uint32_t>(lists.sizes, at);
             idCount += swap ? lexon_private::ByteSwap(size) : size;
         }
-        ids = Take(reader, idCount, sizeof(std::uint32_t));
+        lists.ids = Take(reader, idCount, sizeof(std::uint32_t));
     }
     acceleratorsAt = reader.Offset();
 }

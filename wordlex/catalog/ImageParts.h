@@ -17,9 +17,7 @@ struct ImageParts {
     Strings keys;
     Strings texts;
 
-    Bytes slotNumbers;
-    Bytes slotSizes;
-    Bytes ids;
+    SlotLists lists;
 
     std::uint64_t acceleratorsAt = 0;  // in the file: their number
     std::uint32_t acceleratorCount = 0;

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <string_view>
 
 #define XXH_INLINE_ALL
@@ -50,15 +51,13 @@ struct Index {
     }
     // Which of a bucket's digests equal this one: a bit for each, the lowest for the first.
     static std::uint32_t Matches(const std::byte* bucket, std::uint32_t digest) noexcept {
-        typedef std::uint32_t Four __attribute__((vector_size(16)));  // compared at once
-        static_assert(offsetof(Bucket, digests) == 0 && sizeof(Four) == sizeof(Bucket::digests));
-        Four digests;
-        std::memcpy(&digests, bucket, sizeof digests);
-        const auto bits = (digests == digest) & Four{1, 2, 4, 8};
-        std::uint64_t halves[2];
-        std::memcpy(halves, &bits, sizeof halves);
-        const std::uint64_t both = halves[0] | halves[1];
-        return static_cast<std::uint32_t>(both | both >> 32);
+        return Join((Digests(bucket) == digest) & Four{1, 2, 4, 8});
+    }
+    // The same in the lowest four bits; in the next four, which of them are 0.
+    static std::uint32_t MatchesAndEmpty(const std::byte* bucket, std::uint32_t digest) noexcept {
+        const Four digests = Digests(bucket);
+        return Join(((digests == digest) & Four{1, 2, 4, 8}) |
+                    ((digests == 0) & Four{16, 32, 64, 128}));
     }
 
     // The field of a place; `fields` is its offset in the bucket.
@@ -68,7 +67,7 @@ struct Index {
                                       place % Bucket::kPlaces * sizeof(T));
     }
     std::uint32_t EntryAt(std::size_t place) const noexcept {
-        return LoadAt<std::uint32_t>(entries, place * sizeof(std::uint32_t));
+        return ItemAt<std::uint32_t>(entries, place);
     }
 
     static constexpr std::size_t kNowhere = ~std::size_t{0};
@@ -90,6 +89,29 @@ struct Index {
         }
         return kNowhere;
     }
+
+private:
+    typedef std::uint32_t Four __attribute__((vector_size(16)));  // compared at once
+    static_assert(offsetof(Bucket, digests) == 0 && sizeof(Four) == sizeof(Bucket::digests));
+
+    static Four Digests(const std::byte* bucket) noexcept {
+        Four digests;
+        std::memcpy(&digests, bucket, sizeof digests);
+        return digests;
+    }
+    template <class Bits>
+    static std::uint32_t Join(Bits bits) noexcept {
+        std::uint64_t halves[2];
+        std::memcpy(halves, &bits, sizeof halves);
+        const std::uint64_t both = halves[0] | halves[1];
+        return static_cast<std::uint32_t>(both | both >> 32);
+    }
+};
+
+// An index with the owner of its memory.
+struct MadeIndex {
+    Index index;
+    std::shared_ptr<const void> keeper;
 };
 
 }  // namespace lexon::detail

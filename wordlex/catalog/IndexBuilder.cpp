@@ -1,6 +1,8 @@
 #include "wordlex/catalog/IndexBuilder.h"
 
 #include <random>
+#include <span>
+#include <utility>
 
 namespace lexon::detail {
 
@@ -10,13 +12,16 @@ IndexBuilder::IndexBuilder(std::uint32_t most, std::uint64_t hashSeed)
     entries = std::make_unique<std::uint32_t[]>(std::size_t{bucketCount} * Bucket::kPlaces);
 }
 
-void IndexBuilder::MoveInto(CatalogStore& store) && {
+MadeIndex IndexBuilder::Finish() && {
+    struct Memory {
+        std::unique_ptr<Bucket[]> buckets;
+        std::unique_ptr<std::uint32_t[]> entries;
+    };
     const std::size_t places = std::size_t{bucketCount} * Bucket::kPlaces;
-    store.index = {std::as_bytes(std::span(buckets.get(), bucketCount)),
-                   std::as_bytes(std::span(entries.get(), places)), bucketCount, longestProbe,
-                   seed};
-    store.keepers.push_back(std::shared_ptr<const Bucket[]>(std::move(buckets)));
-    store.keepers.push_back(std::shared_ptr<const std::uint32_t[]>(std::move(entries)));
+    const Index index = {std::as_bytes(std::span(buckets.get(), bucketCount)),
+                         std::as_bytes(std::span(entries.get(), places)), bucketCount, longestProbe,
+                         seed};
+    return {index, std::make_shared<const Memory>(Memory{std::move(buckets), std::move(entries)})};
 }
 
 std::uint64_t IndexBuilder::RandomSeed() {

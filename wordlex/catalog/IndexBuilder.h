@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <memory>
 
-#include "wordlex/catalog/Store.h"
+#include "wordlex/catalog/Index.h"
 
 namespace lexon::detail {
 
@@ -33,14 +33,15 @@ public:
                 return std::size_t{at} * Bucket::kPlaces +
                        static_cast<std::size_t>(std::countr_zero(bits));
             };
-            for (auto left = Index::Matches(bucket, digest); left != 0; left &= left - 1) {
+            const std::uint32_t found = Index::MatchesAndEmpty(bucket, digest);
+            for (auto left = found % 16; left != 0; left &= left - 1) {
                 const std::size_t place = placeOf(left);
                 if (keyOf(entries[place]) == key) return {place, false};
             }
-            if (const auto empty = Index::Matches(bucket, 0)) {
+            if (const auto empty = found / 16) {
                 const std::size_t place = placeOf(empty);
                 buckets[at].digests[place % Bucket::kPlaces] = digest;
-                longestProbe = std::max(longestProbe, probe);
+                if (probe > longestProbe) longestProbe = probe;
                 return {place, true};
             }
             if (++at == bucketCount) at = 0;
@@ -65,8 +66,7 @@ public:
     }
     std::uint32_t EntryAt(std::size_t place) const noexcept { return entries[place]; }
 
-    // Gives the index to a store, which keeps it from then on.
-    void MoveInto(CatalogStore& store) &&;
+    MadeIndex Finish() &&;
 
     // Other in each process, so that nobody can make keys ahead that collide.
     static std::uint64_t RandomSeed();

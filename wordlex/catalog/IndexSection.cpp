@@ -62,16 +62,18 @@ OwnedBytes CopyOf(std::string_view image) {
 
 std::string MakeIndexSection(std::string_view image) {
     ImageParts parts;
-    std::shared_ptr<CatalogStore> store;
+    const auto store = LoadImage(CopyOf(image), parts);
+    MadeIndex made;
     std::uint32_t seed = 0;
     do {
         if (seed == kSeeds) return {};
-        parts = {};
-        store = LoadImage(CopyOf(image), seed++, parts);
-    } while (store->index.longestProbe > kMostProbes);
+        if (parts.liveCount != 0 && parts.keyed)
+            made = parts.lists.MakeIndex(parts.entryCount, parts.keys, parts.texts, seed);
+        ++seed;
+    } while (made.index.longestProbe > kMostProbes);
 
     // The texts themselves where they lie at even offsets of the file, else a copy.
-    const Index& index = store->index;
+    const Index& index = made.index;
     ImageParts inFile;
     {
         lexon_private::ImageReader reader = ReaderOf(std::as_bytes(std::span(image)));
@@ -160,7 +162,8 @@ std::shared_ptr<CatalogStore> OpenIndexed(Bytes file, std::shared_ptr<const void
     auto store = std::make_shared<CatalogStore>();
     Adopt(parts, *store);
     if (parts.liveCount != 0 && parts.keyed) {
-        store->index = {*buckets, *entries, fixed.bucketCount, fixed.longestProbe, fixed.seed};
+        store->SetIndex(
+            {{*buckets, *entries, fixed.bucketCount, fixed.longestProbe, fixed.seed}, nullptr});
     }
     if (keeper != nullptr) store->keepers.push_back(std::move(keeper));
     return store;

@@ -1,12 +1,11 @@
 #include "wordlex/catalog/Store.h"
 
+#include <new>
+#include <utility>
+
 namespace lexon::detail {
 
 namespace {
-
-std::string_view Characters(Bytes bytes) noexcept {
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
 
 // Half a unit at the end is dropped. Units at odd addresses are none: loaders put texts where they
 // can be handed out.
@@ -33,25 +32,54 @@ inline std::optional<Bytes> CatalogStore::At(std::size_t place, std::size_t offs
     return Part(strings.area, index.Field<std::uint32_t>(place, offsets), length);
 }
 
-inline std::size_t CatalogStore::PlaceOf(const WrittenKey& written) const noexcept {
-    if (!written.valid) return Index::kNowhere;
-    return index.Find(Index::Hash(written.key, index.seed), [&](std::size_t place) {
+inline std::size_t CatalogStore::PlaceOf(std::string_view key) const noexcept {
+    return index.Find(Index::Hash(key, index.seed), [&](std::size_t place) {
         const auto held =
             At(place, offsetof(Bucket, keyOffsets), offsetof(Bucket, keyLengths), keys);
-        return held.has_value() && Characters(*held) == written.key;
+        return held.has_value() && Characters(*held) == key;
     });
 }
 
 std::optional<std::u16string_view> CatalogStore::Find(const WrittenKey& written) const noexcept {
-    const std::size_t place = PlaceOf(written);
+    if (!written.valid) return std::nullopt;
+    if (!indexed.load(std::memory_order_acquire)) [[unlikely]] {
+        const auto entry = FindInLists(written.key);
+        return entry.has_value() ? Units(texts.At(*entry)) : std::nullopt;
+    }
+    const std::size_t place = PlaceOf(written.key);
     if (place == Index::kNowhere) return std::nullopt;
     return Units(At(place, offsetof(Bucket, textOffsets), offsetof(Bucket, textLengths), texts));
 }
 
 std::optional<std::uint32_t> CatalogStore::IdOf(const WrittenKey& written) const noexcept {
-    const std::size_t place = PlaceOf(written);
+    if (!written.valid) return std::nullopt;
+    if (!indexed.load(std::memory_order_acquire)) return FindInLists(written.key);
+    const std::size_t place = PlaceOf(written.key);
     if (place == Index::kNowhere) return std::nullopt;
     return index.EntryAt(place);
+}
+
+std::optional<std::uint32_t> CatalogStore::FindInLists(std::string_view key) const noexcept {
+    if (lookupsInLists.fetch_add(1, std::memory_order_relaxed) == kLookupsInLists) {
+        try {
+            Publish(lists.MakeIndex(entryCount, keys, texts, seed));
+        } catch (const std::bad_alloc&) {
+            return lists.Find(key, keys);  // and so do the look-ups that follow
+        }
+    }
+    return lists.Find(key, keys);
+}
+
+void CatalogStore::SetLists(const SlotLists& checked, std::uint64_t indexSeed) noexcept {
+    lists = checked;
+    seed = indexSeed;
+    indexed.store(false, std::memory_order_relaxed);
+}
+
+void CatalogStore::Publish(MadeIndex made) const noexcept {
+    index = made.index;
+    indexKeeper = std::move(made.keeper);
+    indexed.store(true, std::memory_order_release);
 }
 
 bool CatalogStore::Has(std::uint32_t id) const noexcept {

@@ -1,4 +1,5 @@
 #pragma once
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -10,31 +11,11 @@
 #include "wordlex/catalog/Bytes.h"
 #include "wordlex/catalog/Catalog.h"
 #include "wordlex/catalog/Index.h"
+#include "wordlex/catalog/SlotLists.h"
+#include "wordlex/catalog/Strings.h"
 #include "wordlex/catalog/platform/Terminated.h"
 
 namespace lexon::detail {
-
-// Numbered strings: a table of offsets of 32 bits, one of lengths in bytes, and the area that both
-// describe. Nothing in the tables is trusted.
-struct Strings {
-    Bytes offsets;
-    Bytes lengths;
-    std::size_t lengthSize = sizeof(std::uint16_t);  // of a number in `lengths`: 2 or 4
-    Bytes area;
-
-    std::uint32_t Length(std::uint32_t i) const noexcept {
-        return lengthSize == sizeof(std::uint16_t)
-                   ? LoadAt<std::uint16_t>(lengths, std::size_t{i} * sizeof(std::uint16_t))
-                   : LoadAt<std::uint32_t>(lengths, std::size_t{i} * sizeof(std::uint32_t));
-    }
-    std::uint32_t Offset(std::uint32_t i) const noexcept {
-        return LoadAt<std::uint32_t>(offsets, std::size_t{i} * sizeof(std::uint32_t));
-    }
-    // `i` is below the number of strings.
-    std::optional<Bytes> At(std::uint32_t i) const noexcept {
-        return Part(area, Offset(i), Length(i));
-    }
-};
 
 // A key as a caller writes it, taken apart.
 struct WrittenKey {
@@ -77,9 +58,20 @@ private:
 
 // The content of a catalog. Whatever made it, each access is checked where it is made: a damaged
 // file can make an answer wrong, but not reach outside of its bytes.
-// Threads: never changes once it is made.
+// Look-ups by key use an index. That of a version 2 file without one is made late, by one of the
+// look-ups: before, they search the lists of the file. So a catalog that is seldom asked, as most
+// in a chain are, costs little more than its file.
+// Threads: its answers never change once it is made. The index is published when it is whole; the
+//          thread that makes it delays no other one.
 class CatalogStore {
+    // What each look-up reads stands together.
+    mutable Index index;                       // finds nothing at first
+    mutable std::atomic<bool> indexed = true;  // whether look-ups use `index`, and not the lists
+
 public:
+    // So many look-ups go by before one of them makes the index.
+    static constexpr std::uint32_t kLookupsInLists = 64;
+
     std::optional<std::u16string_view> Find(const WrittenKey& written) const noexcept;
     std::optional<std::uint32_t> IdOf(const WrittenKey& written) const noexcept;
     bool Has(std::uint32_t id) const noexcept;
@@ -88,7 +80,6 @@ public:
     std::optional<std::u16string_view> AcceleratorOf(std::uint32_t id) const noexcept;
 
     // Filled by the loaders.
-    Index index;
     std::uint32_t entryCount = 0;
     bool keyed = true;
     Strings keys;
@@ -100,12 +91,23 @@ public:
     std::vector<LoadWarning> warnings;
     std::vector<std::shared_ptr<const void>> keepers;  // of all that the spans refer to
 
+    // Either of them, for stores with keys. The lists and all strings have been checked.
+    void SetIndex(MadeIndex made) noexcept { Publish(std::move(made)); }
+    void SetLists(const SlotLists& checked, std::uint64_t indexSeed) noexcept;
+
 private:
-    std::size_t PlaceOf(const WrittenKey& written) const noexcept;
+    std::size_t PlaceOf(std::string_view key) const noexcept;
+    [[gnu::cold]] std::optional<std::uint32_t> FindInLists(std::string_view key) const noexcept;
+    void Publish(MadeIndex made) const noexcept;
     // The string of a place by its fields in the bucket, and by the entry's number where it is
     // long.
     std::optional<Bytes> At(std::size_t place, std::size_t offsets, std::size_t lengths,
                             const Strings& strings) const noexcept;
+
+    SlotLists lists;
+    std::uint64_t seed = 0;
+    mutable std::atomic<std::uint32_t> lookupsInLists = 0;
+    mutable std::shared_ptr<const void> indexKeeper;
 };
 
 }  // namespace lexon::detail
