@@ -34,7 +34,7 @@ unsigned long ByteRunKey::Hash(unsigned long bucketCount) const {
 
 bool ByteRunKey::operator==(const HashItem& other) const {
     const auto& key = static_cast<const ByteRunKey&>(other);
-    return length == key.length && (length == 0 || std::memcmp(data, key.data, length) == 0);
+    return HasBytes(key.data, key.length);
 }
 
 std::uint32_t ByteRunKey::KeyHash() const { return lexon_private::KeyHash(data, length); }

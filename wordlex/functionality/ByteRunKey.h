@@ -1,4 +1,6 @@
 #pragma once
+#include <cstring>
+
 #include "wordlex/functionality/HashItem.h"
 
 namespace lexon_private {
@@ -23,6 +25,9 @@ public:
 
     const unsigned char* GetData() const noexcept { return data; }  // null when empty
     unsigned long GetLength() const noexcept { return length; }
+    bool HasBytes(const unsigned char* bytes, unsigned long byteCount) const noexcept {
+        return length == byteCount && (length == 0 || std::memcmp(data, bytes, length) == 0);
+    }
 
     // Binary: the raw bytes; gives their count. Text: U+0022, each byte as a unit, U+003D, in host
     // order; gives 0. The value's writer closes the quotation. An empty key writes nothing.

@@ -1,5 +1,7 @@
 #pragma once
 #include <cstddef>
+#include <limits>
+#include <new>
 
 #include "wordlex/functionality/RefCountObj.h"
 
@@ -16,11 +18,24 @@ public:
     // A new value of `byteCount` bytes, which the caller fills through `bytes` before sharing it.
     // Behind them lie `room` bytes that are the caller's as long as the value lives.
     static ByteRunValue* MakeUninitialized(unsigned long byteCount, unsigned char*& bytes,
-                                           unsigned long room = 0);
+                                           unsigned long room = 0) {
+        auto* const value = new (byteCount + room) ByteRunValue(byteCount);
+        bytes = reinterpret_cast<unsigned char*>(value + 1);
+        return value;
+    }
     // The same, with room of kRoom bytes, aligned for pointers, after the bytes.
-    static ByteRunValue* MakeWithRoom(unsigned long byteCount, unsigned char*& bytes);
+    static ByteRunValue* MakeWithRoom(unsigned long byteCount, unsigned char*& bytes) {
+        ByteRunValue* const value =
+            MakeUninitialized(byteCount, bytes, PaddingAfter(byteCount) + kRoom);
+        value->hasRoom = true;
+        return value;
+    }
     // That room, for the first who asks; null for anyone else. Whoever uses it holds a reference.
-    void* TakeRoom() noexcept;
+    void* TakeRoom() noexcept {
+        if (!hasRoom) return nullptr;
+        hasRoom = false;
+        return reinterpret_cast<unsigned char*>(this + 1) + length + PaddingAfter(length);
+    }
 
     // Gives `value` back; throws 'PARM' when it is null or has no holder.
     static ByteRunValue* ValidatePointer(ByteRunValue* value);
@@ -42,7 +57,16 @@ private:
 
     // Needs no delete of its own form, for the constructor cannot throw. It would have that of a
     // sized delete, which must not match a placement new.
-    static void* operator new(std::size_t objectSize, unsigned long byteCount);
+    static void* operator new(std::size_t objectSize, unsigned long byteCount) {
+        if (byteCount > std::numeric_limits<std::size_t>::max() - objectSize) {
+            throw std::bad_alloc();
+        }
+        return ::operator new(objectSize + byteCount);
+    }
+    // Bytes between a value's bytes and the next place that is aligned for pointers.
+    static unsigned long PaddingAfter(unsigned long byteCount) noexcept {
+        return -byteCount % alignof(void*);
+    }
 
     const unsigned char* Bytes() const noexcept {
         return reinterpret_cast<const unsigned char*>(this + 1);

@@ -141,8 +141,7 @@ bool Dictionary::ParseLiteral(const char* text, const char*& key, unsigned long&
 }
 
 const DictionaryEntry* Dictionary::FindEntry(const Key& key) const {
-    return static_cast<const DictionaryEntry*>(
-        entries.Find(ByteRunKey(key.bytes, key.length, false)));
+    return entries.Find(key.bytes, key.length);
 }
 
 std::uint32_t Dictionary::FindId(const Key& key) const {
@@ -175,8 +174,8 @@ bool Dictionary::FindInPlace(const Key& key, const unsigned short*& units,
     if (IsCompact()) return compactStore->FindUTF16Ptr(key.bytes, key.length, units, length);
     const DictionaryEntry* const entry = FindEntry(key);
     if (entry == nullptr) return false;
-    units = entry->GetValue().GetData();
-    length = entry->GetValue().GetLength();
+    units = entry->GetUnits().data();
+    length = entry->GetUnits().size();
     return true;
 }
 
@@ -188,10 +187,7 @@ UnicodeRun Dictionary::DefaultText(const Key& key, const lexon::EncodingInfo* en
     if (encoding != nullptr && encoding->selector != 0) {
         return Escapes::Convert(Wordlex::StringToPooledUnicode(text, length, encoding));
     }
-    unsigned char* bytes = nullptr;
-    const UnicodeRun written(ByteRunValue::MakeWithRoom(length * sizeof(unsigned short), bytes));
-    std::copy_n(text, length, reinterpret_cast<unsigned short*>(bytes));
-    return Escapes::Convert(written);
+    return Escapes::ConvertLatin1({text, length});
 }
 
 Wordlex Dictionary::Lookup(const char* text, const lexon::EncodingInfo* encoding) {

@@ -1,6 +1,7 @@
 #pragma once
 #include <memory>
 #include <new>
+#include <span>
 #include <utility>
 
 #include "wordlex/functionality/ByteRunKey.h"
@@ -40,6 +41,9 @@ public:
     static void operator delete(DictionaryEntry* entry, std::destroying_delete_t) noexcept;
 
     const UnicodeRun& GetValue() const noexcept { return value; }
+    // The units of the value, in place. They are kept beside the key: a hit that only wants to know
+    // where they are waits for no memory of the value.
+    std::span<const unsigned short> GetUnits() const noexcept { return units; }
 
     // The key's form, then the value's; as text one line of a text dictionary. Escapes that the
     // conversion would find in a stored value are not protected.
@@ -79,6 +83,7 @@ public:
 private:
     bool liesInValue = false;
     UnicodeRun value;
+    std::span<const unsigned short> units{value.GetData(), value.GetLength()};
 };
 
 }  // namespace lexon_private

@@ -94,6 +94,11 @@ struct EntityTables {
             add(special.name, special.codePoint);
         *row = kEndOfTable;
 
+        std::transform(reference.begin(), reference.end() - 1, initials.begin(),
+                       [](const CharEntityReferencePair& named) {
+                           return static_cast<unsigned char>(*named.name);
+                       });
+
         row = byCodePoint.data();
         for (const NamedCharacter& prefix : kNumberPrefixes)
             add(prefix.name, prefix.codePoint);
@@ -101,6 +106,7 @@ struct EntityTables {
     }
 
     std::array<CharEntityReferencePair, 138 + 1> reference;
+    std::array<unsigned char, 138> initials;  // of the names, which are ASCII
     std::array<CharEntityReferencePair, 3 + 1> byCodePoint;
 };
 static_assert(std::size(kWordsOfOurOwn) + std::size(kLatin1Names) + std::size(kSpecialNames) ==
@@ -336,13 +342,15 @@ std::vector<unsigned short> ResolveUnitEscapes(Units text, Report& report) {
     }
 }
 
-bool HasEscapes(Units text) {
-    const unsigned short* const end = text.data() + text.size();
-    return FindUnit(text.data(), end, u'\\', u'^', u'#') != end;
+template <class Unit, class... Wanted>
+bool HasAny(std::span<const Unit> text, Wanted... wanted) {
+    const Unit* const end = text.data() + text.size();
+    return FindUnit(text.data(), end, wanted...) != end;
 }
 
-std::vector<unsigned short> BothPasses(Units written, Report report) {
-    return EntityPass(ResolveUnitEscapes(written, report), report).Run();
+template <class Unit>
+bool HasEscapes(std::span<const Unit> text) {
+    return HasAny(text, '\\', '^', '#');
 }
 
 }  // namespace
@@ -364,7 +372,9 @@ const CharEntityReferencePair* charEntityReferenceCharByCodePoint() {
 Escapes::Units Escapes::Convert(Units written, std::vector<unsigned short>& room) {
     Hat();  // settled by the first conversion, whatever that value holds
     if (!HasEscapes(written)) return written;
-    room = BothPasses(written, Report(nullptr));
+    Report nobody(nullptr);
+    room = ResolveUnitEscapes(written, nobody);
+    if (HasAny(Units(room), '#')) room = EntityPass(room, nobody).Run();
     return room;
 }
 
@@ -381,8 +391,23 @@ UnicodeRun Escapes::Convert(const UnicodeRun& written) {
     return after.data() == before.data() ? written : UnicodeRun(after.data(), after.size());
 }
 
+UnicodeRun Escapes::ConvertLatin1(std::span<const unsigned char> written) {
+    Hat();
+    if (HasEscapes(written)) {
+        std::vector<unsigned short> room;
+        const std::vector<unsigned short> wide(written.begin(), written.end());
+        const Units text = Convert(wide, room);
+        return UnicodeRun::WithRoom(text.data(), text.size());
+    }
+    unsigned char* bytes = nullptr;
+    UnicodeRun text(ByteRunValue::MakeWithRoom(written.size() * sizeof(unsigned short), bytes));
+    std::copy(written.begin(), written.end(), reinterpret_cast<unsigned short*>(bytes));
+    return text;
+}
+
 UnicodeRun Escapes::Convert(Units written, EscapeObserver& observer) {
-    const auto text = BothPasses(written, Report(&observer));
+    Report report(&observer);
+    const auto text = EntityPass(ResolveUnitEscapes(written, report), report).Run();
     return UnicodeRun(text.data(), text.size());
 }
 
@@ -410,7 +435,12 @@ const EscapeTableEntry* Escapes::Hat() {
 }
 
 const CharEntityReferencePair* Escapes::FindName(Units text) {
-    for (const CharEntityReferencePair* row = charEntityReference(); row->name != nullptr; ++row) {
+    const EntityTables& tables = Tables();
+    if (text.empty() || text.front() > 0xFF) return nullptr;
+    const unsigned char* const end = tables.initials.data() + tables.initials.size();
+    const unsigned char* initial = tables.initials.data();
+    while ((initial = FindUnit(initial, end, text.front())) != end) {
+        const auto row = tables.reference.begin() + (initial++ - tables.initials.data());
         if (row->length <= text.size() && BeginsWith(text.data(), *row)) return row;
     }
     return nullptr;

@@ -66,6 +66,8 @@ public:
     static UnicodeRun Convert(Units written);
     // Shares the run when it has no escapes.
     static UnicodeRun Convert(const UnicodeRun& written);
+    // The same for 8-bit text whose bytes are units. The run has room; see UnicodeRun.
+    static UnicodeRun ConvertLatin1(std::span<const unsigned char> written);
     // Reports what it meets.
     static UnicodeRun Convert(Units written, EscapeObserver& observer);
     // The second pass alone.

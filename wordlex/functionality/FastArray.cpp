@@ -56,13 +56,15 @@ const cFarray* FastArray::FindEntry(std::uint32_t id, std::uint32_t& entry) cons
 
 std::uint32_t FastArray::FindUnder(std::uint32_t hash, const unsigned char* key,
                                    unsigned long keyLength, Place& place) const {
-    const auto hasKey = [&](std::uint32_t id) {
-        place = PlaceOf(id);
+    for (auto id = index.First(hash); id.has_value(); id = index.Next(hash, *id)) {
+        place = PlaceOf(*id);
         const PackedRuns<unsigned char>& keys = arrays[place.array].keys;
-        return keys.Length(place.entry) == keyLength &&
-               (keyLength == 0 || std::memcmp(keys.Data(place.entry), key, keyLength) == 0);
-    };
-    return index.Find(hash, hasKey).value_or(kNoId);
+        if (keys.Length(place.entry) == keyLength &&
+            (keyLength == 0 || std::memcmp(keys.Data(place.entry), key, keyLength) == 0)) {
+            return *id;
+        }
+    }
+    return kNoId;
 }
 
 std::uint32_t FastArray::FindId(const unsigned char* key, unsigned long keyLength) const {

@@ -92,8 +92,7 @@ void HashTableGeneric::InsertAhead(std::span<const Group> groups) {
 }
 
 HashItem* HashTableGeneric::FindIn(const HashItem& probe, std::uint32_t hash) const {
-    return index.Find(hash, [&probe](const HashItem* item) { return *item == probe; })
-        .value_or(nullptr);
+    return FindUnder(hash, [&probe](const HashItem* item) { return *item == probe; });
 }
 
 HashItem* HashTableGeneric::Find(const HashItem& probe) const {

@@ -72,6 +72,16 @@ public:
     std::uint32_t Serialize2(std::ostream& out, bool binary, const lexon::EncodingInfo* encoding,
                              lexon::EndianT order) const;
 
+protected:
+    // The newest item under that hash for which matches(item) is true; null when there is none.
+    template <class Matches>
+    HashItem* FindUnder(std::uint32_t hash, const Matches& matches) const {
+        auto item = index.First(hash);
+        while (item.has_value() && !matches(*item))
+            item = index.Next(hash, *item);
+        return item.value_or(nullptr);
+    }
+
 private:
     using Buckets = std::array<HashItem*, kHashBucketCount>;  // the heads of the chains
     struct UsedBucket {

@@ -28,14 +28,13 @@ class KeyIndex {
 public:
     KeyIndex() { firsts.max_load_factor(0.8F); }  // fuller than the library's: it fits more caches
 
-    // The first entry under the hash for which matches(entry) is true.
-    template <class Matches>
-    std::optional<Ref> Find(std::uint32_t hash, const Matches& matches) const {
+    // The first entry under the hash, and the one after `entry`, which is under it.
+    std::optional<Ref> First(std::uint32_t hash) const {
         const auto found = firsts.find(hash);
-        if (found == firsts.end()) return std::nullopt;
-        const Ref first = Load(found->second);
-        if (matches(first)) return first;
-        return rings.empty() ? std::nullopt : FindInRing(hash, first, matches);
+        return found == firsts.end() ? std::nullopt : std::optional(Load(found->second));
+    }
+    std::optional<Ref> Next(std::uint32_t hash, Ref entry) const {
+        return rings.empty() ? std::nullopt : NextInRing(hash, entry);
     }
 
     // Makes room, so that putting that many entries moves no others.
@@ -105,16 +104,10 @@ private:
         Ref next;      // of the last entry: the first one
     };
 
-    // The same among the entries after the first one.
-    template <class Matches>
-    std::optional<Ref> FindInRing(std::uint32_t hash, Ref first, const Matches& matches) const {
-        for (auto member = rings.find({hash, first}); member != rings.end();) {
-            const Ref entry = member->second.next;
-            if (entry == first) break;
-            if (matches(entry)) return entry;
-            member = rings.find({hash, entry});
-        }
-        return std::nullopt;
+    std::optional<Ref> NextInRing(std::uint32_t hash, Ref entry) const {
+        const auto member = rings.find({hash, entry});
+        if (member == rings.end() || member->second.next == First(hash)) return std::nullopt;
+        return member->second.next;
     }
 
     // Puts the entry at the end of its ring; false when it is alone or was there.

@@ -8,7 +8,7 @@ namespace lexon {
 namespace {
 
 // The private result as a public string that shares its value.
-Wordlex Wrap(const lexon_private::Wordlex& text) { return Wordlex(text); }
+Wordlex Wrap(lexon_private::Wordlex text) { return Wordlex(std::move(text)); }
 
 }  // namespace
 

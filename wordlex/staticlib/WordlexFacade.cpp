@@ -26,12 +26,12 @@ namespace {
 // share the text are gone, whatever text the string holds by then.
 class HeldText final : public lexon_private::Wordlex {
 public:
-    static lexon_private::Wordlex* Make(const lexon_private::Wordlex& text) {
+    static lexon_private::Wordlex* Make(lexon_private::Wordlex text) {
         static_assert(sizeof(HeldText) <= lexon_private::ByteRunValue::kRoom);
         void* const room = text.TakeRoom();
-        if (room == nullptr) return new HeldText(text);
-        auto* const held = ::new (room) HeldText(text);
-        held->home = text;
+        if (room == nullptr) return new HeldText(std::move(text));
+        auto* const held = ::new (room) HeldText(std::move(text));
+        held->home = *held;
         return held;
     }
     static void Delete(lexon_private::Wordlex* text) noexcept {
@@ -45,7 +45,8 @@ public:
     }
 
 private:
-    explicit HeldText(const lexon_private::Wordlex& text) : lexon_private::Wordlex(text) {}
+    explicit HeldText(lexon_private::Wordlex text) noexcept
+        : lexon_private::Wordlex(std::move(text)) {}
     ~HeldText() = default;
 
     std::optional<lexon_private::UnicodeRun> home;  // the memory it lies in, unless its own
@@ -68,6 +69,7 @@ Wordlex::Wordlex(unsigned int id, unsigned long which, const EncodingInfo* encod
     : Wordlex(lexon_private::Wordlex(id, which, encoding)) {}
 Wordlex::Wordlex(long value) : Wordlex(lexon_private::Wordlex(value)) {}
 Wordlex::Wordlex(const lexon_private::Wordlex& other) : text(HeldText::Make(other)) {}
+Wordlex::Wordlex(lexon_private::Wordlex&& other) : text(HeldText::Make(std::move(other))) {}
 Wordlex::Wordlex(const Wordlex& other) : Wordlex(*other.text) {}
 
 Wordlex& Wordlex::operator=(const Wordlex& other) {
