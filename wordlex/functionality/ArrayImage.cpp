@@ -33,8 +33,11 @@ ArrayImage::ArrayImage(ImageReader& reader, std::uint32_t storeTotal) {
     if (array.keyed) ReadHashIndex(reader, slotCount);
     ReadAccelerators(reader);
     if (!reader.Ok()) return;
-    if (array.keyed) HashKeys();
-    liveCount = BelievableLiveCount(declaredLiveCount);
+    const std::uint32_t alive = array.keyed ? HashKeys() : 0;
+    // The count is between what is certainly alive and what there is at all, so that it cannot wrap
+    // when entries are removed. In between the image knows best: an empty key with an empty value
+    // counts too. An image that declares none brings none.
+    if (declaredLiveCount != 0) liveCount = std::clamp(declaredLiveCount, alive, array.entryCount);
 }
 
 void ArrayImage::ReadHashIndex(ImageReader& reader, std::uint32_t slotCount) {
@@ -79,26 +82,18 @@ void ArrayImage::ReadAccelerators(ImageReader& reader) {
 
 // In the order of the entries, which is that of the key area: the lists would jump about in it.
 // An entry without key and value was removed. One with a value alone has the empty key.
-void ArrayImage::HashKeys() {
-    keyHashes = Table<std::uint32_t>(array.entryCount);
-    keySlots = Table<std::uint16_t>(array.entryCount);
+std::uint32_t ArrayImage::HashKeys() {
+    hashedKeys = Table<HashedKey>(array.entryCount);
+    std::uint32_t alive = 0;
     for (std::uint32_t i = 0; i < array.entryCount; ++i) {
         const unsigned char* const key = array.keys.Data(i);
         const std::uint16_t length = array.keys.Length(i);
-        keyHashes[i] = KeyHash(key, length);
-        keySlots[i] = length != 0 || array.values.Length(i) != 0
-                          ? static_cast<std::uint16_t>(HashFunc(key, length))
-                          : kNoSlot;
+        const bool removed = length == 0 && array.values.Length(i) == 0;
+        hashedKeys[i] = {KeyHash(key, length),
+                         removed ? kNoSlot : static_cast<std::uint16_t>(HashFunc(key, length))};
+        if (!removed) ++alive;
     }
-}
-
-// Between what is certainly alive and what there is at all, so that no count can wrap when entries
-// are removed; in between the image knows best: an empty key with an empty value counts too.
-std::uint32_t ArrayImage::BelievableLiveCount(std::uint32_t declared) const noexcept {
-    if (declared == 0) return 0;
-    const auto alive = static_cast<std::uint32_t>(std::count_if(
-        keySlots.begin(), keySlots.end(), [](std::uint16_t slot) { return slot != kNoSlot; }));
-    return std::clamp(declared, alive, array.entryCount);
+    return alive;
 }
 
 }  // namespace lexon_private

@@ -18,11 +18,12 @@ struct ArrayImage {
     cFarray array;
     std::uint32_t idBase = 0;  // as the image declares it
     std::uint32_t liveCount = 0;
-    // Of keyed images, for each entry: the hash of its key, and the slot in which that belongs or
-    // kNoSlot for an entry that was removed.
-    Table<std::uint32_t> keyHashes;
-    Table<std::uint16_t> keySlots;
     static constexpr std::uint16_t kNoSlot = 0xFFFF;
+    struct HashedKey {
+        std::uint32_t hash;
+        std::uint16_t slot;  // in which the key belongs; kNoSlot for an entry that was removed
+    };
+    Table<HashedKey> hashedKeys;  // of keyed images: one for each entry
 
 private:
     void ReadHashIndex(ImageReader& reader, std::uint32_t slotCount);
@@ -30,8 +31,8 @@ private:
     // Rejects a table that names an entry behind the last one.
     void CheckIds(ImageReader& reader, const Table<std::uint32_t>& entries,
                   std::uint64_t tableAt) const;
-    void HashKeys();
-    std::uint32_t BelievableLiveCount(std::uint32_t declared) const noexcept;
+    // Gives the number of entries that were not removed.
+    std::uint32_t HashKeys();
 };
 
 }  // namespace lexon_private

@@ -14,8 +14,8 @@ constexpr unsigned long kMergedKeyLimit = 1024;
 // hash of the key, in each other slot under a hash that no search by key asks for.
 std::uint32_t SlotHash(const ArrayImage& image, std::uint16_t slot, std::uint32_t entry) noexcept {
     constexpr std::uint32_t kOdd = 0x9E3779B1;  // so that every slot makes another hash
-    const std::uint32_t ofKey = image.keyHashes[entry];
-    return slot == image.keySlots[entry] ? ofKey : ofKey + kOdd * (slot + 1U);
+    const ArrayImage::HashedKey& key = image.hashedKeys[entry];
+    return slot == key.slot ? key.hash : key.hash + kOdd * (slot + 1U);
 }
 
 }  // namespace
@@ -58,7 +58,7 @@ std::vector<FastArray::Update> FastArray::TakeHeldKeys(ArrayImage& image) {
     cFarray& array = image.array;
     array.FilterListed([&](std::uint16_t slot, std::uint32_t entry) {
         const std::uint16_t keyLength = array.keys.Length(entry);
-        if (image.keySlots[entry] == ArrayImage::kNoSlot || keyLength >= kMergedKeyLimit)
+        if (image.hashedKeys[entry].slot == ArrayImage::kNoSlot || keyLength >= kMergedKeyLimit)
             return true;
         Place place{};
         const std::uint32_t held =
@@ -72,7 +72,7 @@ std::vector<FastArray::Update> FastArray::TakeHeldKeys(ArrayImage& image) {
         update.imageEntry = entry;
         update.length = array.values.Length(entry);
         array.Kill(entry);
-        image.keySlots[entry] = ArrayImage::kNoSlot;
+        image.hashedKeys[entry].slot = ArrayImage::kNoSlot;
         --image.liveCount;
         return false;
     });
@@ -88,7 +88,7 @@ KeyIndex<std::uint32_t> FastArray::IndexWith(const ArrayImage& image) const {
     KeyIndex<std::uint32_t> larger = index;
     larger.Reserve(std::min<std::size_t>(image.array.ids.size(), image.array.entryCount));
     image.array.ForEachListed([&](std::uint16_t slot, std::uint32_t entry) {
-        if (image.keySlots[entry] == ArrayImage::kNoSlot) return;
+        if (image.hashedKeys[entry].slot == ArrayImage::kNoSlot) return;
         larger.PutLast(SlotHash(image, slot, entry), totalCount + entry);
     });
     return larger;

@@ -47,12 +47,14 @@ void PackedRuns<Unit>::ReadTables(ImageReader& reader, std::uint32_t count, std:
     if (!reader.Ok()) return;
 
     const auto end = [this](std::uint32_t i) { return std::uint64_t{offsets[i]} + lengths[i]; };
-    bool bad = false;
-    for (std::uint32_t i = 0; i < count; ++i)
-        bad |= end(i) > areaSize;
-    for (std::uint32_t i = 1; i < count; ++i)
-        areaIsShared |= end(i - 1) > offsets[i];
-    if (!bad) return;
+    std::uint64_t farthest = 0;
+    bool shared = false;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        shared |= i != 0 && end(i - 1) > offsets[i];
+        farthest = std::max(farthest, end(i));
+    }
+    areaIsShared = shared;
+    if (farthest <= areaSize) return;
     std::uint32_t first = 0;
     while (end(first) <= areaSize)
         ++first;
