@@ -1,5 +1,5 @@
-# What every target of the house shares: the language, the warnings, the project's root as include
-# path. Link `house` PRIVATE into each target; only headers' own needs are passed on.
+# Settings shared by all targets: the language, the warnings, the project's root as include path.
+# Link `house` PRIVATE into each target; only headers' own needs are passed on.
 
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
@@ -10,11 +10,12 @@ target_compile_features(house INTERFACE cxx_std_20)
 target_compile_options(house INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion
   $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast -Woverloaded-virtual -Wnon-virtual-dtor>
-  # With -O2 and more g++ 12 takes `"text" + std::string` for a copy onto itself (GCC bug 105651).
+  # With -O2 and more, g++ 12 mistakes `"text" + std::string` for a copy onto itself (GCC bug
+  # 105651).
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
   $<$<BOOL:${FRAMEWRIGHT_WERROR}>:-Werror>)
 
-# house_library(NAME STATIC|SHARED SOURCES...): a library of the house, headers found from the root.
+# house_library(NAME STATIC|SHARED SOURCES...): a library whose headers are included from the root.
 function(house_library name kind)
   add_library(${name} ${kind} ${ARGN})
   set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
@@ -22,10 +23,10 @@ function(house_library name kind)
   target_link_libraries(${name} PRIVATE $<BUILD_INTERFACE:house>)
 endfunction()
 
-# house_installed_library(NAME [FEATURE]): the library is installed as Wordlex::NAME. With
-# BUILD_SHARED_LIBS that is a shared library of the same objects. It exports what NAME.map, beside
-# the caller, lists and nothing else. Other targets of the house link with the static one, which shows
-# them all of it. FEATURE is the standard that the headers ask of their users.
+# house_installed_library(NAME [FEATURE]): installs the library as Wordlex::NAME. With
+# BUILD_SHARED_LIBS it is a shared library of the same objects, which exports only the symbols in
+# NAME.map, beside the caller. Other targets of the project link with the static one, which has all
+# symbols. FEATURE is the C++ standard that the headers need.
 function(house_installed_library name)
   if(ARGN)
     target_compile_features(${name} INTERFACE ${ARGN})
@@ -59,7 +60,7 @@ function(house_installed_library name)
     SOVERSION ${PROJECT_VERSION})
 endfunction()
 
-# house_executable(NAME SOURCES...): a program of the house.
+# house_executable(NAME SOURCES...): a program of the project.
 function(house_executable name)
   add_executable(${name} ${ARGN})
   set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)

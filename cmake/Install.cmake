@@ -1,14 +1,14 @@
-# What others pick up, in components that can be installed alone (cmake --install ... --component):
+# The installation, in components that can be installed alone (cmake --install ... --component):
 #   runtime      the shared libraries that programs need to run
-#   development  of wordlex and localeid: headers, libraries to link, what find_package and
-#                pkg-config read
-#   catalog      the same of the catalog, which needs development as well
+#   development  for wordlex and localeid: headers, libraries to link, files for find_package and
+#                pkg-config
+#   catalog      the same for the catalog, which also needs development
 #   tools        the wordlex command with its manual page and completions
 include(CMakePackageConfigHelpers)
 
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/Wordlex")
 
-# The targets to install of libraries that house_installed_library has seen.
+# The targets to install of libraries made by house_installed_library.
 function(installed_targets result)
   set(targets ${ARGN})
   if(BUILD_SHARED_LIBS)
@@ -38,13 +38,13 @@ function(install_headers component)
   endforeach()
 endfunction()
 
-# The prefix is found from the place of the file, so that an installed tree can be moved.
+# The prefix is found from the place of the file, so an installed tree can be moved.
 file(RELATIVE_PATH pkgconfig_to_prefix
   "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
 get_target_property(platform_library corefoundation OUTPUT_NAME)
 
-# install_pkgconfig(LIBRARY COMPONENT DESCRIPTION [PRIVATE_LIBRARIES]): how pkg-config finds a
-# library. A static library needs its private libraries named as well.
+# install_pkgconfig(LIBRARY COMPONENT DESCRIPTION [PRIVATE_LIBRARIES]): the file for pkg-config. A
+# static library needs its private libraries named as well.
 function(install_pkgconfig library component description)
   set(libraries "-l${library}")
   set(private_libraries "${ARGN} -l${platform_library}")
@@ -91,7 +91,7 @@ endif()
 if(TARGET wordlex-tool)
   file(RELATIVE_PATH libraries
     "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
-  # The system finds what stands in its own folders; anything else is found from the command.
+  # The system finds files in its own folders; other files are found from the command.
   if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
     set_target_properties(wordlex-tool PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
   endif()
@@ -111,7 +111,7 @@ if(TARGET wordlex-tool)
     DESTINATION "${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d" COMPONENT tools)
 endif()
 
-# Takes back what the last cmake --install of this build tree wrote.
+# Removes what the last cmake --install of this build tree wrote.
 add_custom_target(uninstall
   COMMAND ${CMAKE_COMMAND} -D "BINARY_DIR=${PROJECT_BINARY_DIR}"
     -P "${PROJECT_SOURCE_DIR}/cmake/Uninstall.cmake"

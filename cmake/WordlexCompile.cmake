@@ -2,15 +2,15 @@
 #   OUTPUT file            the binary dictionary; a relative path is below the binary folder
 #   SOURCES file...        text or binary dictionaries, merged in this order
 #   [REFERENCE file]       the dictionary that the sources translate: `check` compares them
-#   [FAIL_ON severity]     the least finding of `check` that stops the build: error (so when it is
-#                          not given) or warning
+#   [FAIL_ON severity]     the lowest severity in `check` that stops the build: error (the
+#                          default) or warning
 #   [DISABLE rule...]      rules of `check` to leave out
-#   [OPTIONS option...])   more for `wordlex compile`, such as --locale=de or --endian=big
+#   [OPTIONS option...])   more options of `wordlex compile`, such as --locale=de or --endian=big
 #
-# Makes a dictionary part of a build: whenever a source has changed, `wordlex check` looks at the
-# sources and `wordlex compile` makes the binary dictionary of them. A warning is reported once, by
-# `check`. TARGET, a program, library or custom target of the calling folder, then depends on it; where
-# there is none of that name, a custom target is made that is built by default.
+# Makes a dictionary part of a build. Whenever a source has changed, `wordlex check` checks the
+# sources and `wordlex compile` compiles them to the binary dictionary. A warning is reported once,
+# by `check`. TARGET, a program, library or custom target of the calling folder, then depends on the
+# dictionary. If there is no such target, it becomes a custom target that is built by default.
 function(wordlex_compile target)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "OUTPUT;REFERENCE;FAIL_ON" "SOURCES;DISABLE;OPTIONS")
   if(NOT arg_OUTPUT OR NOT arg_SOURCES OR arg_UNPARSED_ARGUMENTS)
