@@ -1,6 +1,6 @@
 #pragma once
-// A catalog like the application's, the same on every machine: keys that share long heads, texts of
-// a few words, every eighth with a marker.
+// A catalog like the application's, the same on every machine: keys with long common prefixes,
+// texts of a few words, every eighth with a marker.
 #include <algorithm>
 #include <cstddef>
 #include <numeric>
@@ -53,7 +53,7 @@ struct Corpus {
         return {reinterpret_cast<const char*>(text.data()), 2 * text.size()};
     }
 
-    // Without a mark, so 8-bit text: UTF-8.
+    // Without a mark, and so 8-bit text: UTF-8.
     std::string EightBitFile(const char* endOfLine) const {
         std::string text;
         for (std::size_t i = 0; i < keys.size(); ++i) {

@@ -1,5 +1,6 @@
-// Look-ups, loads, additions and saves through the public facade, in both stores. Two plain maps of
-// the C++ library are beside them: what a look-up costs that hands out a pointer, or a fresh copy.
+// Look-ups, loads, additions and saves through the public facade, in both stores. For comparison,
+// two plain maps of the C++ library: a look-up that returns a pointer, and one that returns a new
+// copy.
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
@@ -30,7 +31,7 @@ std::unique_ptr<lexon::Dictionary> Load(const Corpus& corpus, Store store) {
     return dictionary;
 }
 
-// Runs `ask` on every request, round and round.
+// Calls `ask` for every request, round and round.
 template <class Ask>
 void ForRequests(benchmark::State& state, const std::vector<std::string>& requests, Ask ask) {
     std::size_t next = 0;
@@ -128,8 +129,7 @@ void GetText(benchmark::State& state) {
     }
 }
 
-// A text of so many megabytes whose keys all fall into one bucket: its hash reads every fourth
-// byte.
+// A text of so many megabytes whose keys are all in one bucket: its hash reads every fourth byte.
 template <Store kStore>
 void LoadOneBucket(benchmark::State& state) {
     const auto size = static_cast<std::size_t>(state.range(0)) << 20;
@@ -158,7 +158,7 @@ void AddAll(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
-// Of a hundred arrays for each 10,000 entries.
+// In a hundred arrays for each 10,000 entries.
 void LookupAdded(benchmark::State& state) {
     lexon::Dictionary dictionary(true);
     CorpusOf(state).AddTo(dictionary);
@@ -166,7 +166,7 @@ void LookupAdded(benchmark::State& state) {
                 [&](const std::string& request) { CopyOut(dictionary, request); });
 }
 
-// Writes a new file in each round, as `write` does it.
+// Writes a new file with `write` in each round.
 template <class Write>
 void WriteFiles(benchmark::State& state, Write write) {
     const auto path = std::filesystem::temp_directory_path() /

@@ -1,4 +1,4 @@
-// A text with two markers beside the same by libfmt, and a message with a plural beside ICU's own.
+// A text with two markers compared with libfmt, and a message with a plural compared with ICU.
 #include <benchmark/benchmark.h>
 #ifdef WORDLEX_WITH_FMT
 #include <fmt/format.h>
@@ -69,7 +69,7 @@ void Message_project_catalog(benchmark::State& state) {
 }
 BENCHMARK(Message_project_catalog);
 
-// With the pattern parsed and the argument's name converted before, as a program would.
+// The pattern is already parsed and the argument's name converted, as in a program.
 void Message_icu(benchmark::State& state) {
     UErrorCode status = U_ZERO_ERROR;
     const icu::MessageFormat format(

@@ -1,6 +1,5 @@
-// The host set up, the sample's dictionaries loaded and the first text answered, and all of it
-// taken down again; and one text of the running application, from the host's request to the host's
-// string.
+// The set-up of the host with the sample's dictionaries, the first text, and the tear-down. And one
+// text of the running application, from the host's request to the host's string.
 #include <benchmark/benchmark.h>
 
 #include "host/Ovis/Language.h"

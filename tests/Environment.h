@@ -4,8 +4,8 @@
 #include <sstream>
 #include <string>
 
-// Sets the environment variables that the host reads to `assignments` ("NAME=value ..."), all
-// others of them to none.
+// Sets the environment variables that the host reads to `assignments` ("NAME=value ..."). Removes
+// all others of them.
 inline void SetEnvironment(const std::string& assignments) {
     for (const char* const name :
          {"LANGUAGE", "LC_ALL", "LC_CTYPE", "LC_MESSAGES", "LANG", "XDG_DATA_DIRS"})

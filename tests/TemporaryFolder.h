@@ -6,8 +6,8 @@
 #include <fstream>
 #include <string>
 
-// An empty folder of the process's own, whose name is not ASCII; one lives at a time.
-// Owns: the folder and all that is in it, deleted with this.
+// An empty folder for the process, with a name that is not ASCII; one at a time.
+// Owns: the folder and its content, deleted with this.
 class TemporaryFolder {
 public:
     TemporaryFolder() { std::filesystem::create_directory(path); }
@@ -16,7 +16,7 @@ public:
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
     std::filesystem::path operator/(const std::string& name) const { return path / name; }
-    // Writes the file `name`, and the folders on the way to it; gives its path.
+    // Writes the file `name`, and the folders on the way to it; returns its path.
     std::filesystem::path Write(const std::string& name, const std::string& content) const {
         std::filesystem::create_directories((path / name).parent_path());
         std::ofstream(path / name) << content;

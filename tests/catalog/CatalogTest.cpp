@@ -44,7 +44,7 @@ std::string Indexed(const std::string& image) {
     return image + lexon::detail::MakeIndexSection(image);
 }
 
-// A text of so many entries, some of which are said twice, are empty or have escapes.
+// A text with so many entries. Some are repeated, are empty or have escapes.
 std::string ManyLines(unsigned count) {
     std::string text;
     for (unsigned i = 0; i < count; ++i) {
@@ -108,11 +108,11 @@ TEST(Catalog, MapsAnIndexedFile) {
         const std::string image = ImageOf(ManyLines(500), lexon::EndianT::kHost, locale);
         const std::string file = Indexed(image);
         Dictionary engine = Engine(file);
-        EXPECT_EQ(image, ImageOf(file, lexon::EndianT::kHost, locale));  // the rest is passed over
+        EXPECT_EQ(image, ImageOf(file, lexon::EndianT::kHost, locale));  // the rest is ignored
         const Catalog mapped = Catalog::Load(folder.Write("t.dat", file));
         EXPECT_EQ(locale, mapped.Locale());
         EXPECT_EQ("", Difference(mapped, engine));
-        // In place: a text lies inside of the caller's bytes.
+        // In place: a text is inside the caller's bytes.
         const auto block = std::make_shared<std::string>(file);
         const Catalog kept = Catalog::Load(BytesOf(*block), block);
         const auto* const text = reinterpret_cast<const char*>(kept.Find("/Group1/Key1")->data());
@@ -122,8 +122,8 @@ TEST(Catalog, MapsAnIndexedFile) {
     }
 }
 
-// Whatever is done to its index, a file can answer wrongly and no more. An index that cannot be
-// used is none.
+// A damaged index can make look-ups return wrong texts, but no more. An index that cannot be used
+// is ignored.
 TEST(Catalog, SurvivesADamagedIndex) {
     const std::string image = ImageOf("\"$$$/A=a\"\n\"$$$/B=b\"\n\"$$$/C=c\"");
     const std::string file = Indexed(image);
@@ -267,7 +267,7 @@ TEST(Chain, AsksTheCatalogsInOrder) {
     EXPECT_EQ("x", chain.TextUtf8("$$$/C=x"));
 }
 
-// Eight threads that look up while one loads anew: each sees one of the two contents, whole.
+// Eight threads look up while one reloads: each sees one of the two contents, whole.
 TEST(CatalogThreads, ReadWhileOneReloads) {
     const TemporaryFolder folder;
     const std::string contents[] = {Indexed(ImageOf("/A=one\n/B=one")), "/A=two\n/B=two"};
@@ -302,7 +302,7 @@ TEST(CatalogThreads, ReadWhileOneReloads) {
     EXPECT_EQ(u"one", first.Find("/A"));
 }
 
-// Eight threads, of which one makes the index meanwhile.
+// Eight threads, one of which makes the index meanwhile.
 TEST(CatalogThreads, LookUpWhileTheIndexIsMade) {
     const std::string image = ImageOf(ManyLines(400));
     Dictionary engine = Engine(image);

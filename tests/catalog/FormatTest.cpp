@@ -68,7 +68,7 @@ TEST(Format, FillsEachPlaceOnce) {
                u"é🎬|a\uFFFDz|"}});
 }
 
-// What the engine does for one marker and one tag, over texts that are made of their pieces.
+// Compared with the engine's replacement of one marker and one tag, for texts made of their pieces.
 TEST(Format, FindsThePlacesThatTheEngineFinds) {
     constexpr std::u16string_view kPieces[] = {u"^",
                                                u"1",

@@ -1,5 +1,5 @@
 #pragma once
-// Holds the catalog and the engine together: for tests and for the fuzzer alike.
+// Compares the catalog with the engine, for tests and for the fuzzer.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -19,7 +19,7 @@ inline std::span<const std::byte> BytesOf(std::string_view bytes) {
     return std::as_bytes(std::span(bytes));
 }
 
-// The first question to which the two answer differently; empty when there is none.
+// The first key or id for which the two return different results; empty when there is none.
 inline std::string Difference(const lexon::Catalog& catalog, lexon_private::Dictionary& engine) {
     const auto same = [](std::optional<std::u16string_view> text, bool found,
                          const unsigned short* units, unsigned long length) {
@@ -33,7 +33,7 @@ inline std::string Difference(const lexon::Catalog& catalog, lexon_private::Dict
         const std::string key(entry.key.begin(), entry.key.end());
         ++count;
         idsEnd = entry.id + 1;
-        if (key.find('\0') != std::string::npos) return;  // cannot be asked
+        if (key.find('\0') != std::string::npos) return;  // no look-up can name it
         keys.insert("$$$" + key);
         keys.insert("$$$" + key + "x");
     });
@@ -56,7 +56,7 @@ inline std::string Difference(const lexon::Catalog& catalog, lexon_private::Dict
     }
     if (!compact) {
         std::set<std::string> found;
-        std::set<std::string> unasked;  // keys that a C string cannot say
+        std::set<std::string> unasked;  // keys that a C string cannot contain
         engine.ForEachEntry([&](const lexon_private::EntryView& entry) {
             const std::string key(entry.key.begin(), entry.key.end());
             if (key.find('\0') != std::string::npos || key.find('=') != std::string::npos) {
@@ -86,15 +86,15 @@ inline std::string Difference(const lexon::Catalog& catalog, lexon_private::Dict
     return seen == 0 ? "" : "number of entries";
 }
 
-// Lets the catalog make the index that it makes late.
+// Makes the catalog build the index that it builds late.
 inline void MakeIndexed(const lexon::Catalog& catalog) {
     for (unsigned i = 0; i <= lexon::detail::CatalogStore::kLookupsInLists; ++i)
         catalog.Find("$$$/nowhere");
 }
 
-// Loads the file into both, and asks before and after the index is made. What the catalog refuses
-// is a file of which the engine would hold nothing, or would say that it is invalid; unless it is
-// no dictionary at all.
+// Loads the file into both, and compares before and after the index is made. The catalog refuses a
+// file from which the engine would load nothing, or which would make it invalid; unless the file is
+// not a dictionary at all.
 inline std::string DifferenceOf(const std::string& file) {
     lexon_private::Dictionary engine;
     engine.Read(file.data(), static_cast<int>(file.size()), true);

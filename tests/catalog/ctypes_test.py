@@ -18,7 +18,7 @@ def declare(name, result, *arguments):
     return function
 
 
-# Strings to be freed come as plain addresses, which ctypes does not convert and lose.
+# Strings to be freed are plain addresses: ctypes would convert a string and lose its address.
 POINTER, TEXT = c.c_void_p, c.c_char_p
 load = declare("load", POINTER, TEXT, c.POINTER(POINTER))
 load_bytes = declare("load_bytes", POINTER, TEXT, c.c_size_t, c.POINTER(POINTER))

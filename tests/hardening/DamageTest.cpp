@@ -1,5 +1,5 @@
-// Binary files cut, with bits flipped and with fields at their extremes, and texts and files that
-// are made to cost much: what becomes of a dictionary is stated, and what it takes is bounded.
+// Binary files cut, with bits flipped and with fields at their extremes, and texts and files made
+// to be costly. The tests state what becomes of a dictionary, and bound its cost.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -21,7 +21,12 @@ using lexon_private::Dictionary;
 using namespace std::string_literals;
 using namespace wordlex_tests;
 
-enum class Form { kMemory, kMemoryBorrowed, kStream, kBlindStream };  // the last: of unknown end
+enum class Form {
+    kMemory,
+    kMemoryBorrowed,
+    kStream,
+    kBlindStream
+};  // the last: the end is unknown
 
 void LoadAs(Form form, Dictionary& dictionary, std::string_view image) {
     if (form == Form::kMemory || form == Form::kMemoryBorrowed)
@@ -32,7 +37,7 @@ void LoadAs(Form form, Dictionary& dictionary, std::string_view image) {
     dictionary.Read(&stream);
 }
 
-// One more entry is found, and found again in what is saved.
+// One more entry is found, and found again in a saved file.
 void CheckUsable(Dictionary& dictionary) {
     const unsigned long count = dictionary.NumKeys();
     const unsigned short value[] = {u'v'};
@@ -48,12 +53,14 @@ void CheckUsable(Dictionary& dictionary) {
     EXPECT_EQ(u"v", Text(reloaded.Lookup("/new", nullptr)));
 }
 
-// What a fresh dictionary is after the load: 'v' valid and filled, 'r' valid though the image was
-// refused or brings nothing, 'x' invalid. So is every other one, in every form; it keeps what it
-// held, goes on working, and asks for no more memory than what the file is worth.
+// The state of a fresh dictionary after the load: 'v' valid and filled, 'r' valid although the
+// image was refused or contains nothing, 'x' invalid. Every other dictionary, in every form, has
+// the same state. It keeps its content, stays usable, and takes no more memory than the file's size
+// justifies.
 char OutcomeOf(const std::string& file) {
     constexpr std::uint64_t kMostBytesPerByte = 40;
-    constexpr std::uint64_t kMostBytes = 150'000;  // buffers, and the first steps on a blind stream
+    constexpr std::uint64_t kMostBytes =
+        150'000;  // buffers, and the first steps on a stream of unknown end
     char outcome = 0;
     EXPECT_EQ("", catalog_tests::DifferenceOf(file));
     for (const bool compact : {false, true}) {
@@ -77,7 +84,7 @@ char OutcomeOf(const std::string& file) {
                 const bool valid = dictionary.IsValid();
                 const bool empty = dictionary.NumKeys() == 0;
                 if (outcome == 0) outcome = !valid ? 'x' : empty ? 'r' : 'v';
-                // An id base in conflict hides what else is wrong.
+                // An id base in conflict hides other faults.
                 EXPECT_EQ(outcome != 'x' || (valid && filled && compact), valid);
                 if (!filled) bringsNothing = empty;
                 if (bringsNothing && (compact || !valid)) {
@@ -101,14 +108,14 @@ const std::string kLittleFlips =
     "v? v? ?rrr ?rrr ?xxx ?xxx"                    // hash index
     "?rrr rrrr ?xxx rrrr ?r vv";                   // accelerators
 
-// One letter a byte behind the magic: the outcome of flipping a bit of it, '?' where that depends
-// on the bit. A version 2 file that is cut in its body or right behind the length of its locale is
-// refused; of others every part is invalid.
+// One letter for each byte after the magic: the outcome of flipping a bit of it, '?' when that
+// depends on the bit. A version 2 file that is cut in its body or right after the length of its
+// locale is refused; of other files every part is invalid.
 struct GoldenFile {
     int line;
     const std::string& content;
     bool bigEndian;
-    std::size_t body;  // where that of version 2 begins
+    std::size_t body;  // where the body of version 2 begins
     std::string flips;
 };
 const GoldenFile kFiles[] = {
@@ -136,7 +143,7 @@ const GoldenFile kFiles[] = {
 TEST(DamagedFile, HasAStatedOutcomeForEveryLengthAndBit) {
     for (const auto& [line, file, bigEndian, body, flips] : kFiles) {
         SCOPED_TRACE(line);
-        std::string expected(kMagicSize, '?');  // a flip makes it a text, or bytes that are none
+        std::string expected(kMagicSize, '?');  // a flip makes it a text, or invalid bytes
         std::ranges::remove_copy(flips, std::back_inserter(expected), ' ');
         std::string outcomes;
         for (std::size_t at = 0; at < file.size(); ++at) {
@@ -161,7 +168,7 @@ TEST(DamagedFile, IsReadAlikeWithEveryFieldAtItsExtremes) {
         std::string outcomes;
         std::ranges::remove_copy(flips, std::back_inserter(outcomes), ' ');
         for (std::size_t at = kMagicSize; at + 2 <= file.size(); ++at) {
-            // Wherever a field may be: the low half alone, and the whole value.
+            // At every possible place of a field: only the low half, and the whole value.
             for (const std::size_t width : {sizeof(std::uint16_t), sizeof(std::uint32_t)}) {
                 if (at + width > file.size()) continue;
                 const auto place = [&, big = bigEndian](std::size_t byte) {
@@ -182,7 +189,7 @@ TEST(DamagedFile, IsReadAlikeWithEveryFieldAtItsExtremes) {
                     for (std::size_t i = 0; i < width; ++i)
                         changed[place(i)] = static_cast<char>(value >> 8 * i);
                     const char outcome = OutcomeOf(changed);
-                    // Where no bit of the high byte is taken, no large value is.
+                    // If no bit of the high byte is accepted, no large value is.
                     if (value < 0x7FFFFFFF) continue;
                     const char ofHighByte = outcomes[place(width - 1) - kMagicSize];
                     EXPECT_TRUE(outcome != 'v' || ofHighByte == 'v' || ofHighByte == '?');
@@ -192,7 +199,7 @@ TEST(DamagedFile, IsReadAlikeWithEveryFieldAtItsExtremes) {
     }
 }
 
-// That many lines of four bytes, keys of one bucket.
+// So many lines of four bytes, with keys of one bucket.
 std::string KeysOfOneBucket(std::size_t count) {
     std::string lines;
     for (unsigned head = 0; lines.size() < 5 * count; ++head) {

@@ -1,5 +1,5 @@
 #pragma once
-// The global operator new of a test program, replaced: it counts, and fails when it is told to.
+// Replaces the global operator new of a test program: it counts, and fails on request.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -7,7 +7,7 @@
 
 namespace hardening {
 
-// Blocks that live now, and bytes ever asked for; of all threads.
+// Blocks that live now, and bytes ever requested; of all threads.
 std::int64_t LiveBlocks() noexcept;
 std::uint64_t AllocatedBytes() noexcept;
 
@@ -26,8 +26,8 @@ enum class Outcome { kDone, kThrew, kSwallowed };  // the last: an allocation fa
 enum class Blocks { kAllFreed, kKeptByHost };  // the host remembers its events
 
 // Calls attempt(inject) until no allocation is left to fail. inject(work) runs `work` with the
-// first, second ... of its allocations failing. No attempt may leave a block behind, but with
-// kKeptByHost. Gives the number of failures.
+// first, second ... of its allocations failing. No attempt may leak a block, except with
+// kKeptByHost. Returns the number of failures.
 template <class Attempt>
 long ForEveryFailingAllocation(Attempt attempt, Blocks blocks = Blocks::kAllFreed) {
     constexpr long kNone = -1;  // the first, whole attempt makes what is kept for good

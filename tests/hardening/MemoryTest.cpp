@@ -44,7 +44,7 @@ void LoadStream(Dictionary& dictionary, const std::string& file) {
     dictionary.Read(&stream);
 }
 
-// Two keys; the compact store has its writable array full, so that the next entry needs a new one.
+// Two keys. The writable array of the compact store is full, so the next entry needs a new one.
 void Fill(Dictionary& dictionary) {
     Load(dictionary, "/A=old\n/Z=kept");
     for (int i = 2; i < 100; ++i)
@@ -60,7 +60,8 @@ std::string After(bool compact, const Change& change) {
     return Snapshot(dictionary);
 }
 
-// `partly` are the states that a change may stop at. Gives the number of allocations that failed.
+// `partly` are the states in which a change may stop. Returns the number of allocations that
+// failed.
 long CheckChange(bool compact, const Change& change, std::set<std::string> partly = {}) {
     partly.insert(After(compact, [](Dictionary&) {}));
     const std::string after = After(compact, change);
@@ -71,7 +72,7 @@ long CheckChange(bool compact, const Change& change, std::set<std::string> partl
         EXPECT_NE(Outcome::kSwallowed, outcome);
         if (outcome != Outcome::kDone) {
             EXPECT_TRUE(partly.contains(Snapshot(dictionary)));
-            change(dictionary);  // with memory at hand again
+            change(dictionary);  // with memory again
         }
         EXPECT_EQ(after, Snapshot(dictionary));
     });
@@ -279,7 +280,7 @@ TEST(MemoryRunsOut, StartUpLeavesNothingInTheHost) {
     setenv("XDG_DATA_DIRS", shared.path.c_str(), 1);
     shared.Write("Norvale/Framewright Homeline/5.1/locale/ja/Dictionaries/wdictionary.dat",
                  "\"$$$/Text=shared\"");
-    FE::Localizer former;  // stays unless the start came so far as to replace it
+    FE::Localizer former;  // stays unless the start got far enough to replace it
     int formerStayed = 0;
     const long failures = ForEveryFailingAllocation(
         [&](auto inject) {

@@ -7,13 +7,16 @@
 namespace hardening {
 
 enum class Fault { kEnds, kThrows };
-enum class Seeks { kAnywhere, kNotToTheEnd, kNowhere };  // the last cannot tell where it is, too
+enum class Seeks {
+    kAnywhere,
+    kNotToTheEnd,
+    kNowhere
+};  // the last cannot report its position, either
 
-// Delivers bytes one at a time up to a fault, over and over when it is sought back. Needs no
-// memory.
+// Delivers bytes one at a time up to a fault, again after each seek back. Needs no memory.
 class FaultySource : public std::streambuf {
 public:
-    // `content` is borrowed. The end that a seek tells is that of the whole content.
+    // `content` is borrowed. A seek to the end reports the end of the whole content.
     FaultySource(std::string_view content, std::size_t newFaultAt, Fault newFault, Seeks newSeeks)
         : bytes(content), faultAt(newFaultAt), fault(newFault), seeks(newSeeks) {}
 
@@ -58,7 +61,7 @@ private:
     Seeks seeks;
 };
 
-// Takes bytes up to a fault. Needs no memory of its own once `taken` has room.
+// Accepts bytes up to a fault. Needs no memory of its own once `taken` has room.
 class FaultySink : public std::streambuf {
 public:
     FaultySink(std::string& into, std::size_t newFaultAt, Fault newFault)

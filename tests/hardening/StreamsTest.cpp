@@ -25,7 +25,7 @@ std::string AfterRead(const std::string& content, std::size_t faultAt, Fault fau
     std::istream stream(&source);
     Dictionary dictionary(compact);
     Fill(dictionary);
-    // What does not begin with a mark is read from its start, wherever the stream stands.
+    // Content without a mark is read from its start, whatever the position of the stream.
     if (seeks == Seeks::kNotToTheEnd && content != kWideText) stream.seekg(1);
     if (seeks == Seeks::kNowhere) {
         dictionary.Read(stream);
@@ -50,7 +50,7 @@ TEST(FailingStream, ReadsAsOneThatEndsThere) {
                 for (const Fault fault : {Fault::kEnds, Fault::kThrows}) {
                     for (const Seeks seeks :
                          {Seeks::kAnywhere, Seeks::kNotToTheEnd, Seeks::kNowhere}) {
-                        // What has no magic is a text, which is read from the start again.
+                        // Content without the magic is a text, which is read from the start again.
                         if (seeks == Seeks::kNowhere && !whole.starts_with(Hex(kMagic))) continue;
                         EXPECT_EQ(expected, AfterRead(file, at, fault, seeks, compact));
                     }
@@ -138,7 +138,7 @@ TEST(FailingStream, TakesWhatIsWrittenUpToTheFault) {
     }
 }
 
-// Larger than what is handed to the stream at once.
+// Larger than one write to the stream.
 TEST(FailingStream, TakesBlocksUpToTheFaultAndThrowsWhatItThrew) {
     for (const bool compact : {false, true}) {
         Dictionary dictionary(compact);

@@ -41,7 +41,7 @@ std::u16string Units(const String& string) {
     return units;
 }
 
-// How many units were converted, and what to.
+// The number of converted units, and the result.
 using Converted = std::pair<CFIndex, std::string>;
 
 Converted GetBytes(const String& string, CFStringEncoding encoding, UInt8 lossByte, CFIndex room) {
@@ -53,7 +53,7 @@ Converted GetBytes(const String& string, CFStringEncoding encoding, UInt8 lossBy
     return {converted, std::string(buffer, static_cast<std::size_t>(used))};
 }
 
-// Every test gives back what it was given.
+// Every test releases all references that it gets.
 class CoreFoundation : public testing::Test {
 protected:
     void TearDown() override { EXPECT_EQ(before, host::cf::LiveObjectCount()); }

@@ -1,4 +1,4 @@
-// Answers from the dictionary that the one argument names.
+// Prints a text of the dictionary that the one argument names.
 #include <fstream>
 #include <iostream>
 

@@ -18,7 +18,7 @@ std::string Describe(const LocaleId& id) {
 void CheckAll(std::initializer_list<std::string> rows) {
     for (const std::string& row : rows) {
         const std::size_t arrow = row.find(" > ");
-        LocaleId id("sr-Latn-RS");  // nothing of it may remain
+        LocaleId id("sr-Latn-RS");  // none of it may remain
         EXPECT_TRUE(id.fromString(row.substr(0, arrow).c_str())) << row;
         EXPECT_EQ(row.substr(arrow + 3), Describe(id)) << row;
     }

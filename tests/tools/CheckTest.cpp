@@ -12,7 +12,7 @@ using namespace std::string_literals;
 
 class CheckTest : public CommandTest {
 protected:
-    // What is found in the file, shortened: "PLACE RULE", one after the other.
+    // The findings of the file, shortened: "PLACE RULE", one after the other.
     std::string Found(const std::string& arguments) const {
         std::istringstream lines(Run("wordlex check " + arguments).out);
         std::string found;
@@ -113,7 +113,7 @@ const Row kTextRows[] = {
      "1:4 untranslated 2:4 stale "},
 };
 
-// Each row's text against that of kReference with the same key.
+// Compares each row's text with that of kReference with the same key.
 const char kReference[] =
     "\"/A=^1 <param name=\\\"x\\\"/>\"\n\"/C=c\" wordlex: ignore same-as-reference\n"
     "\"/E/File=one\"\n\"/Go=&Go ^1... \\b^#G\"\n\"/P=Tip#{macos}Mac tip\"\n"
@@ -161,14 +161,14 @@ TEST_F(CheckTest, EachRuleFiresWhereItShould) {
         EXPECT_EQ(Found("--disable=missing-key --reference=reference.txt m"), row.found);
         all += row.found;
     }
-    // The key that was misspelt is not missing too; the places are those of the reference.
+    // The misspelt key is not missing too; the places are those of the reference.
     Write("m", "\"/E/Flie=eins\"\n\"/P=x#{macos}y\"");
     all += Found("--disable=obsolete-key --reference=reference.txt m");
     EXPECT_EQ(all.substr(all.find("1:2 missing-key")),
               "1:2 missing-key 2:2 missing-key 4:2 missing-key 6:2 missing-key 7:2 missing-key "
               "8:2 missing-key 9:2 missing-key ");
     for (const tool::RuleInfo& rule : tool::AllRules()) {
-        // Those of binary files and of sources are shown in transcripts.
+        // Those of binary files and of sources are in transcripts.
         using tool::Rule;
         const bool shown = rule.rule == Rule::kMalformedBinary ||
                            rule.rule == Rule::kUnreachableEntry ||

@@ -10,7 +10,7 @@
 
 #include "tests/TemporaryFolder.h"
 
-// Runs the built command through a shell, in a folder of the test's own.
+// Runs the built command through a shell, in a temporary folder.
 class CommandTest : public testing::Test {
 protected:
     struct Outcome {

@@ -14,8 +14,8 @@ std::string Converted(tool::Units written) {
     return tool::Utf8(UnitsOf(lexon_private::Escapes::Convert(written)));
 }
 
-// A value shown and written again converts to what it converted to, whatever meets in it, and is
-// shown as it was: an import changes only what a translator changed.
+// A value shown and written again converts to the same text, whatever it combines, and is shown as
+// before: an import changes only what a translator changed.
 TEST(ShownText, WrittenAgainMeansTheSame) {
     constexpr const char* kParts[] = {
         "\\",      "^",          "#",           "{",         "}",         "n",         "1",

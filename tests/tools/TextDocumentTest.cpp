@@ -1,4 +1,4 @@
-// Text dictionaries under edit, and the annotations in their comments.
+// Edits of text dictionaries, and the annotations in their comments.
 #include "tools/base/TextDocument.h"
 
 #include <gtest/gtest.h>
@@ -155,7 +155,7 @@ TEST(TextDocument, SeesLinesAsTheLoaderDoes) {
     EXPECT_EQ(document.Find("Z"), std::nullopt);
 }
 
-// Written values as sources have them: all strings of some troublesome units.
+// Written values as in sources: all strings of some troublesome units.
 TEST(TextDocument, ReadsAWrittenValueAsItConverts) {
     static constexpr char16_t kUnits[] = u"\\^\"\n\u2028#{}nQ=";
     constexpr std::size_t kLongest = 4;

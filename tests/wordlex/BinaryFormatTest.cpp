@@ -63,7 +63,7 @@ TEST(BinaryFormat, EveryVersionIsRead) {
              {__LINE__, kVersion10File, true, false}}) {
         for (const Form form : kForms) {
             SCOPED_TRACE(line);
-            // What follows the image is nobody's business, and the stream stays in front of it.
+            // Bytes after the image do not matter, and the stream stays before them.
             const Loaded loaded(file + "more", form);
             EXPECT_TRUE(loaded->IsValid());
             EXPECT_EQ(2U, loaded->NumKeys());
@@ -97,7 +97,7 @@ TEST(BinaryFormat, BothStoresWriteByteForByte) {
               Saved(Dictionary(), SaveType::kBinary, EndianT::kLittle));
 
     // The ids of a hash table follow its chains, newest first; "A" and " >" share a slot. Values
-    // stay UTF-16 though an encoding is given, and the stream need not seek.
+    // stay UTF-16 although an encoding is given, and the stream need not seek.
     const Loaded hash("A=Hi\n >=\n!=x", Form::kMemory);
     const lexon::EncodingInfo utf8{1};
     PipeBuffer pipe;
@@ -190,7 +190,7 @@ TEST(BinaryFormat, Version1BodiesAreReadFromEitherSource) {
 }
 
 TEST(BinaryFormat, Version15ValuesKeepTheirUnits) {
-    // A byte-order mark is data; so are lone surrogates, and half a unit counts nothing.
+    // A byte-order mark is data; so are lone surrogates. Half a unit is ignored.
     const std::string file = Hex(kMagic) + Hex("01 05 00 00000001 00000002 00000001 00000009 0041"
                                                "'A' FEFF FFFE D800 0041 00");
     EXPECT_EQ((std::u16string{0xFEFF, 0xFFFE, 0xD800, u'A'}), Loaded(file, Form::kMemory)["A"]);

@@ -14,7 +14,7 @@ namespace {
 using lexon_private::DictionaryEntry;
 using namespace std::string_literals;
 
-// What is stored of each text, in rows "written→stored" with '|' between them.
+// The stored form of each text, in rows "written→stored" with '|' between them.
 void CheckAll(std::u16string_view rows) {
     while (!rows.empty()) {
         const std::u16string_view row = rows.substr(0, rows.find(u'|'));
@@ -28,14 +28,15 @@ void CheckAll(std::u16string_view rows) {
 
 TEST(DictionaryEntryEscapes, BackslashAndHatTakeOneUnit) {
     CheckAll(u"→|plain→plain|\\n\\r\\t\\b\\\"→\n\r\t\b\"");
-    // The first escape eats the second backslash; '^' behind '\' and '\' behind '^' are no escapes.
+    // The first escape eats the second backslash; '^' after '\' and '\' after '^' are not escapes.
     CheckAll(uR"(\\→\|\\n→\n|\q→\q|a\→a\|a^→a^|\^C→\^C|^\n→^\n|^^C→^C|^e^0^9^c→^e^0^9^c)");
     CheckAll(
         u"^Q^[^]^{^}^C^R^T^D^B^#^!^I^S^n^r→"
         u"\"\u201C\u201D\u2018\u2019\u00A9\u00AE\u2122\u00B0\u2022\u2318\u00AC\u2206\u2211\n\r");
 }
 
-// Each way to convert, in a process of its own: the first one settles "^e", whatever it converts.
+// Each way to convert, in a process of its own: the first one decides about "^e", whatever it
+// converts.
 TEST(DictionaryEntryEscapes, TheFirstConversionSettlesTheHats) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const auto convert = [](int way, std::string text) {

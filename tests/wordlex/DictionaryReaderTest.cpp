@@ -63,7 +63,7 @@ TEST(DictionaryReaderLines, AreTheSameInEveryWidthAndOrder) {
     check(u"a\n\0b"s, {u"a"});
     check(u"\0a"s, {});
     check(u"a\n" + longLine + u"\nb", {u"a", longLine, u"b"});
-    for (const int block : {0x8000, 0x10000}) {  // ends at, ahead of and behind one
+    for (const int block : {0x8000, 0x10000}) {  // ends at, before and after one
         for (const int length : {block - 2, block - 1, block, block + 1}) {
             const std::u16string blockLine(static_cast<std::size_t>(length), u'y');
             check(blockLine + u"\nb", {blockLine, u"b"});
@@ -111,7 +111,7 @@ TEST(DictionaryReaderStream, NullOrFailedGivesNoLines) {
     EXPECT_EQ(ReadAll(DictionaryReader::Make(static_cast<std::istream*>(nullptr)).get()), Lines{});
     std::istringstream failed("text");
     failed.setstate(std::ios::badbit);
-    // Choosing the reader clears the state to move back, so the text is read after all.
+    // Choosing the reader clears the state to move back, so the text is still read.
     EXPECT_EQ(ReadAll(DictionaryReader::Make(&failed).get()), Lines{u"text"});
 }
 

@@ -52,7 +52,7 @@ TEST(DictionaryText, LinesBecomeEntriesInBothStores) {
             // In the compact store the id of the empty key is not valid, and so has no texts.
             const bool hidden = compact && key.empty();
             EXPECT_TRUE(hidden || Keys(*dictionary) == std::set<std::string>{key}) << key;
-            if (key.find('=') != std::string::npos) continue;  // it cannot be asked for
+            if (key.find('=') != std::string::npos) continue;  // no look-up can name it
             EXPECT_EQ(Lookup(*dictionary, ("$$$" + key + "=d").c_str()), hidden ? u"" : value);
         }
     };
@@ -70,7 +70,7 @@ TEST(DictionaryText, LinesBecomeEntriesInBothStores) {
     check(u"\"\u0141=x\"", "A", u"x");
     check(u"\"a\u013Db\"", "a=b", u"");  // split before it is narrowed: no "="
     check(uR"("k=v\" rest)", "k", u"v\" rest");
-    check(uR"(\"k=v)", "\\\"k", u"v");  // an escaped mark opens nothing
+    check(uR"(\"k=v)", "\\\"k", u"v");  // an escaped mark does not open
     check(uR"("k=v\\" "l=w")", "k", uR"(v\" )");
     check(u"\"$$$=x\"", "", u"x");
     check(u"\"$$$$=x\"", "$", u"x");
@@ -88,7 +88,8 @@ TEST(DictionaryText, BadPrefixMakesInvalidAndTheRestIsKept) {
     }
 }
 
-// A stream meets its mark again: alone it is skipped, ahead of an unquoted key it is part of it.
+// A stream reads its mark again: alone on a line it is skipped, before an unquoted key it is part
+// of it.
 TEST(DictionaryText, StreamsSkipTheirMarkAndNothingElse) {
     const auto check = [](const std::string& bytes, const std::string& key) {
         std::istringstream stream(bytes);

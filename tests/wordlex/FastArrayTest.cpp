@@ -20,14 +20,14 @@ using lexon::SaveType;
 constexpr std::uint32_t kNoId = FastArray::kNoId;
 const std::string kBody = Hex(kLittleBody);
 
-// A held store, with texts for bytes.
+// A store with a reference to it, with texts for bytes.
 class Store {
 public:
     Store() : array(new FastArray) { array->AddReference(); }
     ~Store() { array->RemoveReference(); }
     FastArray* operator->() const { return array; }
 
-    // Of the value only `valueBytes`, when that is given.
+    // With `valueBytes`, only so many bytes of the value.
     std::uint32_t Add(std::string_view key, std::u16string_view value,
                       std::u16string_view accelerator = {}, std::size_t valueBytes = ~0UL) const {
         return array->Add(
@@ -43,7 +43,7 @@ public:
         const std::unique_ptr<char[]> text(array->FindStringId(id));
         return text == nullptr ? "(null)" : text.get();
     }
-    // The ids that an enumeration passes, valid or not.
+    // The ids that an enumeration visits, valid or not.
     std::string Pass() const {
         std::string ids;
         while (array->HasMoreItem())
@@ -168,7 +168,7 @@ TEST(FastArray, ArraysWithoutKeysHaveIdsAlone) {
 TEST(FastArrayLoad, IdBasesDecideBetweenMergingAndAppending) {
     struct Row {
         int line;
-        std::uint32_t held;  // entries "/A", "/1", ... that the store has
+        std::uint32_t held;  // entries "/A", "/1", ... in the store
         std::string_view idBase;
         std::uint32_t live;
         std::uint32_t b;  // the id of "/B" then
@@ -214,14 +214,14 @@ TEST(FastArrayLoad, OverridingKeepsTheOldEntryAlone) {
     }
 }
 
-// An image may say what no writer does, as long as it stays inside its tables.
+// An image may contain what no writer makes, as long as it stays inside its tables.
 TEST(FastArrayLoad, OddImagesAreTakenSoThatNothingWraps) {
     struct Row {
         int line;
         std::size_t offset;
         std::string_view patch;
         std::uint32_t live;    // in an empty store
-        std::uint32_t merged;  // in one that holds "/A" and "/Z"
+        std::uint32_t merged;  // in one that has "/A" and "/Z"
     };
     for (const Row& row : {Row{__LINE__, 9, "00000000", 0, 2},  // live count
                            Row{__LINE__, 9, "01000000", 2, 3}, Row{__LINE__, 9, "FFFFFFFF", 2, 3},

@@ -31,7 +31,7 @@ protected:
         table.reset();
         EXPECT_EQ(0, liveKeys) << "the table owns its items";
     }
-    // A key that shares its bucket with those of the other marks: the hash passes the mark over.
+    // A key in the same bucket as those of the other marks: the hash skips the mark.
     static std::string Chained(char mark) { return "0"s + mark + "2_4_6_8_"; }
     void Insert(const std::string& text, char mark) { table->Insert(new Key(text, mark)); }
     void InsertChain(const std::string& marks) {
@@ -53,7 +53,7 @@ protected:
     std::unique_ptr<HashTableGeneric> table = std::make_unique<HashTableGeneric>();
 };
 
-// Random operations show the rest of keys; items of other classes say only what they must.
+// Random operations cover the rest for keys; items of other classes need only these members.
 TEST_F(HashTable, FindsItemsByTheirBucketAndEquality) {
     struct Item final : HashItem {
         Item(unsigned long inBucket, char itemMark) : bucket(inBucket), mark(itemMark) {}

@@ -1,13 +1,12 @@
 #pragma once
-// Binary dictionaries for tests, written down as bytes: nothing here comes from the code under
-// test.
+// Binary dictionaries for tests, written as bytes: nothing here comes from the code under test.
 #include <sstream>
 #include <string>
 #include <string_view>
 
 namespace wordlex_tests {
 
-// Bytes from text of hexadecimal pairs and 'characters as they stand'; blanks count nothing.
+// Bytes from hexadecimal pairs and 'characters as they are'; blanks are ignored.
 inline std::string Hex(std::string_view text) {
     std::string bytes;
     for (std::size_t i = 0; i < text.size();) {
@@ -25,8 +24,8 @@ inline std::string Hex(std::string_view text) {
     return bytes;
 }
 
-// All hold "/A" = "Hi" and "/B" = U+20AC, whose slots are 0x224 and 0x225. Version 2 files also
-// hold the locale "fr_FR", those with keys the accelerator "B" of "/B".
+// All contain "/A" = "Hi" and "/B" = U+20AC, whose slots are 0x224 and 0x225. Version 2 files also
+// contain the locale "fr_FR", those with keys the accelerator "B" of "/B".
 inline constexpr std::string_view kMagic = "'Wordlex Binary Format'";
 inline constexpr std::string_view kLittleLocale = "05000000 'fr_FR'";
 inline constexpr std::string_view kBigLocale = "00000005 'fr_FR'";
@@ -51,7 +50,7 @@ inline constexpr std::string_view kBigBodyWithoutKeys =
     "00000000 00000004 0004 0002  0048 0069 20AC"
     "00000001 00000002 00000001 00000000 0002 0042";
 
-// A whole file from what stands behind the magic.
+// A whole file, from its parts after the magic.
 inline std::string File(std::string_view head, std::string_view locale, std::string_view body) {
     return Hex(kMagic) + Hex(head) + Hex(locale) + Hex(body);
 }
@@ -76,7 +75,7 @@ inline const std::string kVersion10File =
          "0200000000000000 '/A' 0400000000000000 48006900"
          "0200000000000000 '/B' 0200000000000000 AC20");
 
-// A stream buffer that cannot seek, as a pipe.
+// A stream buffer that cannot seek, like a pipe.
 struct PipeBuffer : std::stringbuf {
     using std::stringbuf::stringbuf;
     pos_type seekoff(off_type, std::ios_base::seekdir, std::ios_base::openmode) override {

@@ -18,7 +18,7 @@ using namespace lexon_private;
 constexpr unsigned kSteps = 500'000;
 constexpr unsigned kStepsBetweenChecks = 20'000;
 
-// One of 2000 keys, half of which share few buckets: the bucket hash passes their digits over.
+// One of 2000 keys, half of which share few buckets: the bucket hash skips their digits.
 std::string KeyOf(std::uint_fast32_t number) {
     const std::string digits = std::to_string(1000 + number % 1000);
     if (number % 2000 < 1000) return "/Key" + digits;
@@ -126,7 +126,7 @@ TEST(RandomOperations, KeepACompactStoreAsItsModel) {
         ASSERT_EQ(id, store.GetNumericId(key.c_str())) << key;
         check(id);
         const auto choice = random() % 1024;
-        if (choice < 2) {  // an image, merged or appended with keys that may be held
+        if (choice < 2) {  // an image, merged or appended with keys that may exist
             Dictionary image(true);
             CompactModel brought;
             for (unsigned i = 0; i < 5; ++i) {

@@ -10,7 +10,7 @@ namespace wordlex_tests {
 inline constexpr std::int64_t kParm = 0x5041524D;
 inline constexpr std::int64_t kBuff = 0x42554646;
 
-// Puts the process-wide procedures and encodings back when a test is done with them.
+// Restores the process-wide procedures and encodings after a test.
 struct SettingsGuard {
     ~SettingsGuard() {
         lexon_private::UnicodeUtil::SetConversionProcs(nullptr, nullptr, nullptr, nullptr);

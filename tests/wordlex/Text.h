@@ -16,7 +16,7 @@ inline std::vector<unsigned short> Units(std::u16string_view text) {
     return {text.begin(), text.end()};
 }
 
-// The same with a 0 behind.
+// The same with a 0 after them.
 inline std::vector<unsigned short> TerminatedUnits(std::u16string_view text) {
     std::vector<unsigned short> units = Units(text);
     units.push_back(0);

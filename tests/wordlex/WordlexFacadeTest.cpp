@@ -95,7 +95,7 @@ static_assert(lexon::encodings::kGb18030 == kCFStringEncodingGB_18030_2000);
 static_assert(lexon::encodings::kEucKr == kCFStringEncodingEUC_KR);
 static_assert(lexon::encodings::kUtf8 == kCFStringEncodingUTF8);
 
-// What looks right and is not does not compile.
+// Calls that look right but are wrong do not compile.
 template <class Digit>
 concept Replaces = requires(Wordlex text, Digit digit) {
     text.Replace(digit, text);
@@ -137,7 +137,7 @@ TEST(WordlexFacade, LooksKeysAndIdsUpInTheRegistry) {
     EXPECT_EQ(&registered, lexon_private::Dictionary::SetAsMain(41));
     EXPECT_EQ(u"l", TextOf(Wordlex("/L=default", 42, nullptr)));
     registered = lexon_private::Dictionary(true);
-    lexon_private::Dictionary().SetAsMain();  // and gone again
+    lexon_private::Dictionary().SetAsMain();  // and destroyed again
 }
 
 TEST(WordlexFacade, CopiesOut) {
@@ -245,7 +245,7 @@ TEST(DictionaryFacade, ForwardsToItsDictionary) {
     EXPECT_EQ(18U, text.str().size());
 }
 
-// A text that is handed out lies in one allocation with its handle.
+// A returned text is in one allocation with its handle.
 TEST(DictionaryFacade, HandsOutTextsThatOutliveTheirHandles) {
     lexon::Dictionary dictionary(true);
     dictionary.Add("held", TerminatedUnits(u"value").data(), 5, nullptr, nullptr, 0);

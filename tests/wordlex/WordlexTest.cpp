@@ -63,9 +63,9 @@ TEST(Wordlex, IsAsItWasAfterAFailedConversion) {
     EXPECT_EQ(units, text.GetData());
 }
 
-// Calls `copyOut(destination, capacity, throwIfTooSmall)` with destinations of exact sizes; each
-// string is one of them afterwards, whole, with '#' where nothing was written. Those before
-// `firstWhole` were too small, and raise 'BUFF' where that is asked for.
+// Calls `copyOut(destination, capacity, throwIfTooSmall)` with destinations of exact sizes. Each
+// string is one of them afterwards, whole, with '#' for units that were not written. Those before
+// `firstWhole` were too small, and raise 'BUFF' on request.
 template <class Unit, class CopyOut>
 void CheckCopyOut(const std::vector<std::u16string>& destinations, int firstWhole,
                   CopyOut copyOut) {
@@ -109,7 +109,7 @@ TEST(WordlexCopyOut, CutsEightBitTextSilentlyAtAWholeCharacter) {
     });
 }
 
-// The sign of the order, as the six operators and CompareTo agree on it.
+// The sign of the order; the six operators and CompareTo must agree.
 int OrderOf(const Wordlex& a, const Wordlex& b) {
     const int order = a.CompareTo(b);
     EXPECT_EQ(order == 0, a == b);
@@ -140,8 +140,8 @@ TEST(Wordlex, KnowsWhiteSpace) {
     EXPECT_FALSE(Make(u" x ").IsAllWhiteSpace());
 }
 
-// What `operation` makes of each text, in rows "before→after" with '|' between them. Other holders
-// of the text keep it, and a text that stays the same keeps its very value.
+// The result of `operation` for each text, in rows "before→after" with '|' between them. Other
+// holders of the text keep it, and a text that does not change keeps its value object.
 template <class Operation>
 void CheckAll(std::u16string_view rows, Operation operation) {
     while (!rows.empty()) {

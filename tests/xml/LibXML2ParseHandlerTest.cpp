@@ -12,7 +12,8 @@
 #include "host/vexacore/Utility.h"
 #include "tests/TemporaryFolder.h"
 
-// Stand in front of the C library's own for all that this program links to, and count their calls.
+// They replace the C library's own for everything that this program links to, and count their
+// calls.
 static int opened = 0, connected = 0;
 static int loaded = 0;  // conversions, for which the C library may load a module
 
@@ -155,7 +156,7 @@ TEST(Malformed, DocumentsGiveTheEventsBeforeTheFirstErrorOnly) {
     check("<a>&unknown;<b>two</b></a>", open);
     check("<a><b x=1>two</b>x</a>", open);
     check("<a><b x='1' x='2'>two</b>x</a>", open);
-    check("<a>one]]>two<b/></a>", open);  // found before the text is handed on
+    check("<a>one]]>two<b/></a>", open);  // found before the text is passed on
     check("<a>one & two<b>three</b></a>", open + "text[one ] ");
     check("<a>one<![CDATA", one);
     check("<a>one<!--two--three--><b/></a>", one);
@@ -228,7 +229,7 @@ TEST(Entities, ExternalOnesAreRefused) {
     const TemporaryFolder folder;
     const std::string file = folder.Write("secret", "SECRET").native();
     opened = connected = 0;
-    testing::internal::CaptureStderr();  // that nothing listens at the address
+    testing::internal::CaptureStderr();  // nothing listens at the address
     for (const char* named : {file.c_str(), "http://127.0.0.1:1/x"})
         xmlFreeParserInputBuffer(xmlParserInputBufferCreateFilename(named, XML_CHAR_ENCODING_NONE));
     testing::internal::GetCapturedStderr();
@@ -266,7 +267,7 @@ TEST(Encodings, OnlyUnusualOnesAreLeftToTheCLibrary) {
     }
 }
 
-// The piece as often as said, each '#' in it being the number of the piece.
+// The piece so many times; each '#' in it becomes the number of the piece.
 std::string Repeat(int count, const std::string& piece) {
     std::string all;
     for (int i = 0; i < count; ++i)
@@ -333,8 +334,8 @@ TEST(Limits, EndDocumentsThatNestOrListTooMuch) {
     CheckCode(kParseSucceeded, "<a><![CDATA[x<y", 20'000, " 'a',", "]]></a>");
 }
 
-// libxml2 2.9.14 stores null for a default value that its dictionary has no room for, and crashes
-// itself where that is a namespace.
+// libxml2 2.9.14 stores null for a default value that does not fit into its dictionary, and crashes
+// when that is a namespace.
 TEST(Limits, FullDictionaryEndsTheDocument) {
     const std::string dtd = "<!DOCTYPE a [<!ATTLIST a ", large(200'000, 'u');
     CheckCode(kParseSucceeded, "<a>", 15'000, "<b#/>", "</a>");
@@ -347,8 +348,8 @@ TEST(Limits, FullDictionaryEndsTheDocument) {
     CheckCode(kParseFailed, dtd, 20, named, ">]><a/>");
 }
 
-// Each took libxml2 2.9.14 from 7 seconds to more than a minute before it was limited, and takes
-// less than a tenth of the allowed time now.
+// Without limits, each took libxml2 2.9.14 from 7 seconds to more than a minute. Now each takes
+// less than a tenth of the allowed time.
 TEST(Limits, BoundTheTime) {
     std::string pairs = kUtf7 + "<a" + Repeat(50, " xmlns:p#='u#'");
     for (int i = 0; i < 50; ++i)

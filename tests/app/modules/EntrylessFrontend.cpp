@@ -1,2 +1,2 @@
-// A module that loads and has none of the names that are looked up.
+// A module that loads but exports none of the expected names.
 extern "C" [[gnu::visibility("default")]] int SomethingElse() { return 0; }

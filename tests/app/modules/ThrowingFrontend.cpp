@@ -4,7 +4,7 @@
 
 namespace {
 
-// A type of the module's own: it must stay usable after the module has been released.
+// A type of the module: it must stay usable after the module has been released.
 class Torn final : public std::exception {
 public:
     const char* what() const noexcept override { return "the film has torn"; }

@@ -6,8 +6,8 @@
 #include "host/vexacore/Localizer.h"
 #include "host/vexacore/Utility.h"
 
-// Notes its arguments and the text of one key as a host event; throws for a negative `second`, else
-// gives it back.
+// Records its arguments and the text of one key as a host event. Throws for a negative `second`,
+// else returns it.
 extern "C" [[gnu::visibility("default")]] std::int32_t AppMain(std::intptr_t first,
                                                                std::int32_t second,
                                                                std::int32_t third) {

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Drives `wordlex lsp` as an editor does and checks what it answers.
+"""Drives `wordlex lsp` as an editor does and checks its responses.
 
 usage: exchange.py WORDLEX [METAMODEL]
 
-With METAMODEL, the protocol's metaModel.json, every message of both sides is held to it.
+With METAMODEL, the protocol's metaModel.json, every message of both sides is checked against it.
 """
 import json
 import os
@@ -118,7 +118,7 @@ class Model:
 
 
 class Client:
-    """One side of the exchange. `asked` has the methods of the requests that are not answered."""
+    """One side of the exchange. `asked` has the methods of the requests without a response so far."""
 
     def __init__(self, wordlex, model):
         self.model = model
@@ -477,16 +477,16 @@ def main():
     path = sys.argv[2] if len(sys.argv) > 2 else ""
     model = Model(path) if os.path.exists(path) else None
     if model is None:
-        print("no metaModel.json: the messages are not held to the protocol")
+        print("no metaModel.json: the messages are not checked against the protocol")
     with tempfile.TemporaryDirectory() as folder:
         test = Test(wordlex, model, os.path.realpath(folder))
         try:
             test.run()
         finally:
             test.client.server.kill()
-        print(f"{test.client.checked} messages are of the protocol")
+        print(f"{test.client.checked} messages conform to the protocol")
     if model is not None and test.client.checked < 50:
-        sys.exit("too few messages were held to the protocol")
+        sys.exit("too few messages were checked against the protocol")
 
 
 if __name__ == "__main__":
