@@ -27,7 +27,7 @@ std::size_t Count(Bytes table) noexcept {
     return table.size() / sizeof(T);
 }
 
-// The `length` bytes at `offset`, where they lie inside.
+// The `length` bytes at `offset`, if they are inside.
 inline std::optional<Bytes> Part(Bytes bytes, std::uint64_t offset, std::uint64_t length) noexcept {
     if (offset > bytes.size() || length > bytes.size() - offset) return std::nullopt;
     return bytes.subspan(static_cast<std::size_t>(offset), static_cast<std::size_t>(length));

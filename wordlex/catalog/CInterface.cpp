@@ -22,7 +22,7 @@ namespace {
 using lexon::Argument;
 using lexon::Formatter;
 
-// No exception goes out to C; memory is what can be missing.
+// No exception may reach C; only exhausted memory throws here.
 template <class Work>
 auto OrNull(Work work) noexcept -> decltype(work()) {
     try {

@@ -1,20 +1,20 @@
 #pragma once
-// Localized texts for programs of today: load a dictionary, look texts up from any thread.
+// Localized texts: load a dictionary, and look up texts from any thread.
 //
 //     const lexon::Catalog texts = lexon::Catalog::Load("texts/de.dat");  // throws LoadException
 //     std::u16string label = texts.Text("$$$/Menu/Open=Open...");
 //
 // Reads every dictionary that the library reads: text, and binary of versions 1.0, 1.5 and 2. For
-// each key the answer is that of lexon::Dictionary, which is for hosts of its own time;
-// docs/embedding.md says which of the two to take. This header needs the C++ library alone.
+// each key it returns the same text as lexon::Dictionary, the older interface; docs/embedding.md
+// compares the two. This header needs only the C++ library.
 //
-// Units:    texts are UTF-16 in host byte order; std::string holds UTF-8 where a name says so.
-// Keys:     "$$$/Path/Name=Default text" as callers write them, whole or in parentheses:
+// Units:    texts are UTF-16 in host byte order. std::string is UTF-8 where a name says so.
+// Keys:     "$$$/Path/Name=Default text" as callers write them, alone or in parentheses:
 //           "($$$/Path/Name=Default text)". "$$$" and the default text may be left out. The key is
-//           what stands between "$$$" and the first "=", compared byte by byte. An empty key, or
-//           one that begins with "$" but not with "$$$", is never found.
-// Threads:  a Catalog never changes, so any number of threads look up at once without a lock.
-//           Loading takes a lock of its own; see Load for programs that use lexon::Dictionary too.
+//           the text between "$$$" and the first "=", compared byte by byte. An empty key, or one
+//           that begins with "$" but not with "$$$", is never found.
+// Threads:  a Catalog never changes, so any number of threads look up texts at once without a lock.
+//           Loading takes a lock of its own; see Load for programs that also use lexon::Dictionary.
 
 #include <chrono>
 #include <concepts>
@@ -45,13 +45,13 @@ class LanguageFormats;
 // Why a dictionary was not loaded, and where.
 struct LoadError {
     enum class Code : int {
-        kMissing = 1,         // there is no such file
+        kMissing = 1,         // the file does not exist
         kNotAFile,            // a folder, a pipe, a device
         kUnreadable,          // the system refuses to open or to read it
         kNotADictionary,      // fewer than two bytes
         kCutShort,            // a binary dictionary ends early
         kMalformed,           // its content contradicts itself, or a text entry begins with "$"
-        kUnsupportedVersion,  // a binary dictionary of a version that is not known
+        kUnsupportedVersion,  // a binary dictionary of an unknown version
         kOutOfMemory,
     };
 
@@ -66,7 +66,7 @@ struct LoadError {
     std::string Message() const;
 };
 
-// What the throwing forms throw; what() is the error's Message().
+// Thrown by the functions that do not return errors; what() is the error's Message().
 class LoadException : public std::runtime_error {
 public:
     explicit LoadException(LoadError why)
@@ -77,14 +77,14 @@ private:
     LoadError error;
 };
 
-// A line of a text dictionary of which something does not reach the catalog.
+// A line of a text dictionary that is lost in part or as a whole.
 struct LoadWarning {
     std::size_t line = 0;    // from 1
     std::size_t column = 0;  // from 1, in UTF-16 units; 0: the whole line
     std::string reason;
 };
 
-// One entry of a catalog. Everything in it is borrowed from the catalog.
+// One entry of a catalog. All members are borrowed from the catalog.
 struct Entry {
     std::uint32_t id = 0;
     std::string_view key;  // empty in a dictionary without keys
@@ -93,8 +93,8 @@ struct Entry {
 };
 
 // A value for a text, with or without a name. Its texts are borrowed and must outlive the call.
-// 8-bit texts are UTF-8; bytes that are not become U+FFFD. A null pointer is the empty text.
-// Points in time are shown as date and time in the system's time zone, days as a date alone.
+// 8-bit texts are UTF-8; invalid bytes become U+FFFD. A null pointer is the empty text. Points in
+// time are shown as date and time in the system's time zone, days as a date alone.
 class Argument {
 public:
     enum class Kind : std::uint8_t { kUtf16, kUtf8, kSigned, kUnsigned, kFloating, kTime, kDay };
@@ -133,7 +133,7 @@ public:
 
     std::string_view Name() const noexcept { return name; }  // empty without one
     Kind GetKind() const noexcept { return kind; }
-    // Each is valid for an argument of its kind alone.
+    // Each is valid only for an argument of its kind.
     std::u16string_view Utf16() const noexcept { return {value.utf16, size}; }
     std::string_view Utf8() const noexcept { return {value.utf8, size}; }
     std::int64_t Signed() const noexcept { return value.integer; }
@@ -154,13 +154,13 @@ private:
     Kind kind;
 };
 
-// The arguments of one call: {3, 17}, {{"clips", 3}, {"tracks", 2}}, or a vector of them.
-// Borrowed: to be used as the parameter of a call alone.
+// The arguments of one call: {3, 17}, {{"clips", 3}, {"tracks", 2}}, or a vector of them. Borrowed:
+// use it only as the parameter of a call.
 //
-// Arguments without a name are numbered in their order: the first stands for the marker "^1", the
-// ninth for "^9", the tenth for "^0"; in a message the first stands for "{0}". Arguments with a
-// name stand for the parameter tag or the message argument of that name; one whose name is a single
-// digit also stands for that marker.
+// Arguments without a name are numbered in order. The first replaces the marker "^1", the ninth
+// "^9", the tenth "^0"; in a message the first replaces "{0}". Arguments with a name replace the
+// parameter tag or the message argument of that name. An argument whose name is a single digit also
+// replaces that marker.
 class Arguments {
 public:
     Arguments() = default;
@@ -180,7 +180,7 @@ private:
 
 // What happens when the arguments do not fit the text.
 enum class OnMismatch : std::uint8_t {
-    kShow,   // what cannot be filled stays as it is written; arguments without a place are ignored
+    kShow,   // places that cannot be filled stay as they are; superfluous arguments are ignored
     kThrow,  // a FormatError
 };
 
@@ -190,11 +190,11 @@ struct FormatOptions {
     bool isolate = true;
 };
 
-// Why a text could not be formatted. what() names the argument or the place in the pattern.
+// Why formatting failed. what() names the argument or the place in the pattern.
 class FormatError : public std::runtime_error {
 public:
     enum class Code : std::uint8_t {
-        kMissingArgument,      // the text has a place for an argument that was not given
+        kMissingArgument,      // the text has a place for an argument that is missing
         kSuperfluousArgument,  // an argument has no place in the text
         kMalformedMessage,     // the text is not a message pattern
         kWrongType,            // a message needs another type, such as a number for a plural
@@ -207,21 +207,21 @@ private:
     Code code;
 };
 
-// Fills texts with values as one language writes them.
-// Copies share the language's formatters, which are made once in a process and kept.
-// Threads: any number may use one object at once.
+// Fills texts with values in the format of one language. Copies share the language's formatters,
+// which are made once in a process and kept.
+// Threads: any number of threads may use one object at once.
 class Formatter {
 public:
-    // A locale name such as "de", "pt_BR" or "zh-Hant". For a language that is not known, and for
-    // the empty name, numbers and dates are written as in no language in particular.
+    // A locale name such as "de", "pt_BR" or "zh-Hant". For an unknown language and for the empty
+    // name, numbers and dates are in a neutral format.
     explicit Formatter(std::string_view language = {});
 
-    // Fills markers ("^0" to "^9") and parameter tags (<param name="clips"/>) in one pass: what was
-    // filled in is not searched again. "^^1" is "^" and a marker, as the engine replaces it.
+    // Fills markers ("^0" to "^9") and parameter tags (<param name="clips"/>) in one pass: the
+    // values are not searched again. "^^1" is "^" and a marker, as in the engine.
     std::u16string Format(std::u16string_view text, Arguments arguments,
                           const FormatOptions& options = {}) const;
     // Fills an ICU message pattern: {clips, plural, one {# clip} other {# clips}}. A pattern is
-    // parsed once and kept. Of a malformed pattern kShow returns the pattern.
+    // parsed once and kept. With kShow, a malformed pattern is returned unchanged.
     std::u16string FormatMessage(std::u16string_view pattern, Arguments arguments,
                                  const FormatOptions& options = {}) const;
 
@@ -242,26 +242,27 @@ class LoadResult;
 //         allocates nothing unless it returns a string. A version 2 file without an index gets one
 //         after 64 look-ups, within one of them: 5 ms and 35 bytes an entry for 100,000 entries.
 //         The look-ups before it search the file's own lists.
-// Failure: what is not there is std::nullopt. Strings that are made can throw std::bad_alloc.
+// Failure: std::nullopt for what does not exist. Functions that return strings can throw
+//          std::bad_alloc.
 class Catalog {
 public:
     class Entries;
 
     Catalog() noexcept = default;  // empty
 
-    // Loads a file. TryLoad returns a LoadError instead of throwing, exhausted memory included.
-    // A file that `wordlex compile --indexed` wrote is mapped: nothing is read before it is asked
-    // for, so replace such a file by renaming another one onto it, never in place. Other files are
-    // read whole. A file that is not regular is refused without being opened for reading.
-    // The lines of text dictionaries go through the older part of the library, of which several
-    // threads must not use anything at once: a program that also uses lexon::Dictionary takes its
-    // lock for loading a text or a version 1 file, too.
+    // Loads a file. TryLoad returns a LoadError instead of throwing, also for exhausted memory. A
+    // file written by `wordlex compile --indexed` is mapped: its pages are read on first use, so
+    // replace such a file by renaming another one onto it, never in place. Other files are read
+    // completely. A file that is not regular is refused without being opened for reading. Text
+    // dictionaries and version 1 files go through the older part of the library, which only one
+    // thread may use at a time. So a program that also uses lexon::Dictionary must take its lock
+    // for loading such files, too.
     static Catalog Load(const std::filesystem::path& file);
     static LoadResult TryLoad(const std::filesystem::path& file) noexcept;
 
-    // Loads a dictionary from memory. With a keeper nothing is copied of an indexed file, and the
-    // bytes stay as they are until the keeper is released: by the last copy of the catalog. The
-    // keeper may be any owner, of a mapping for instance; null says that the bytes live for ever.
+    // Loads a dictionary from memory. With a keeper an indexed file is not copied, and the bytes
+    // must not change until the last copy of the catalog releases the keeper. The keeper may be any
+    // owner, for example of a mapping; null means that the bytes live for ever.
     static Catalog Load(std::span<const std::byte> bytes);
     static Catalog Load(std::span<const std::byte> bytes, std::shared_ptr<const void> keeper);
     static LoadResult TryLoad(std::span<const std::byte> bytes) noexcept;
@@ -270,41 +271,41 @@ public:
 
     // The text of the key, in place.
     std::optional<std::u16string_view> Find(std::string_view key) const noexcept;
-    // The same for a zero-terminated key such as a literal: a little faster, as a default text is
-    // not read.
+    // The same for a zero-terminated key such as a literal. A little faster, because it does not
+    // read the default text.
     template <std::same_as<const char*> Key>
     std::optional<std::u16string_view> Find(Key key) const noexcept {
         return FindTerminated(key);
     }
-    // The text of the key, else its default text: UTF-8, with its escapes converted as those of a
-    // dictionary are. Bytes that are not UTF-8 become U+FFFD.
+    // The text of the key, else its default text: UTF-8, with its escapes converted like those of a
+    // dictionary. Invalid bytes become U+FFFD.
     std::u16string Text(std::string_view key) const;
     // The same as UTF-8. Halves of surrogate pairs become U+FFFD.
     std::string TextUtf8(std::string_view key) const;
 
-    // The same text, filled as a Formatter of the language Locale() does it. Text dictionaries do
-    // not name their language: use a Formatter of your own with them. Whether a text is a message
-    // pattern is not in the file: the caller knows, as it knows the arguments.
+    // The same text, filled by a Formatter of the language Locale(). Text dictionaries do not name
+    // their language: use a Formatter of your own with them. The file does not say whether a text
+    // is a message pattern; the caller knows, as it knows the arguments.
     std::u16string Format(std::string_view key, Arguments arguments,
                           const FormatOptions& options = {}) const;
     std::u16string FormatMessage(std::string_view key, Arguments arguments,
                                  const FormatOptions& options = {}) const;
 
-    // Ids count from 0. Those of version 2 files stand in the file; the entries of other
-    // dictionaries are numbered in the order in which Entries visits them.
+    // Ids count from 0. Version 2 files contain them. The entries of other dictionaries are
+    // numbered in the order of All().
     std::optional<std::u16string_view> Find(std::uint32_t id) const noexcept;
     std::optional<std::uint32_t> IdOf(std::string_view key) const noexcept;
     std::optional<std::string_view> KeyOf(std::uint32_t id) const noexcept;
-    // The accelerator string of an entry that has one. Only version 2 files have them.
+    // The accelerator string of an entry, if it has one. Only version 2 files have them.
     std::optional<std::u16string_view> Accelerator(std::string_view key) const noexcept;
     std::optional<std::u16string_view> Accelerator(std::uint32_t id) const noexcept;
 
     // A forward range over all entries in the order of their ids: for (const Entry& entry : ...).
     // It borrows the catalog's content.
     Entries All() const noexcept;
-    // The name that the file gives its language, such as "fr_FR"; empty for text and version 1.
+    // The language name in the file, such as "fr_FR"; empty for text and version 1.
     std::string_view Locale() const noexcept;
-    // Of a text dictionary, ascending by line; empty for any other.
+    // For a text dictionary, ascending by line; empty for any other.
     std::span<const LoadWarning> Warnings() const noexcept;
 
 private:
@@ -358,7 +359,7 @@ private:
     const detail::CatalogStore* store;  // null: no entries
 };
 
-// A catalog or the reason why there is none.
+// A catalog, or the reason why loading failed.
 class LoadResult {
 public:
     LoadResult(Catalog loaded) noexcept : content(std::move(loaded)) {}
@@ -366,7 +367,7 @@ public:
 
     bool Ok() const noexcept { return content.index() == 0; }
     explicit operator bool() const noexcept { return Ok(); }
-    // Throws LoadException when there is none.
+    // Throws LoadException when loading failed.
     const Catalog& Value() const {
         if (!Ok()) throw LoadException(Error());
         return *std::get_if<0>(&content);
@@ -380,8 +381,8 @@ private:
     std::variant<Catalog, LoadError> content;
 };
 
-// Several catalogs in order: the first one that has a key answers.
-// Threads: as a Catalog's, once it is built.
+// Several catalogs in order: the first one that has a key is used.
+// Threads: as for a Catalog, once it is built.
 class Chain {
 public:
     struct Link {
@@ -390,13 +391,13 @@ public:
     };
     struct Answer {
         std::u16string_view text;
-        const Link* link;  // which catalog gave it; valid while the chain lives unchanged
+        const Link* link;  // the catalog with the text; valid while the chain lives unchanged
     };
 
-    // The order in which the languages of a product serve its user: those that the user prefers as
-    // MuiSortLocalesPerUserPreference places them (for "pt_BR": "pt_BR", then "pt", then others of
-    // the family), then the product's `own`; the others are left out. `preferred` stands for the
-    // system's list of languages unless it is empty.
+    // The order of a product's languages for its user: first the preferred ones in the order of
+    // MuiSortLocalesPerUserPreference (for "pt_BR": "pt_BR", then "pt", then others of the family),
+    // then the product's `own`. The others are left out. `preferred` replaces the system's list of
+    // languages unless it is empty.
     static std::vector<std::string> Order(std::span<const std::string> available,
                                           const std::string& own,
                                           std::span<const std::string> preferred = {});
@@ -408,10 +409,10 @@ public:
     }
 
     std::optional<Answer> Find(std::string_view key) const noexcept;
-    std::u16string Text(std::string_view key) const;  // else the default text, as Catalog's
+    std::u16string Text(std::string_view key) const;  // else the default text, as in Catalog
     std::string TextUtf8(std::string_view key) const;
-    // Filled as the language of the link writes it that gave the text; a default text as that of
-    // the last link, the product's own.
+    // Filled in the language of the link with the text; a default text in the language of the last
+    // link, the product's own.
     std::u16string Format(std::string_view key, Arguments arguments,
                           const FormatOptions& options = {}) const;
     std::u16string FormatMessage(std::string_view key, Arguments arguments,
@@ -424,7 +425,7 @@ private:
     std::vector<Link> links;
 };
 
-// A catalog that is loaded anew while others read it.
+// A catalog that is reloaded while others read it.
 // Threads: all members but the destructor may run at once in any threads.
 class ReloadingCatalog {
 public:
@@ -433,10 +434,10 @@ public:
     ReloadingCatalog& operator=(const ReloadingCatalog&) = delete;
     ~ReloadingCatalog();
 
-    // The catalog of this moment. It stays as it is, with every view into it, while the caller
-    // keeps it: take it once for each piece of work, not for each text.
+    // The current catalog. It and all views into it stay unchanged while the caller keeps it: call
+    // this once for each piece of work, not for each text.
     Catalog Current() const noexcept;
-    // Loads the file again and swaps it in in one step. On an error the catalog stays.
+    // Reloads the file and swaps the catalog in one step. After an error the old one stays.
     std::optional<LoadError> Reload() noexcept;
     const std::filesystem::path& File() const noexcept;
 
@@ -446,10 +447,10 @@ private:
 };
 
 // Reloads a catalog whenever its file is saved: for development. Owns a thread, which its
-// destructor ends; the catalog outlives it.
+// destructor ends. The catalog outlives it.
 class Watcher {
 public:
-    // Calls `reloaded` in that thread after each attempt, with the error or null; it must not throw
+    // Calls `reloaded` in that thread after each attempt, with the error or null. It must not throw
     // and may be empty. Throws std::system_error when the file's folder cannot be watched.
     explicit Watcher(ReloadingCatalog& catalog,
                      std::function<void(const LoadError*)> reloaded = {});

@@ -1,4 +1,4 @@
-// Text and version 1, of which the engine reads the lines and the entries.
+// Text and version 1 files, whose lines and entries the engine reads.
 #include <algorithm>
 #include <limits>
 #include <mutex>
@@ -20,7 +20,7 @@ using lexon_private::ImageReader;
 
 namespace {
 
-// The engine shares text in plain counters and keeps its converters for all: one load at a time.
+// The engine shares texts by plain counters and has one set of converters: one load at a time.
 std::mutex engineLock;
 
 [[noreturn]] void Refuse(LoadError::Code code, std::size_t line, std::size_t column,
@@ -28,10 +28,10 @@ std::mutex engineLock;
     throw LoadFault{{.code = code, .line = line, .column = column, .reason = std::move(reason)}};
 }
 
-// Entries as they come, each at the end of what is there; a key that is there already keeps its id.
+// New entries, each after the older ones. An existing key keeps its id.
 class Collector {
 public:
-    // The line and column are kept for what is said of a text that another one replaces.
+    // Line and column are kept for the warning about a text that is replaced.
     void Add(std::string_view key, const unsigned short* units, std::size_t unitCount,
              std::size_t line = 0) {
         entries.push_back({keys.size(), key.size(), texts.size(), unitCount, line});
@@ -42,8 +42,8 @@ public:
             Refuse(LoadError::Code::kMalformed, line, 0, "more than 4 GB of keys or of texts");
     }
 
-    // Of two texts of a key the last one counts. Calls replaced(line of the text that is lost, line
-    // of the one that counts).
+    // Of two texts of a key the last one counts. Calls replaced(line of the lost text, line of the
+    // one that counts).
     template <class Replaced>
     std::shared_ptr<CatalogStore> Finish(Replaced replaced) {
         auto store = std::make_shared<CatalogStore>();
@@ -121,8 +121,8 @@ private:
     std::vector<Collected> entries;
 };
 
-// The lines of a text as an editor numbers them: CR LF ends one line, where the engine sees an
-// empty one between.
+// The lines of a text as an editor numbers them: CR LF ends one line. The engine sees an empty line
+// between CR and LF.
 class LineCounter {
 public:
     LineCounter(Bytes text, bool isWide, bool isBigEndian) noexcept
@@ -258,7 +258,7 @@ private:
     std::vector<LoadWarning> warnings;
     std::string narrowed;
     std::vector<unsigned short> resolved;
-    bool quoted = false;  // some line has had a quotation mark
+    bool quoted = false;  // some line has a quotation mark
 };
 
 }  // namespace
@@ -283,7 +283,8 @@ std::shared_ptr<CatalogStore> LoadVersion1(Bytes file) {
     if (!reader.Ok()) ThrowFault(reader);
     Collector entries;
     table.ForEach([&](const lexon_private::HashItem& item) {
-        if (table.Find(item) != &item) return;  // in a wrong slot, or after another of its key
+        if (table.Find(item) != &item)
+            return;  // in a wrong slot, or after another entry of its key
         const auto& entry = static_cast<const DictionaryEntry&>(item);
         entries.Add({reinterpret_cast<const char*>(entry.GetData()), entry.GetLength()},
                     entry.GetValue().GetData(), entry.GetValue().GetLength());

@@ -86,7 +86,7 @@ const LanguageFormats& LanguageFormats::For(std::string_view language) {
     };
     // Never freed: formatters may be in use in threads that outlive the static objects.
     static Known& known = *new Known;
-    // A thread mostly asks for the language that it asked for last.
+    // A thread mostly uses the language that it used last.
     static thread_local std::pair<std::string, const LanguageFormats*> last;
     if (last.second != nullptr && last.first == language) return *last.second;
     const std::string name(language);
@@ -192,13 +192,13 @@ namespace {
 bool IsDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
 
 // Finds parameter tags: <param name="NAME"/>, with spaces wherever the engine's substitution allows
-// them. Like there, what breaks a tag is consumed with it and does not begin another one.
+// them. As there, a character that breaks a tag is consumed and does not begin another one.
 class TagScanner {
 public:
     TagScanner(std::u16string_view scannedText, Arguments givenArguments)
         : text(scannedText), arguments(givenArguments) {}
 
-    // The complete tag that begins with the "<" at `at`: false where there is none.
+    // Matches the complete tag that begins with the "<" at `at`; false when there is none.
     bool Match(std::size_t at) {
         if (at < searchedTo) return false;
         argument = nullptr;
@@ -218,13 +218,13 @@ public:
         if (argument != nullptr) searchedTo = complete ? i : i + 1;
         return complete;
     }
-    // Of the tag that matched last.
+    // Of the last matching tag.
     std::u16string_view Name() const { return name; }
     const Argument* GivenArgument() const { return argument; }
     std::size_t End() const { return end; }
 
 private:
-    // Steps over spaces and then the word.
+    // Skips spaces and then the word.
     bool Skip(std::size_t& i, std::u16string_view word) const {
         while (i < text.size() && text[i] == u' ')
             ++i;
@@ -307,8 +307,8 @@ public:
     }
 
 private:
-    // Fills the place that begins at `i`, with the text since `copied` before it. Returns its end,
-    // or 0 where there is none.
+    // Fills the place that begins at `i`, and appends the text since `copied` before it. Returns
+    // its end, or 0 when there is no place.
     std::size_t FillAt(std::size_t i, std::size_t copied) {
         const Argument* argument = nullptr;
         std::size_t end = 0;

@@ -1,5 +1,5 @@
 #pragma once
-// How one language writes numbers, dates and texts of the other direction.
+// How one language formats numbers, dates and texts of the other direction.
 #include <unicode/datefmt.h>
 #include <unicode/locid.h>
 #include <unicode/numberformatter.h>
@@ -26,7 +26,7 @@ public:
     MessageCache& Messages() const { return messages; }
 
     void Append(std::u16string& out, const Argument& argument, bool isolate) const;
-    // Whether the text holds a letter of the direction that the language is not written in.
+    // Whether the text contains a letter of the other direction than the language's.
     bool HasOtherDirection(std::u16string_view text) const;
 
 private:
@@ -37,9 +37,9 @@ private:
     icu::Locale locale;
     bool rightToLeft;
     icu::number::LocalizedNumberFormatter numbers;
-    // The digit 0 where numbers below 1,000 are nothing but their digits, else 0.
+    // The digit 0, if numbers below 1,000 consist only of their digits, else 0.
     char16_t zeroDigit = 0;
-    // ICU's date formats may not be used by two threads at once.
+    // Two threads may not use ICU's date formats at once.
     mutable std::mutex dateLock;
     std::unique_ptr<icu::DateFormat> timeFormat;
     std::unique_ptr<icu::DateFormat> dayFormat;  // in UTC
@@ -52,7 +52,7 @@ bool IsSame(std::string_view utf8, std::u16string_view text);
 
 // Throws a FormatError that names the place without an argument, "^3" or "{clips}".
 [[noreturn]] void RefuseMissing(std::u16string_view place);
-// Throws a FormatError for the first argument that is not used.
+// Throws a FormatError for the first unused argument.
 void RefuseUnused(Arguments arguments, const std::vector<bool>& used);
 
 }  // namespace lexon::detail

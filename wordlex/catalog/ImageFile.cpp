@@ -13,7 +13,7 @@ using lexon_private::ImageReader;
 
 namespace {
 
-// The bytes are the loader's own.
+// The bytes belong to the loader.
 template <class T>
 void Set(Bytes table, std::size_t i, T value) noexcept {
     std::memcpy(const_cast<std::byte*>(table.data()) + i * sizeof(T), &value, sizeof value);
@@ -42,7 +42,7 @@ void SwapAll(const ImageParts& parts) noexcept {
     SwapTexts(parts.accelerators);
 }
 
-// What is wrong with the content of an image, by the place where it stands.
+// Finds faults in the content of an image, by their places.
 class Checker {
 public:
     explicit Checker(Bytes image) noexcept : file(image) {}
@@ -62,7 +62,7 @@ public:
     }
 
 private:
-    // Goes through all items without a branch, and looks for the bad one only when there is one.
+    // Checks all items without a branch, and searches for the bad one only when there is one.
     template <class IsBad>
     void RefuseFirst(Bytes table, std::size_t itemSize, std::size_t count, ImageFault fault,
                      IsBad isBad) const {
@@ -81,8 +81,8 @@ private:
     Bytes file;
 };
 
-// Puts texts that lie at odd addresses where they can be handed out: into a copy of their area, or
-// into one of the area without its first byte.
+// Moves texts at odd addresses to even ones: into a copy of their area, or of the area without its
+// first byte.
 void Align(Strings& texts, CatalogStore& store) {
     const std::size_t count = texts.offsets.size() / sizeof(std::uint32_t);
     std::uint32_t allOffsets = 0;
@@ -118,7 +118,7 @@ void Align(Strings& texts, CatalogStore& store) {
 
 void Adopt(const ImageParts& parts, CatalogStore& store) {
     store.locale = parts.header.locale.value_or("");
-    if (parts.liveCount == 0) return;  // the image brings nothing
+    if (parts.liveCount == 0) return;  // the image is to be ignored
     store.entryCount = parts.entryCount;
     store.keyed = parts.keyed;
     store.keys = parts.keys;
@@ -166,8 +166,8 @@ bool IsBinary(Bytes file) noexcept {
 }
 
 bool WantsOddAddress(Bytes head) noexcept {
-    // The tables before the key area have even sizes; what is odd comes from the fixed fields, the
-    // locale and the keys.
+    // The tables before the key area have even sizes. Only the fixed fields, the locale and the
+    // keys can have odd ones.
     try {
         ImageReader reader = ReaderOf(head);
         lexon_private::PassMagic(reader);

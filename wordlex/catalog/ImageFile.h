@@ -5,9 +5,9 @@
 
 namespace lexon::detail {
 
-// LoadImage with the parts as the store has them.
+// LoadImage, with the parts as they are in the store.
 std::shared_ptr<CatalogStore> LoadImage(OwnedBytes file, ImageParts& parts);
-// What a store takes over from the parts of its image; nothing when none of its entries is alive.
+// Copies the parts of an image to its store; nothing when none of its entries is alive.
 void Adopt(const ImageParts& parts, CatalogStore& store);
 
 }  // namespace lexon::detail

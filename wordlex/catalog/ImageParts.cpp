@@ -40,7 +40,7 @@ void ThrowFault(const ImageReader& reader) {
 void ImageParts::ReadHead(ImageReader& reader) {
     lexon_private::PassMagic(reader);
     header = lexon_private::ReadBinaryHeader(reader);
-    reader.Get<std::uint32_t>();  // the id base: an empty store takes any for 0
+    reader.Get<std::uint32_t>();  // the id base: an empty store treats any as 0
     keyed = reader.Get<std::uint8_t>() != lexon_private::kNotKeyed;
     entryCount = reader.Get<std::uint32_t>();
     liveCount = reader.Get<std::uint32_t>();

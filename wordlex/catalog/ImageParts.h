@@ -5,9 +5,9 @@
 
 namespace lexon::detail {
 
-// Where the parts of a version 2 image lie (docs/binary-format.md). Nothing is copied but the
-// header, and nothing in the tables is checked or swapped: all of it lies inside of the file, once
-// the reader is Ok() afterwards.
+// The places of the parts of a version 2 image (docs/binary-format.md). Only the header is copied.
+// Nothing in the tables is checked or swapped. Once the reader is Ok() afterwards, all parts are
+// inside the file.
 struct ImageParts {
     lexon_private::BinaryHeader header;
     std::uint32_t entryCount = 0;
@@ -24,8 +24,8 @@ struct ImageParts {
     Bytes acceleratorEntries;
     Strings accelerators;
 
-    // In this order, from a reader at the start of the file. The first takes the same time however
-    // long the file is; the last needs only a reader at acceleratorsAt in the file's byte order.
+    // In this order, from a reader at the start of the file. The first takes the same time for any
+    // file; the last needs only a reader at acceleratorsAt in the file's byte order.
     void ReadHead(lexon_private::ImageReader& reader);
     void ReadSlots(lexon_private::ImageReader& reader);
     void ReadAccelerators(lexon_private::ImageReader& reader);

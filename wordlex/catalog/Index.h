@@ -13,12 +13,12 @@
 
 namespace lexon::detail {
 
-// Room for four keys and all that a look-up by key needs of them, in one cache line. Offsets and
+// Four keys, with everything that a look-up needs about them, in one cache line. Offsets and
 // lengths are bytes. On disk in the index of a file, field by field in the file's byte order: never
 // change.
 struct alignas(64) Bucket {
     static constexpr std::uint32_t kPlaces = 4;
-    // This length or a greater one stands in the table of the entry's strings.
+    // For this length, the strings' table has the real one.
     static constexpr std::uint32_t kLongLength = 0xFFFF;
 
     std::uint32_t digests[kPlaces];      // 0: no key
@@ -29,12 +29,12 @@ struct alignas(64) Bucket {
 };
 static_assert(sizeof(Bucket) == 64);
 
-// A closed hash table of buckets. A key lies in the bucket that its hash gives, or where that is
-// full in one of the next, round the end: no more than `longestProbe` buckets further. A key's
-// place is numbered through all buckets.
+// A closed hash table of buckets. A key is in the bucket of its hash, or when that is full, in one
+// of the next ones, at most `longestProbe` buckets further; the first follows the last. Places are
+// numbered through all buckets.
 struct Index {
     Bytes buckets;
-    Bytes entries;  // of each place its entry, 32 bits
+    Bytes entries;  // the entry of each place, 32 bits
     std::uint32_t bucketCount = 0;
     std::uint32_t longestProbe = 0;
     std::uint64_t seed = 0;
@@ -53,7 +53,7 @@ struct Index {
     static std::uint32_t Matches(const std::byte* bucket, std::uint32_t digest) noexcept {
         return Join((Digests(bucket) == digest) & Four{1, 2, 4, 8});
     }
-    // The same in the lowest four bits; in the next four, which of them are 0.
+    // The same in the lowest four bits; the next four say which digests are 0.
     static std::uint32_t MatchesAndEmpty(const std::byte* bucket, std::uint32_t digest) noexcept {
         const Four digests = Digests(bucket);
         return Join(((digests == digest) & Four{1, 2, 4, 8}) |
@@ -71,7 +71,7 @@ struct Index {
     }
 
     static constexpr std::size_t kNowhere = ~std::size_t{0};
-    // The place with the hash of which hasKey(place) says that the key is there, or kNowhere.
+    // The place with the hash for which hasKey(place) is true, or kNowhere.
     template <class HasKey>
     std::size_t Find(std::uint64_t hash, HasKey hasKey) const noexcept {
         if (bucketCount == 0) return kNowhere;

@@ -11,7 +11,7 @@ class IndexBuilder {
 public:
     IndexBuilder(std::uint32_t most, std::uint64_t seed);
 
-    // The hash of a key that is claimed soon: its bucket is fetched meanwhile.
+    // The hash of a key that is claimed soon; prefetches its bucket.
     std::uint64_t Prepare(std::string_view key) const noexcept {
         const std::uint64_t hash = Index::Hash(key, seed);
         __builtin_prefetch(&buckets[Index::Home(hash, bucketCount)], 1);
@@ -68,7 +68,7 @@ public:
 
     MadeIndex Finish() &&;
 
-    // Other in each process, so that nobody can make keys ahead that collide.
+    // Different in each process, so that nobody can prepare keys that collide.
     static std::uint64_t RandomSeed();
 
 private:

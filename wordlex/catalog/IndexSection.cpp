@@ -12,7 +12,7 @@ namespace {
 // On disk: never change.
 constexpr std::string_view kMagic = "WlxIndex";
 constexpr std::uint32_t kVersion = 1;
-constexpr std::uint32_t kMostProbes = 64;  // further buckets that a reader looks into
+constexpr std::uint32_t kMostProbes = 64;  // further buckets that a reader searches
 constexpr std::uint32_t kSeeds = 16;       // tried by the writer
 struct Fixed {
     std::uint32_t version;
@@ -72,7 +72,7 @@ std::string MakeIndexSection(std::string_view image) {
         ++seed;
     } while (made.index.longestProbe > kMostProbes);
 
-    // The texts themselves where they lie at even offsets of the file, else a copy.
+    // The texts themselves if they are at even offsets of the file, else a copy.
     const Index& index = made.index;
     ImageParts inFile;
     {

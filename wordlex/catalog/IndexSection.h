@@ -4,10 +4,9 @@
 
 namespace lexon::detail {
 
-// What stands after a version 2 image so that a catalog can map the file and is ready; described in
-// docs/binary-format.md. The image is one without fault, and the section in its byte order. Empty
-// when the keys collide too often for an index of bounded cost, which only keys do that were made
-// for it.
+// The section after a version 2 image with which a catalog can use the mapped file at once; see
+// docs/binary-format.md. The image must be valid; the section has its byte order. Empty when the
+// keys collide too often for an index of bounded cost, which happens only for keys made for it.
 std::string MakeIndexSection(std::string_view image);
 
 }  // namespace lexon::detail

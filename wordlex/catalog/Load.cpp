@@ -11,12 +11,12 @@ using namespace detail;
 
 namespace {
 
-// How far into a file the sizes stand that say where its texts lie; longer locales cost a copy.
+// The head of a file with the sizes that locate its texts; longer locales cost a copy.
 constexpr std::size_t kHeadSize = 512;
 constexpr std::size_t kMajorAt = lexon_private::kBinaryMagic.size();
 
-// A file of `size` bytes in a block of its own, with its texts at even addresses. `fill` copies
-// from an offset into a span and returns the number of bytes.
+// Reads a file of `size` bytes into a block of its own, with its texts at even addresses. `fill`
+// copies from an offset into a span and returns the number of bytes.
 template <class Fill>
 OwnedBytes ReadWhole(std::size_t size, Fill fill) {
     OwnedBytes file;
@@ -59,7 +59,7 @@ std::shared_ptr<const CatalogStore> LoadCopy(Bytes bytes) {
     }));
 }
 
-// Nothing but the memory for a name or a sentence can be missing here; then they are left out.
+// Only the memory for a name or a sentence can be missing here; then they are left out.
 LoadError ErrorOf(LoadError::Code code, const std::filesystem::path* file,
                   const char* reason) noexcept {
     LoadError error{.code = code};

@@ -31,8 +31,8 @@ std::u16string Copied(const icu::UnicodeString& text) {
 
 }  // namespace
 
-// A pattern, parsed once, and ICU's formats of it that no thread holds: two threads may not fill
-// one of them at once.
+// A pattern, parsed once, and those of its ICU formats that no thread uses: two threads may not
+// fill one of them at once.
 class ParsedMessage {
 public:
     using Format = std::unique_ptr<icu::MessageFormat>;
@@ -48,7 +48,7 @@ public:
         });
     }
 
-    // Null where the pattern, or that of a number or a date in it, is malformed.
+    // Null when the pattern, or that of a number or a date in it, is malformed.
     Format Take() {
         if (shape.fault) return nullptr;
         {
@@ -90,13 +90,13 @@ struct HeldMessage {
     ParsedMessage::Format format;
 };
 
-// The standard comparison of char16_t goes unit by unit.
+// The standard comparison of char16_t compares unit by unit.
 bool IsSame(std::u16string_view a, std::u16string_view b) {
     return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof a[0]) == 0;
 }
 
-// The pattern's message in the thread's few, found without a lock as a rule. It stays until the
-// thread asks for another one.
+// The pattern's message from the thread's few, usually without a lock. It stays until the thread
+// requests another one.
 const HeldMessage& Hold(MessageCache& cache, std::u16string_view pattern,
                         const icu::Locale& locale) {
     static thread_local std::array<HeldMessage, 16> few;
@@ -129,11 +129,11 @@ std::shared_ptr<ParsedMessage> MessageCache::Get(std::u16string_view pattern,
 
 namespace {
 
-// An argument's name as ICU looks for it: those without a name are numbered from 0.
+// An argument's name as ICU looks for it: arguments without a name are numbered from 0.
 icu::UnicodeString NameOf(const Argument& argument, std::size_t& unnamed) {
     const std::string_view name = argument.Name();
     if (name.empty()) return icu::UnicodeString::fromUTF8(std::to_string(unnamed++));
-    std::array<char16_t, 32> units;  // of the usual name, which is short and ASCII
+    std::array<char16_t, 32> units;  // for the usual name, which is short and ASCII
     if (name.size() > units.size() || !IsAscii(name)) {
         return icu::UnicodeString::fromUTF8(
             icu::StringPiece(name.data(), static_cast<std::int32_t>(name.size())));
@@ -142,7 +142,7 @@ icu::UnicodeString NameOf(const Argument& argument, std::size_t& unnamed) {
     return {units.data(), static_cast<std::int32_t>(name.size())};
 }
 
-// ICU shows dates in the system's time zone: the moment there that the day begins at.
+// ICU shows dates in the system's time zone: the moment at which the day begins there.
 UDate StartOfDay(std::int64_t utcMilliseconds) {
     const auto local = static_cast<UDate>(utcMilliseconds);
     const std::unique_ptr<icu::TimeZone> zone(icu::TimeZone::createDefault());
@@ -199,7 +199,7 @@ void SetValue(icu::Formattable& value, const LanguageFormats& formats, const Arg
     }
 }
 
-// Throws a FormatError where the arguments are not those that the pattern has places for.
+// Throws a FormatError when the arguments do not match the pattern's places.
 void RequireMatch(const MessageShape& shape, Arguments arguments,
                   std::span<const icu::UnicodeString> names) {
     std::vector<bool> used(names.size());

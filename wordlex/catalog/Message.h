@@ -1,5 +1,5 @@
 #pragma once
-// How message patterns are filled: ICU does it, with patterns that are parsed once.
+// Fills message patterns with ICU; patterns are parsed once.
 #include <unicode/locid.h>
 
 #include <cstddef>
@@ -17,14 +17,14 @@ namespace lexon::detail {
 class LanguageFormats;
 class ParsedMessage;
 
-// Whether ICU has data of the language. It takes that of the environment for any other.
+// Whether ICU has data of the language. For any other it uses the environment's.
 bool IsKnownLanguage(const icu::Locale& locale);
-// The patterns that one language has filled, parsed.
+// The parsed patterns of one language.
 // Lives as long as the process.
 // Threads: all members may be called at once.
 class MessageCache {
 public:
-    // Starts anew when it holds this many: patterns are the texts of a program, not its data.
+    // Starts again at this number: patterns are the texts of a program, not its data.
     static constexpr std::size_t kMostMessages = 16384;
 
     // Never null.

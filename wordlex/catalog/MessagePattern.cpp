@@ -43,8 +43,8 @@ const char16_t* TypeName(UMessagePatternArgType type) {
     return u"";
 }
 
-// Collects the places of a pattern, also of one whose parse ended early. `open` gets the part that
-// begins the innermost argument without an end.
+// Collects the places of a pattern, also of one whose parse ended early. `open` is set to the part
+// that begins the innermost argument without an end.
 std::vector<MessagePlace> Places(const MessagePattern& pattern, std::int32_t& open) {
     std::vector<MessagePlace> places;
     std::vector<std::pair<std::size_t, std::int32_t>> around;  // place and part of its beginning
@@ -107,7 +107,8 @@ MessageShape ParseMessage(std::u16string_view pattern) {
     std::int32_t open = -1;
     shape.places = Places(parsed, open);
     if (U_SUCCESS(status)) return shape;
-    // ICU names no place for what is missing at the end of an argument: it begins the argument.
+    // When the end of an argument lacks something, ICU reports no place: use the argument's
+    // beginning.
     const bool atEnd = status == U_DEFAULT_KEYWORD_MISSING || status == U_UNMATCHED_BRACES;
     const std::int32_t position =
         atEnd && open >= 0 ? parsed.getPart(open).getIndex() : std::max(error.offset, 0);

@@ -1,5 +1,5 @@
 #pragma once
-// What a message pattern has places for, and the plural forms that a language needs.
+// The places of a message pattern, and the plural forms that a language needs.
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -11,10 +11,11 @@
 
 namespace lexon::detail {
 
-// One use of an argument in a pattern, those inside other arguments included.
+// One use of an argument in a pattern, also inside other arguments.
 struct MessagePlace {
     std::u16string name;
-    // What follows the name: "plural", "selectordinal", "select", "number", "date", ... or nothing.
+    // The text after the name: "plural", "selectordinal", "select", "number", "date", ... or
+    // nothing.
     std::u16string type;
     std::vector<std::u16string> selectors;  // "one", "other", "=0", ... as written
     std::size_t position = 0;               // of the name in the pattern, in units
@@ -28,7 +29,7 @@ struct MessageFault {
 };
 
 struct MessageShape {
-    std::vector<MessagePlace> places;  // those before the fault where there is one
+    std::vector<MessagePlace> places;  // those before the fault if there is one
     std::optional<MessageFault> fault;
 };
 
@@ -36,10 +37,10 @@ MessageShape ParseMessage(std::u16string_view pattern);
 
 struct PluralCategory {
     std::string name;
-    std::optional<int> only;  // the one number of the category where it has no other
+    std::optional<int> only;  // the only number of the category, if there is just one
 };
-// The plural categories of a language, "other" included, in the order of CLDR. Empty for a language
-// that is not known.
+// The plural categories of a language, including "other", in the order of CLDR. Empty for an
+// unknown language.
 std::vector<PluralCategory> PluralCategories(const std::string& language, bool ordinal);
 
 }  // namespace lexon::detail

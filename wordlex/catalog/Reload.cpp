@@ -32,7 +32,7 @@ std::optional<LoadError> ReloadingCatalog::Reload() noexcept {
         const std::lock_guard lock(state->swapping);
         std::swap(state->current, next);
     }
-    return std::nullopt;  // the old content goes with `next`, unless a reader has it
+    return std::nullopt;  // `next` frees the old content, unless a reader has it
 }
 
 const std::filesystem::path& ReloadingCatalog::File() const noexcept { return state->file; }

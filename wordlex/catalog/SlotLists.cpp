@@ -17,7 +17,7 @@ std::uint16_t SlotOf(std::string_view key) noexcept {
     return static_cast<std::uint16_t>(lexon_private::HashFunc(bytes, key.size()));
 }
 
-// Fills an index with what a search in the lists finds.
+// Fills an index with the entries that a search in the lists finds.
 class Filler {
 public:
     Filler(const SlotLists& slotLists, std::uint32_t entries, const Strings& keyStrings,
@@ -28,8 +28,8 @@ public:
           texts(textStrings),
           builder(entries, seed) {}
 
-    // In the order of the entries, which is that of the key area: the lists jump about in it. False
-    // when that order does not say which of several entries the lists find.
+    // In the order of the entries, which is that of the key area; the lists would jump about in it.
+    // False when that order does not decide which of several entries the lists find.
     bool AddInOrderOfEntries() {
         const auto slotOf = SlotsOfEntries();
         std::size_t listed = 0;
@@ -78,7 +78,7 @@ private:
 
     void Add(std::uint16_t slot, std::uint32_t id) noexcept {
         const std::string_view key = KeyOf(id);
-        if (key.empty()) return;  // was removed
+        if (key.empty()) return;  // it was removed
         if (SlotOf(key) != slot) return;
         pending[pendingCount++] = {id, builder.Prepare(key)};
         if (pendingCount == kBatch) Flush();
@@ -105,7 +105,7 @@ private:
     const Strings& keys;
     const Strings& texts;
     IndexBuilder builder;
-    bool repeated = false;  // two entries have had one key
+    bool repeated = false;  // two entries have the same key
     std::array<Pending, kBatch> pending{};
     std::size_t pendingCount = 0;
 };
@@ -114,7 +114,7 @@ private:
 
 std::optional<std::uint32_t> SlotLists::Find(std::string_view key,
                                              const Strings& keys) const noexcept {
-    if (key.empty()) return std::nullopt;  // that of removed entries
+    if (key.empty()) return std::nullopt;  // the key of removed entries
     const std::uint16_t slot = SlotOf(key);
     std::size_t next = 0;
     for (std::size_t list = 0; list < Count<std::uint32_t>(sizes); ++list) {

@@ -7,8 +7,8 @@ namespace lexon::detail {
 
 namespace {
 
-// Half a unit at the end is dropped. Units at odd addresses are none: loaders put texts where they
-// can be handed out.
+// Half a unit at the end is dropped. Units at odd addresses are never valid: loaders move texts to
+// even ones.
 std::optional<std::u16string_view> Units(std::optional<Bytes> bytes) noexcept {
     if (!bytes.has_value()) return std::nullopt;
     const std::size_t count = bytes->size() / sizeof(char16_t);
@@ -83,7 +83,8 @@ void CatalogStore::Publish(MadeIndex made) const noexcept {
 }
 
 bool CatalogStore::Has(std::uint32_t id) const noexcept {
-    // In a version 2 file a keyed entry without a key was removed; the others have no such entries.
+    // In a version 2 file a keyed entry without a key was removed. Other files have no removed
+    // entries.
     const bool mayHaveEmptyKey = keys.lengthSize != sizeof(std::uint16_t);
     return id < entryCount && (!keyed || mayHaveEmptyKey || keys.Length(id) != 0);
 }
@@ -102,7 +103,8 @@ std::optional<std::u16string_view> CatalogStore::TextOf(std::uint32_t id) const 
 
 std::optional<std::u16string_view> CatalogStore::AcceleratorOf(std::uint32_t id) const noexcept {
     if (!Has(id)) return std::nullopt;
-    // Bisected by hand: files may hold entries that do not ascend, of which some are not found.
+    // Binary search by hand: files may contain entries that do not ascend; some of them are not
+    // found.
     const auto entryAt = [this](std::uint32_t i) {
         return LoadAt<std::uint32_t>(acceleratorEntries, std::size_t{i} * sizeof(std::uint32_t));
     };

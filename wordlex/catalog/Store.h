@@ -17,10 +17,10 @@
 
 namespace lexon::detail {
 
-// A key as a caller writes it, taken apart.
+// A key as a caller writes it, split into its parts.
 struct WrittenKey {
     std::string_view key;
-    std::string_view defaultText;  // empty, too, when there is none; not read from a `const char*`
+    std::string_view defaultText;  // also empty when there is none; not read from a `const char*`
     bool valid = false;
 
     explicit WrittenKey(std::string_view text) noexcept {
@@ -37,7 +37,7 @@ struct WrittenKey {
         key = text.substr(0, text.find('='));
         if (key.size() != text.size()) defaultText = text.substr(key.size() + 1);
     }
-    // For a zero-terminated text, without a look at what follows the key.
+    // For a zero-terminated text; does not read past the key.
     explicit WrittenKey(const char* text) noexcept {
         if (*text == '\0') return;
         if (*text == '(') {
@@ -56,20 +56,19 @@ private:
     static constexpr std::string_view kPrefix = "$$$";
 };
 
-// The content of a catalog. Whatever made it, each access is checked where it is made: a damaged
-// file can make an answer wrong, but not reach outside of its bytes.
-// Look-ups by key use an index. That of a version 2 file without one is made late, by one of the
-// look-ups: before, they search the lists of the file. So a catalog that is seldom asked, as most
-// in a chain are, costs little more than its file.
-// Threads: its answers never change once it is made. The index is published when it is whole; the
-//          thread that makes it delays no other one.
+// The content of a catalog. Each access is checked: a damaged file can make a result wrong, but
+// never reach outside its bytes. Look-ups by key use an index. A version 2 file without one gets it
+// late, in one of the look-ups; the look-ups before it search the lists of the file. So a catalog
+// that is seldom used, as most in a chain are, costs little more than its file.
+// Threads: its results never change once it is made. The index is published when it is complete;
+// the thread that makes it delays no other one.
 class CatalogStore {
-    // What each look-up reads stands together.
+    // Fields that each look-up reads are together.
     mutable Index index;                       // finds nothing at first
-    mutable std::atomic<bool> indexed = true;  // whether look-ups use `index`, and not the lists
+    mutable std::atomic<bool> indexed = true;  // whether look-ups use `index`, not the lists
 
 public:
-    // So many look-ups go by before one of them makes the index.
+    // The number of look-ups before one of them makes the index.
     static constexpr std::uint32_t kLookupsInLists = 64;
 
     std::optional<std::u16string_view> Find(const WrittenKey& written) const noexcept;
@@ -89,9 +88,9 @@ public:
     Strings accelerators;
     std::string locale;
     std::vector<LoadWarning> warnings;
-    std::vector<std::shared_ptr<const void>> keepers;  // of all that the spans refer to
+    std::vector<std::shared_ptr<const void>> keepers;  // of all bytes that the spans refer to
 
-    // Either of them, for stores with keys. The lists and all strings have been checked.
+    // Call one of them, for stores with keys. The lists and all strings have been checked.
     void SetIndex(MadeIndex made) noexcept { Publish(std::move(made)); }
     void SetLists(const SlotLists& checked, std::uint64_t indexSeed) noexcept;
 
@@ -99,8 +98,7 @@ private:
     std::size_t PlaceOf(std::string_view key) const noexcept;
     [[gnu::cold]] std::optional<std::uint32_t> FindInLists(std::string_view key) const noexcept;
     void Publish(MadeIndex made) const noexcept;
-    // The string of a place by its fields in the bucket, and by the entry's number where it is
-    // long.
+    // The string of a place, by its fields in the bucket, or by the entry's number when it is long.
     std::optional<Bytes> At(std::size_t place, std::size_t offsets, std::size_t lengths,
                             const Strings& strings) const noexcept;
 

@@ -8,15 +8,14 @@
 
 namespace lexon::detail {
 
-// Numbered strings: a table of offsets of 32 bits, one of lengths in bytes, and the area that both
-// describe.
+// Numbered strings: a table of 32-bit offsets, one of lengths in bytes, and the area for both.
 struct Strings {
     Bytes offsets;
     Bytes lengths;
     std::size_t lengthSize = sizeof(std::uint16_t);  // of a number in `lengths`: 2 or 4
     Bytes area;
 
-    // Of each, `i` is below the number of strings.
+    // For each member, `i` must be below the number of strings.
     std::uint32_t Length(std::uint32_t i) const noexcept {
         return lengthSize == sizeof(std::uint16_t) ? ItemAt<std::uint16_t>(lengths, i)
                                                    : ItemAt<std::uint32_t>(lengths, i);
@@ -24,11 +23,11 @@ struct Strings {
     std::uint32_t Offset(std::uint32_t i) const noexcept {
         return ItemAt<std::uint32_t>(offsets, i);
     }
-    // Where the tables are not trusted.
+    // For unchecked tables.
     std::optional<Bytes> At(std::uint32_t i) const noexcept {
         return Part(area, Offset(i), Length(i));
     }
-    // Where they have been checked.
+    // For checked tables.
     Bytes Inside(std::uint32_t i) const noexcept { return area.subspan(Offset(i), Length(i)); }
 };
 

@@ -15,7 +15,7 @@ constexpr bool kBigHost = std::endian::native == std::endian::big;
 
 // The polynomial over the sampled bytes. Nine bytes shifted by five bits each stay below 2^53, so
 // one remainder at the end equals a remainder after every step. From ten bytes on there are five to
-// seven samples: the last two are taken without a branch, which would be guessed wrong for every
+// seven samples. The last two are added without a branch, which would be mispredicted for every
 // other key of a load.
 std::uint64_t SampledPolynomial(const unsigned char* bytes, unsigned long length) noexcept {
     std::uint64_t polynomial = 0;
@@ -35,7 +35,7 @@ std::uint64_t SampledPolynomial(const unsigned char* bytes, unsigned long length
     return polynomial;
 }
 
-// Writes as the stream's own operations do: an exception of its buffer becomes the stream's state.
+// Writes like the stream's own operations: an exception of its buffer becomes the stream's state.
 std::uint32_t Put(std::ostream& out, std::string_view bytes) {
     const std::ostream::sentry ready(out);
     if (!ready) return 0;
@@ -54,7 +54,7 @@ std::uint32_t Put(std::ostream& out, std::string_view bytes) {
 
 unsigned long HashBytes(const unsigned char* bytes, unsigned long length,
                         unsigned long bucketCount) noexcept {
-    // A division by a constant is a multiplication.
+    // A division by a constant becomes a multiplication.
     if (bucketCount == kHashBucketCount) return HashFunc(bytes, length);
     return SampledPolynomial(bytes, length) % bucketCount;
 }

@@ -11,17 +11,18 @@
 
 namespace lexon_private {
 
-// Buckets of a hash table and slots of a compact store: a prime, and on disk: never change.
+// Buckets of a hash table and slots of a compact store. A prime. On disk: never change.
 inline constexpr unsigned long kHashBucketCount = 1021;
 
-// The key hash of both stores, on disk: never change. Samples the key at the multiples of a fifth
-// of its length, so at most nine bytes; shorter than five bytes, every byte. In [0, bucketCount).
+// The key hash of both stores. On disk: never change. Samples the key at the multiples of a fifth
+// of its length, so at most nine bytes; of a key shorter than five bytes, every byte. In [0,
+// bucketCount).
 unsigned long HashBytes(const unsigned char* bytes, unsigned long length,
                         unsigned long bucketCount) noexcept;
 unsigned long HashFunc(const unsigned char* bytes, unsigned long length) noexcept;
 
-// Whether multi-byte fields in the given byte order differ from this machine's. A value that is
-// none of the three orders means the machine's own.
+// Whether multi-byte fields in the given byte order differ from this machine's. A value other than
+// the three orders means the machine's own.
 bool setEndian(lexon::EndianT order) noexcept;
 
 template <std::unsigned_integral T>
@@ -45,7 +46,7 @@ void WriteSwapped(const unsigned short* units, std::size_t count, Write write) {
     }
 }
 
-// What the head of a written file says of it, ahead of the byte order.
+// The part of a written file's header before the byte order.
 struct wbfid_ {
     const char* identification;  // NUL-terminated
     std::uint8_t major;
@@ -55,8 +56,8 @@ struct wbfid_ {
 inline constexpr wbfid_ wbfid{wbfidstr, kWrittenMajor, kWrittenMinor, 0};
 inline constexpr wbfid_ wbfid_utf8{wbfidstr, kWrittenMajor, kWrittenMinor, 1};
 
-// Write the header, or the locale block in the given byte order. Each gives the number of bytes
-// that the stream took; a stream that takes fewer than it should is bad afterwards.
+// Write the header, or the locale block in the given byte order. Each returns the number of bytes
+// that the stream accepted. A stream that accepts fewer than all is bad afterwards.
 std::uint32_t wbfwrite_wbfid(std::ostream& out, const wbfid_& id, lexon::EndianT order);
 std::uint32_t wbfwrite_deflocale(std::ostream& out, lexon::EndianT order);
 std::uint32_t wbfwrite_locale(std::ostream& out, const char* name, std::uint32_t length,

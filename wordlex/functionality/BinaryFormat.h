@@ -1,6 +1,6 @@
 #pragma once
-// The one home of the numbers of binary dictionary files. The layout is told in
-// docs/binary-format.md. All of it is on disk: never change.
+// The only place for the numbers of binary dictionary files. docs/binary-format.md describes the
+// layout. All of it is on disk: never change.
 
 #include <cstdint>
 #include <string_view>
@@ -11,18 +11,18 @@ inline constexpr char wbfidstr[] = "Wordlex Binary Format";  // the NUL is not w
 inline constexpr std::string_view kBinaryMagic = wbfidstr;
 static_assert(kBinaryMagic.size() == 21);
 
-// Written versions, and those that are read: 2.0 to 2.127, 1.5 and 1.0.
+// The written version, and the versions that are read: 2.0 to 2.127, 1.5 and 1.0.
 inline constexpr std::uint8_t kWrittenMajor = 2;
 inline constexpr std::uint8_t kWrittenMinor = 7;
 
-// The byte-order byte, present from version 2.1 on. Readers look at its lowest bit only.
+// The byte-order byte, present from version 2.1 on. Readers use only its lowest bit.
 inline constexpr std::uint8_t kBigEndianFile = 1;
 inline constexpr std::uint8_t kLittleEndianFile = 0;
 
-// The locale of a dictionary that has none of its own.
+// The locale of a dictionary without one of its own.
 inline constexpr char defaultLocale[] = "en_US";
 
-// Whether the entries of a version 2 image carry keys. Readers take any other byte for "Y".
+// Whether the entries of a version 2 image have keys. Readers treat any other byte as "Y".
 inline constexpr std::uint8_t kKeyed = 'Y';
 inline constexpr std::uint8_t kNotKeyed = 'N';
 

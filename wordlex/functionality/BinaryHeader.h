@@ -8,7 +8,7 @@
 
 namespace lexon_private {
 
-// What a binary file says ahead of its body.
+// The part of a binary file before its body.
 struct BinaryHeader {
     enum class Body { kVersion10, kVersion15, kVersion2 };
 
@@ -17,22 +17,22 @@ struct BinaryHeader {
     std::int8_t minor = 0;
     char encoding = 0;  // of version 1 values; 0 means UTF-16
     lexon::EndianT order = lexon::EndianT::kHost;
-    // Version 2 only; absent too when the image ends right behind the locale's length.
+    // Version 2 only; also absent when the image ends right after the locale's length.
     std::optional<std::string> locale;
 };
 
 // Whether the bytes begin like a binary dictionary.
 bool HasBinaryMagic(const char* bytes, std::size_t count) noexcept;
 
-// Passes over the 21 bytes of the magic; whether it is them.
+// Reads the 21 bytes of the magic; returns whether they match.
 bool PassMagic(ImageReader& reader);
-// Reads what stands between the magic and the body, after which the reader stands at the body and
-// in its byte order. When it is not Ok() afterwards, the file is none of ours: unknown version, or
-// an end inside the header or the locale block.
+// Reads the part between the magic and the body. Afterwards the reader is at the body, in its byte
+// order. If it is not Ok() then, the file has an unknown version or ends inside the header or the
+// locale block.
 BinaryHeader ReadBinaryHeader(ImageReader& reader);
 
-// Writes header and locale block; a null `locale` is the default one. `encoded` tells that the
-// caller gave an encoding, which the header records. Gives the number of bytes taken.
+// Writes header and locale block; a null `locale` is the default one. `encoded` means that the
+// caller passed an encoding, which the header records. Returns the number of bytes accepted.
 std::uint32_t WriteBinaryHeader(std::ostream& out, bool encoded, lexon::EndianT order,
                                 const char* locale);
 

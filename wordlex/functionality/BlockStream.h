@@ -8,25 +8,25 @@
 
 namespace lexon_private {
 
-// Collects what is written to it and hands it on to another stream in blocks: the one buffer of
-// everything that saves a dictionary.
+// Collects written bytes and passes them to another stream in blocks: the one buffer for saving a
+// dictionary.
 // Owns:    its buffer, which is part of the object; borrows the target, which outlives it.
-// Failure: a target that fails makes this stream bad, and nothing more is handed on. Finish then
-//          gives the target the state that this stream has, and throws what the target threw. What
-//          was written after the last full block is lost without Finish.
+// Failure: a target that fails makes this stream bad, and nothing more is passed on. Finish then
+//          sets the target to this stream's state, and throws what the target threw. Without
+//          Finish, bytes written after the last full block are lost.
 class BlockStream final : public std::ostream {
 public:
     explicit BlockStream(std::ostream& target) : std::ostream(nullptr), blocks(target) {
         rdbuf(&blocks);
     }
 
-    // As write(), without a call where the buffer has room.
+    // Like write(), but without a call when the buffer has room.
     void Append(const void* bytes, std::size_t byteCount) {
         const auto* const first = static_cast<const char*>(bytes);
         if (good() && blocks.TakeWhole(first, byteCount)) return;
         write(first, static_cast<std::streamsize>(byteCount));
     }
-    // Hands on the rest.
+    // Passes on the rest.
     void Finish();
 
 private:
@@ -48,11 +48,12 @@ private:
         int_type overflow(int_type byte) override;
 
     private:
-        // Few calls of the system, and the entries keep most of the first-level cache.
+        // Large enough for few calls of the system, small enough to leave most of the first-level
+        // cache to the entries.
         static constexpr std::size_t kBlockBytes = 0x4000;
 
         void Clear() noexcept { setp(block.data(), block.data() + block.size()); }
-        // What was collected, then these bytes. False when the target takes no more.
+        // Passes on the collected bytes, then these. False when the target accepts no more.
         bool HandOn(const char* bytes, std::streamsize byteCount) noexcept;
 
         std::ostream& target;

@@ -19,14 +19,14 @@ public:
     std::size_t GetLength() const noexcept { return length; }
     void SetLength(std::size_t units) noexcept { length = units; }
 
-    // Makes room for `needed` units in all, growing by half as often as it takes; keeps the units
-    // in use. When memory runs out the buffer is as before.
+    // Makes room for `needed` units in all, growing by half as often as needed. Keeps the units in
+    // use. When memory runs out, the buffer is as before.
     void Reserve(std::size_t needed) {
         if (needed <= capacity) return;
         std::size_t larger = capacity;
         while (larger < needed) {
             const auto grown = static_cast<std::size_t>(static_cast<double>(larger) * 1.5);
-            larger = std::max(grown, larger + 1);  // half of 0 or 1 is nothing
+            larger = std::max(grown, larger + 1);  // half of 0 or 1 is 0
         }
         std::unique_ptr<T[]> moved(new T[larger]);
         std::copy_n(data.get(), length, moved.get());

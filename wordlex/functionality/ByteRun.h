@@ -6,21 +6,21 @@
 namespace lexon_private {
 
 // Handle to one shared, immutable run of bytes. Lengths are bytes, never UTF-16 units.
-// Owns:      one reference to a heap ByteRunValue; the last handle to go deletes it.
+// Owns:      one reference to a heap ByteRunValue; the last handle deletes it.
 // Invariant: the bytes never change, so GetData() is stable while any handle lives.
-// Equality:  identity. Runs made apart from equal bytes differ; all empty runs are equal.
+// Equality:  identity. Runs made separately from equal bytes differ; all empty runs are equal.
 // Threads:   none. Counts are plain integers: even copying needs the dictionary's lock.
 class ByteRun {
 public:
     // Always copies; `bytes` may be null when `byteCount` is 0. `flag` is unused.
     ByteRun(const unsigned char* bytes, unsigned long byteCount, bool flag)
         : ByteRun(ByteRunValue::FindOrMake(bytes, byteCount, flag)) {}
-    // Takes a first reference to a value made elsewhere.
+    // Adopts a new value as its first holder.
     explicit ByteRun(ByteRunValue* made) noexcept : value(made) { value->AddReference(); }
     ByteRun(const ByteRun& other) noexcept : value(other.value) {
         if (value != nullptr) value->AddReference();
     }
-    // The run moved from holds nothing: it can be assigned to, validated and destroyed.
+    // A run that was moved from has no value: it can be assigned to, validated and destroyed.
     ByteRun(ByteRun&& other) noexcept : value(std::exchange(other.value, nullptr)) {}
     ByteRun& operator=(const ByteRun& other) noexcept {
         ByteRun(other).Swap(*this);

@@ -6,8 +6,8 @@
 namespace lexon_private {
 
 // A byte-string key: no case folding, no encoding, no terminator.
-// Owns:     its bytes when made with `copy` or copied from another key; otherwise it borrows them,
-//           to serve as a probe for HashTableGeneric::Find and Remove.
+// Owns:     its bytes when made with `copy` or copied from another key. Otherwise it borrows them,
+//           as a probe for HashTableGeneric::Find and Remove.
 // Equality: equal bytes.
 class ByteRunKey : public HashItem {
 public:
@@ -29,8 +29,8 @@ public:
         return length == byteCount && (length == 0 || std::memcmp(data, bytes, length) == 0);
     }
 
-    // Binary: the raw bytes; gives their count. Text: U+0022, each byte as a unit, U+003D, in host
-    // order; gives 0. The value's writer closes the quotation. An empty key writes nothing.
+    // Binary: the raw bytes; returns their count. Text: U+0022, each byte as a unit, U+003D, in
+    // host order; returns 0. The value's writer closes the quotation. An empty key writes nothing.
     std::uint32_t Serialize(std::ostream& out, bool binary,
                             const lexon::EncodingInfo* encoding) const override;
     unsigned long Hash(unsigned long bucketCount) const override;

@@ -7,7 +7,7 @@
 namespace lexon_private {
 
 static_assert(sizeof(ByteRunValue) % alignof(unsigned short) == 0,
-              "the bytes behind the object serve as UTF-16 units");
+              "the bytes after the object serve as UTF-16 units");
 
 ByteRunValue* ByteRunValue::FindOrMake(const unsigned char* bytes, unsigned long byteCount,
                                        int /*flag*/) {

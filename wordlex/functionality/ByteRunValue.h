@@ -7,16 +7,16 @@
 
 namespace lexon_private {
 
-// The shared, immutable bytes behind ByteRun handles.
-// Owns:  its bytes, which lie after the object in the same allocation.
+// The shared, immutable bytes that ByteRun handles refer to.
+// Owns:  its bytes, which follow the object in the same allocation.
 // Units: lengths are bytes.
 class ByteRunValue final : public RefCountObj {
 public:
-    // Always a new value, with no reference yet, that holds a copy of the bytes; nothing is looked
-    // up. `bytes` may be null when `byteCount` is 0; `flag` is unused.
+    // Always a new value without a reference, with a copy of the bytes; nothing is searched.
+    // `bytes` may be null when `byteCount` is 0; `flag` is unused.
     static ByteRunValue* FindOrMake(const unsigned char* bytes, unsigned long byteCount, int flag);
     // A new value of `byteCount` bytes, which the caller fills through `bytes` before sharing it.
-    // Behind them lie `room` bytes that are the caller's as long as the value lives.
+    // They are followed by `room` bytes that belong to the caller as long as the value lives.
     static ByteRunValue* MakeUninitialized(unsigned long byteCount, unsigned char*& bytes,
                                            unsigned long room = 0) {
         auto* const value = new (byteCount + room) ByteRunValue(byteCount);
@@ -30,14 +30,14 @@ public:
         value->hasRoom = true;
         return value;
     }
-    // That room, for the first who asks; null for anyone else. Whoever uses it holds a reference.
+    // That room, for the first caller; null for all others. Its user holds a reference.
     void* TakeRoom() noexcept {
         if (!hasRoom) return nullptr;
         hasRoom = false;
         return reinterpret_cast<unsigned char*>(this + 1) + length + PaddingAfter(length);
     }
 
-    // Gives `value` back; throws 'PARM' when it is null or has no holder.
+    // Returns `value`. Throws 'PARM' when it is null or has no holder.
     static ByteRunValue* ValidatePointer(ByteRunValue* value);
 
     static constexpr unsigned long kRoom = 3 * sizeof(void*);  // bytes
@@ -55,7 +55,7 @@ private:
     explicit ByteRunValue(unsigned long byteCount) noexcept : length(byteCount) {}
     ~ByteRunValue() override = default;
 
-    // Needs no delete of its own form, for the constructor cannot throw. It would have that of a
+    // No placement delete is needed, because the constructor cannot throw. It would look like a
     // sized delete, which must not match a placement new.
     static void* operator new(std::size_t objectSize, unsigned long byteCount) {
         if (byteCount > std::numeric_limits<std::size_t>::max() - objectSize) {

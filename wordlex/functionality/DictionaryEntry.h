@@ -12,10 +12,10 @@ namespace lexon_private {
 
 // A key with its UTF-16 value, as a hash-table dictionary stores it.
 // Owns:     its key bytes unless they are borrowed; shares its value.
-// Equality: that of the keys; the value plays no part.
-// Memory:   an entry that Make made lies, with its key, in the allocation of its value. Whoever
-//           ends an entry by delete ends either kind.
-// Values are stored converted: escapes cost at load time, never at lookup.
+// Equality: that of the keys; the value does not matter.
+// Memory:   an entry from Make is, with its key, in the allocation of its value. delete works for
+//           both kinds.
+// Values are stored converted: escapes cost time at load, never at look-up.
 class DictionaryEntry : public ByteRunKey {
 public:
     using EscapeTableEntry = lexon_private::EscapeTableEntry;
@@ -23,13 +23,13 @@ public:
     // Copies the key, and converts the escapes of `text`, the value as its source writes it.
     DictionaryEntry(const ByteRunKey& key, const unsigned short* text, unsigned long unitCount)
         : ByteRunKey(key), value(ConvertEscapeSequences(text, unitCount)) {}
-    // Takes the value as it stands. Without `copyKey` the key's bytes are borrowed and must outlive
+    // Stores the value unchanged. Without `copyKey` the key's bytes are borrowed and must outlive
     // the entry.
     DictionaryEntry(const unsigned char* key, unsigned long keyLength, bool copyKey,
                     UnicodeRun storedValue)
         : ByteRunKey(key, keyLength, copyKey), value(std::move(storedValue)) {}
-    // What the first constructor makes, in one allocation: that of the value, which lasts until
-    // entry and value are gone. A hit in a large table waits for memory once, and a text load
+    // The first constructor's entry in one allocation: that of the value, which lasts until entry
+    // and value are gone. A hit in a large table then waits for memory once, and a text load
     // allocates once for each entry.
     static std::unique_ptr<DictionaryEntry> Make(const ByteRunKey& key, const unsigned short* text,
                                                  unsigned long unitCount);
@@ -37,7 +37,7 @@ public:
     DictionaryEntry& operator=(const DictionaryEntry&) = delete;
     ~DictionaryEntry() override = default;
 
-    // Ends the entry and gives back its memory, or its share of its value's.
+    // Destroys the entry and frees its memory, or its share of its value's.
     static void operator delete(DictionaryEntry* entry, std::destroying_delete_t) noexcept;
 
     const UnicodeRun& GetValue() const noexcept { return value; }
@@ -45,19 +45,19 @@ public:
     // where they are waits for no memory of the value.
     std::span<const unsigned short> GetUnits() const noexcept { return units; }
 
-    // The key's form, then the value's; as text one line of a text dictionary. Escapes that the
-    // conversion would find in a stored value are not protected.
+    // The key's form, then the value's; as text one line of a text dictionary. Sequences in a
+    // stored value that look like escapes are not protected.
     std::uint32_t Serialize(std::ostream& out, bool binary,
                             const lexon::EncodingInfo* encoding) const override;
     std::uint32_t SerializeKey(std::ostream& out, bool binary,
                                const lexon::EncodingInfo* encoding) const override;
-    // Binary in the other byte order: the units swapped, whatever the encoding. Otherwise the
-    // value's own form.
+    // Binary in the other byte order: the units swapped, for any encoding. Otherwise the value's
+    // own form.
     std::uint32_t SerializeValue(std::ostream& out, bool binary,
                                  const lexon::EncodingInfo* encoding,
                                  lexon::EndianT order) const override;
 
-    // The escapes, by the names of an entry; see Escapes.
+    // The conversion of escapes; see Escapes.
     static UnicodeRun ConvertEscapeSequences(const unsigned short* text, unsigned long length) {
         return Escapes::Convert(Escapes::Units(text, length));
     }

@@ -6,13 +6,13 @@
 
 namespace lexon_private {
 
-// The process's registry of dictionaries, by arbitrary numbers.
+// The process's registry of dictionaries, by number.
 // Owns:    its dictionaries, until the process exits.
 // Threads: the first call of Instance may come from any thread; nothing else is guarded.
 class DictionaryMap {
 public:
     static DictionaryMap& Instance();
-    // The dictionary of that index; an empty hash-table dictionary is made for a new one.
+    // The dictionary with that index. A new index gets an empty hash-table dictionary.
     Dictionary* operator[](unsigned long index);
 
 private:

@@ -18,9 +18,9 @@ enum class TextKind { kHostOrder, kOtherOrder, kEightBit };
 
 constexpr long kMarkSize = 2;
 
-// Reads up to `size` bytes and counts them in `got`, which is right when the stream throws, too. No
-// more at a time than the stream promises: a longer read that meets a fault would lose what was
-// delivered before it. A file promises all that is left of it.
+// Reads up to `size` bytes and counts them in `got`, which is right even when the stream throws.
+// Reads no more at a time than the stream promises: a longer read with a fault would lose the bytes
+// before the fault. A file promises all its remaining bytes.
 void Take(std::istream& stream, char* buffer, long size, long& got) {
     while (got < size) {
         const std::streamsize ready = stream.readsome(buffer + got, size - got);

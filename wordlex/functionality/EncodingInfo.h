@@ -6,7 +6,7 @@
 
 namespace lexon_private {
 
-// The encoding selector inside the library: 1 is UTF-8, anything else the system's default 8-bit
+// The encoding selector inside the library: 1 is UTF-8, any other value the system's default 8-bit
 // encoding. A public selector is copied into one of these, never reinterpreted.
 struct EncodingInfo {
     std::uint64_t selector = 0;
@@ -14,7 +14,7 @@ struct EncodingInfo {
 
 inline constexpr std::uint64_t kUtf8Selector = 1;
 
-// The inward form of a public selector that may be null; hand on with Selector().
+// The private form of a public selector that may be null; pass it on with Selector().
 class InwardEncoding {
 public:
     explicit InwardEncoding(const lexon::EncodingInfo* encoding) noexcept {

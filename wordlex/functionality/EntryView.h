@@ -5,8 +5,8 @@
 
 namespace lexon_private {
 
-// One entry of a dictionary, whichever store holds it. Everything in it is borrowed, and valid
-// until the dictionary changes.
+// One entry of a dictionary, for both stores. All its members are borrowed, and valid until the
+// dictionary changes.
 struct EntryView {
     std::uint32_t id = 0;  // in a hash table all bits set
     bool keyed = true;     // false in a compact store's array without keys

@@ -20,7 +20,7 @@ constexpr EscapeTableEntry sBackslashEscapeTable[] = {
 static_assert(std::size(sBackslashEscapeTable) == 5 + 1);
 
 constexpr EscapeTableEntry HatEscapeTable[] = {
-    {u'e', 0x00E9},  // only in the view that has it: keep it first
+    {u'e', 0x00E9},  // only in the view that includes it: keep it first
     {u'Q', u'"'},   {u'[', 0x201C}, {u']', 0x201D}, {u'{', 0x2018}, {u'}', 0x2019}, {u'C', 0x00A9},
     {u'R', 0x00AE}, {u'T', 0x2122}, {u'D', 0x00B0}, {u'B', 0x2022}, {u'#', 0x2318}, {u'!', 0x00AC},
     {u'I', 0x2206}, {u'S', 0x2211}, {u'n', u'\n'},  {u'r', u'\r'},  {0, 0},
@@ -112,7 +112,7 @@ struct EntityTables {
 static_assert(std::size(kWordsOfOurOwn) + std::size(kLatin1Names) + std::size(kSpecialNames) ==
               138);
 
-// Made by whoever asks first, at the latest when this file's statics are initialized.
+// Made at the first use, at the latest when this file's statics are initialized.
 const EntityTables& Tables() {
     static const EntityTables tables;
     return tables;
@@ -136,7 +136,7 @@ bool BeginsWith(const unsigned short* text, const CharEntityReferencePair& row) 
     return std::equal(row.name, row.name + row.length, text);
 }
 
-// What stands between "#{" and "}" at the head of a text.
+// The part between "#{" and "}" at the start of a text.
 struct Entity {
     const CharEntityReferencePair* named = nullptr;  // null: a number
     unsigned short character = 0;
@@ -176,7 +176,7 @@ public:
                     unsigned short replacement) const {
         if (observer != nullptr) observer->OnUnitEscape(position, escape, unit, replacement);
     }
-    // Positions of the second pass are those of the first one's output.
+    // Positions in the second pass are positions in the first one's output.
     void NoEntity(std::size_t position) const {
         if (observer != nullptr) observer->OnNoEntity(origins[position]);
     }
@@ -201,7 +201,7 @@ private:
     std::vector<std::size_t> outputOrigins;
 };
 
-// The second pass: copies text, resolves entities, and keeps of the platform sections macOS's.
+// The second pass: copies text, resolves entities, and keeps only macOS's platform sections.
 class EntityPass {
 public:
     EntityPass(Units input, Report& receiver) : text(input), report(receiver) {
@@ -214,7 +214,7 @@ public:
             const auto hash = static_cast<std::size_t>(
                 FindUnit(rest.data(), rest.data() + rest.size(), u'#') - rest.data());
             const Entity entity = EntityAt(rest.subspan(hash));
-            // A number sign that starts no escape is text.
+            // A number sign that does not begin an escape is text.
             const std::size_t plain = entity.length != 0 ? hash : std::min(hash + 1, rest.size());
             if (!skipping) {
                 output.insert(output.end(), rest.begin(),
@@ -231,7 +231,7 @@ public:
     }
 
 private:
-    // What an entity stands for; the entity ends at `position`.
+    // Writes the character of an entity that ends at `position`.
     void Write(const Entity& entity, Units units) {
         if (skipping) return;
         const std::size_t begin = position - entity.length;
@@ -247,7 +247,7 @@ private:
         if (at + 1 < text.size() && text[at + 1] == u'{') report.NoEntity(at);
     }
 
-    // `position` stands after the entity.
+    // `position` is after the entity.
     void Act(const Entity& entity) {
         static constexpr unsigned short kCopyrightYear[] = {u'2', u'0', u'1', u'9'};
         const std::ptrdiff_t row =
@@ -283,7 +283,7 @@ private:
         }
     }
 
-    // Ends the section before: it is dropped where it is another platform's, and by macOS's own.
+    // Ends the previous section: it is dropped if it is another platform's, or before macOS's own.
     void BeginSection(const Entity& entity, ControlWord word) {
         if (skipping) {
             report.Dropped(sectionBegin, position - entity.length, section);
@@ -370,7 +370,7 @@ const CharEntityReferencePair* charEntityReferenceCharByCodePoint() {
 }
 
 Escapes::Units Escapes::Convert(Units written, std::vector<unsigned short>& room) {
-    Hat();  // settled by the first conversion, whatever that value holds
+    Hat();  // settled by the first conversion, whatever the value
     if (!HasEscapes(written)) return written;
     Report nobody(nullptr);
     room = ResolveUnitEscapes(written, nobody);

@@ -18,30 +18,31 @@ namespace lexon_private {
 struct ArrayImage;
 class ImageWriter;
 
-// What became of an image.
+// The result for an image.
 enum class ImageResult {
-    kLoaded,     // merged; also when it brings nothing
+    kLoaded,     // merged; also when it contains nothing
     kRejected,   // it ends early, its id base conflicts with the store, a string leaves its area,
                  // strings share too many bytes, ids run out
-    kMalformed,  // it names a slot above 1020 or an entry that there is not
+    kMalformed,  // it names a slot above 1020 or an entry that does not exist
 };
 
 // The compact store: entries in packed tables, numbered by ids that are never reused. Images and
-// added entries lie side by side as a list of arrays.
+// added entries are a list of arrays.
 //
-// A key is found through the index: KeyHash leads to the ids of that hash, of which the first one
-// with equal key bytes is the answer. The 1021 slots of ids that images bring are kept as they
-// came, to be written again; they are not searched. But they say what can be found: the index
-// holds an id as often as it is listed in different slots, each time under SlotHash of its key and
-// the slot, and a search by key looks only where the key belongs. So a key that an image lists in
-// a wrong slot is not found, and of equal keys the one listed first is.
+// A key is found through the index. KeyHash leads to the ids with that hash; the result is the
+// first one with equal key bytes. The 1021 slots of ids that images contain are kept unchanged, to
+// be written again; they are not searched. But they decide what can be found: the index contains an
+// id once for each slot that lists it, under SlotHash of its key and the slot. A search by key
+// looks only where the key belongs. So a key that an image lists in a wrong slot is not found, and
+// of equal keys the one listed first is.
 //
-// Owns:      everything in it; nothing refers to an image once that is loaded.
-// Ids:       32 bits, from 0 without gaps in the order of loading and adding; kNoId is none. An id
-//            is valid until its entry is removed or overridden. That of the empty key never is.
-// Units:     lengths of keys, values and accelerators are bytes unless a name says units. What is
+// Owns:      everything in it; nothing refers to an image once it is loaded.
+// Ids:       32 bits, from 0 without gaps in the order of loading and adding; kNoId means none. An
+//            id is valid until its entry is removed or overridden. The id of the empty key is never
+//            valid.
+// Units:     lengths of keys, values and accelerators are bytes unless a name says units. A text
 //            longer than 65,535 bytes is cut to the low 16 bits of its length.
-// Failure:   by value, as each member says. An allocation that fails leaves the store as before.
+// Failure:   by value, as each member documents. A failed allocation leaves the store as before.
 // Threads:   none; enumeration moves a cursor even through const members.
 class FastArray final : public RefCountObj {
 public:
@@ -53,7 +54,7 @@ public:
 
     // The id of the entry with exactly this key, or kNoId.
     std::uint32_t FindId(const unsigned char* key, unsigned long keyLength) const;
-    // The value of that entry in place, as GetUTF16Ptr returns it.
+    // The value of that entry in place, like GetUTF16Ptr.
     bool FindUTF16Ptr(const unsigned char* key, unsigned long keyLength,
                       const unsigned short*& units, unsigned long& unitCount) const;
     bool ValidId(std::uint32_t id) const;
@@ -69,21 +70,21 @@ public:
     // A new NUL-terminated copy of the key, freed with array delete; empty when the entry was
     // removed, null when there is no such entry or it has no keys.
     char* FindStringId(std::uint32_t id) const;
-    // Copies the key and a NUL. False when they do not fit or the id is invalid; the buffer is then
-    // an empty text.
+    // Copies the key and a NUL. False when they do not fit or the id is invalid; the buffer then
+    // contains an empty text.
     bool GetData(std::uint32_t id, char* buffer, unsigned long size) const;
 
-    // Adds an entry, or changes the value of the key's entry; gives its id. The accelerator may be
-    // null or empty. For an entry that exists it replaces one that the entry has; an entry without
-    // one gets it only as the first of its array.
+    // Adds an entry, or changes the value of the key's entry; returns its id. The accelerator may
+    // be null or empty. For an existing entry it replaces the entry's accelerator; an entry without
+    // one gets it only if it is the first of its array.
     std::uint32_t Add(const unsigned char* key, unsigned long keyLength, const unsigned char* value,
                       unsigned long valueLength, const unsigned char* accelerator,
                       unsigned long acceleratorLength);
-    // Gives the id, or kNoId when it is invalid or its array has no keys.
+    // Returns the id, or kNoId when it is invalid or its array has no keys.
     std::uint32_t Remove(std::uint32_t id);
 
-    // while (HasMoreItem()) look at NextItem(), which may be invalid: ask ValidId. After the end
-    // the next call starts anew.
+    // while (HasMoreItem()) use NextItem(), which may be invalid: call ValidId. After the end the
+    // next call starts again.
     bool HasMoreItem() const;
     std::uint32_t NextItem() const noexcept { return cursor; }
     void RestartEnumeration() noexcept {
@@ -94,25 +95,26 @@ public:
     // Visits every entry that is neither removed nor overridden, in the order of ids.
     void ForEachEntry(const EntryVisitor& visit) const;
 
-    // Loads the image that the reader stands at, whole or not at all. An image that declares id
-    // base 0 is merged: a key that the store holds keeps its id and takes the new value, and the
-    // new entry is dead and not listed. Keys of 1,024 bytes and more are never found to be held.
-    // An image whose base is the store's next id is appended as it is; an empty store takes any
-    // base for 0. The live count is believed as far as the tables allow it; where it is 0 the
-    // image brings nothing. A key listed in the wrong slot is not found; one listed twice is found
-    // once. A writable array is closed, so that the next added entry follows the image.
+    // Loads the image at the reader's position, completely or not at all. An image with id base 0
+    // is merged: an existing key keeps its id and gets the new value, and the new entry is dead and
+    // not listed. Keys of 1,024 bytes and more are never recognised as existing. An image whose
+    // base is the store's next id is appended unchanged. An empty store treats any base as 0. The
+    // live count is limited to what the tables allow; with 0, nothing is loaded. A key listed in
+    // the wrong slot is not found; one listed twice is found once. A writable array is closed, so
+    // that the next added entry follows the image.
     ImageResult Load(ImageReader& reader);
-    // The same from the stream's position or from memory; the other arguments are not used. Always
-    // 0: Load tells more.
+    // The same from the stream's position or from memory; the other arguments are unused. Always
+    // returns 0; Load reports more.
     std::uint32_t Read(std::istream& in, char encoding, lexon::EndianT order);
     std::uint32_t Read(const char* begin, const char* end, bool copyKeys, char encoding,
                        lexon::EndianT order);
 
-    // Writes an image whose first entry has the id `idBase`, with keys (kBinary) where the store
-    // has any or without (kBinaryNoKeys), and gives its bytes; or UTF-16 text without a byte-order
-    // mark, or nothing, and gives 0. Values stay UTF-16 whatever the encoding. An exception is
-    // reported on the standard error stream and gives 0. The stream fails where an area would be
-    // too large for 32 bits: values of loaded images that share bytes are written apart.
+    // Writes an image whose first entry has the id `idBase`, with keys (kBinary) if the store has
+    // any or without (kBinaryNoKeys), and returns its number of bytes. Or writes UTF-16 text
+    // without a byte-order mark, or nothing, and returns 0. Values stay UTF-16 for any encoding. An
+    // exception is reported on the standard error stream and returns 0. The stream fails when an
+    // area would need more than 32 bits: values of loaded images that share bytes are written
+    // apart.
     std::uint32_t Serialize2(std::ostream& out, lexon::SaveType type,
                              const lexon::EncodingInfo* encoding, lexon::EndianT order,
                              unsigned int idBase) const;
@@ -150,10 +152,10 @@ private:
     void ReplaceTexts(Place place, const unsigned char* value, unsigned long valueLength,
                       const unsigned char* accelerator, unsigned long acceleratorLength);
 
-    // Kills the entries of the image whose keys are held here, takes them off its lists, and
-    // prepares the new values of the held entries.
+    // Removes the entries of the image whose keys exist here, also from its lists, and prepares the
+    // new values of the existing entries.
     std::vector<Update> TakeHeldKeys(ArrayImage& image);
-    // This store's index with what the image lists.
+    // This store's index plus the entries that the image lists.
     KeyIndex<std::uint32_t> IndexWith(const ArrayImage& image) const;
 
     std::uint32_t WriteImage(std::ostream& out, bool withKeys, lexon::EndianT order,
@@ -176,7 +178,7 @@ private:
     std::pmr::monotonic_buffer_resource addedStrings{std::pmr::new_delete_resource()};
     std::vector<cFarray> arrays;
     std::vector<std::uint32_t> idBases;  // of the arrays: id of the first entry, ascending
-    bool writable = false;               // whether the last array takes added entries
+    bool writable = false;               // whether added entries go into the last array
     mutable bool restart = true;
     mutable std::uint32_t cursor = 0;
 };

@@ -13,15 +13,15 @@ namespace lexon_private {
 
 namespace {
 
-// Makes the stream bad, also one that was told to throw then.
+// Makes the stream bad, even if it then throws.
 void Spoil(std::ostream& out) noexcept {
     try {
         out.setstate(std::ios_base::badbit);
-    } catch (...) {  // the state is set all the same
+    } catch (...) {  // the state is set anyway
     }
 }
 
-// The ids of all arrays by slot, those of a slot in the order in which they were listed.
+// The ids of all arrays by slot, in each slot in the order of the lists.
 struct SlotLists {
     std::array<std::uint32_t, kHashBucketCount> counts{};
     std::vector<std::uint32_t> ids;
@@ -75,7 +75,7 @@ std::uint32_t FastArray::Serialize2(std::ostream& out, lexon::SaveType type,
 
 std::uint32_t FastArray::WriteImage(std::ostream& out, bool withKeys, lexon::EndianT order,
                                     std::uint32_t idBase) const {
-    // An array may be empty when memory ran out before it got its first entry.
+    // An array may be empty if memory ran out before its first entry.
     const auto hasKeys = [](const cFarray& array) { return array.keyed && array.entryCount != 0; };
     const bool keyed = withKeys && std::any_of(arrays.begin(), arrays.end(), hasKeys);
     const auto keyLength = [](const cFarray& array, std::uint32_t entry) -> std::uint16_t {
@@ -165,8 +165,8 @@ void FastArray::WriteAccelerators(ImageWriter& writer) const {
         writer.writearr2(text.array->accelerators.Data(text.index), text.length);
 }
 
-// The line of an entry, as a hash-table entry writes it, but of one with the empty key the value
-// alone: the value's writer closes the quotation that the key's opens.
+// The line of an entry, as a hash-table entry writes it. For the empty key only the value: the
+// value's writer closes the quotation that the key's writer opens.
 void FastArray::SerializeText(std::ostream& out) const {
     BlockStream blocks(out);
     TextLine line(blocks);

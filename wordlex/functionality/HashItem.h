@@ -6,7 +6,7 @@
 
 namespace lexon_private {
 
-// What a HashTableGeneric holds: something that hashes, compares and writes itself.
+// An item of a HashTableGeneric: it hashes, compares and writes itself.
 // Invariant: only the table writes the links of the bucket's chain; copies are in no table.
 class HashItem {
 public:
@@ -18,8 +18,9 @@ public:
         return *this;
     }
 
-    // Write the item, its key or its value; `binary` false is the UTF-16 text form. Give the count
-    // of bytes that the item reports for the written form. `order` tells whether units are swapped.
+    // Write the item, its key or its value; with `binary` false in the UTF-16 text form. Return the
+    // number of bytes that the item reports for the written form. `order` says whether units are
+    // swapped.
     virtual std::uint32_t Serialize(std::ostream& out, bool binary,
                                     const lexon::EncodingInfo* encoding) const = 0;
     virtual std::uint32_t SerializeKey(std::ostream& out, bool binary,
@@ -32,13 +33,13 @@ public:
     virtual unsigned long Hash(unsigned long bucketCount) const = 0;
     virtual bool operator==(const HashItem& other) const = 0;
     // A hash of what operator== compares, over all 32 bits: a table finds an item by it. Items
-    // without one are found by their bucket, and all items of a bucket are looked at.
+    // without one are found by their bucket, by comparing with all its items.
     virtual std::uint32_t KeyHash() const;
 
 private:
     friend class HashTableGeneric;
     HashItem* next = nullptr;   // the next older item of the bucket
-    HashItem** link = nullptr;  // what points at this item: the next newer one's link, or the head
+    HashItem** link = nullptr;  // points at this item: the next newer one's link, or the head
 };
 
 }  // namespace lexon_private

@@ -54,8 +54,8 @@ private:
     Buffer<unsigned short> converted{0};
 };
 
-// The entries read so far, in file order. Nothing is linked before the end, so that an exception
-// leaves the table as it was and deletes them.
+// The entries read so far, in file order. They are linked only at the end, so an exception leaves
+// the table as it was and deletes them.
 class ReadEntries {
 public:
     void BeginBucket(std::uint16_t slot) { buckets.push_back({slot, entries.size()}); }
@@ -87,7 +87,7 @@ private:
     std::vector<Bucket> buckets;
 };
 
-// Reads one entry's key and value, of which the lengths are known or read by `nextLength`.
+// Reads one entry's key and value. Their lengths are known, or `nextLength` reads them.
 template <class Entry, class NextLength>
 std::unique_ptr<HashItem> ReadEntry(ImageReader& reader, bool copyKeys, ValueDecoder& decoder,
                                     NextLength nextLength) {
@@ -164,7 +164,7 @@ std::int32_t HashTable<Key, Entry>::read_ver10(ImageReader& reader, bool copyKey
     ReadEntries entries;
     ValueDecoder decoder(encoding, kVersion10Order);
     const auto nextLength = [&reader] { return reader.Get<std::uint64_t>(); };
-    // Where the entries of a bucket begin is where the running offset stands, not its start.
+    // A bucket's entries begin at the running offset, not at its start.
     const std::uint64_t origin = reader.Offset();
     for (std::size_t b = 0; b + 1 < records.size() && reader.Ok(); ++b) {
         entries.BeginBucket(records[b].slot);

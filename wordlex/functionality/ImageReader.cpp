@@ -49,7 +49,7 @@ ImageReader::ImageReader(std::istream& source, lexon::EndianT order)
     if (buffer.pubseekpos(here, std::ios_base::in) != std::streampos(here)) {
         source.setstate(std::ios_base::failbit);
     }
-    // Some streams do not know their end: a file of the system's that is made while it is read.
+    // Some streams do not know their end: a system's file that is made while it is read.
     if (end < here) return;
     left = static_cast<std::uint64_t>(end - here);
     endKnown = true;
@@ -62,7 +62,7 @@ void ImageReader::Reject(ImageFault why, std::uint64_t where) noexcept {
 }
 
 bool ImageReader::AtEnd() {
-    // A stream that claims more may still fail here.
+    // A stream that promises more may still fail here.
     return InMemory() ? left == 0 : stream->peek() == std::istream::traits_type::eof();
 }
 

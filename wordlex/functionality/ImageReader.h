@@ -18,25 +18,25 @@ enum class ImageFault : std::uint8_t {
     kNone,
     kCutShort,            // a field or table runs past the end
     kUnknownVersion,      // of the header
-    kIdBaseConflict,      // the image continues another store than this one
+    kIdBaseConflict,      // the image continues another store
     kTooManyEntries,      // for ids of 32 bits
     kKeyOutside,          // offset and length leave the key area
-    kValueOutside,        // the same of the value area
-    kAcceleratorOutside,  // the same of the accelerator area
+    kValueOutside,        // the same for the value area
+    kAcceleratorOutside,  // the same for the accelerator area
     kTooMuchSharing,      // strings share so many bytes that they would cost far more than the file
     kSlotOutside,         // a hash slot above 1020
-    kIdOutside,           // an entry id behind the entry tables
+    kIdOutside,           // an entry id after the entry tables
     kTableDecreases,      // a cumulative table of version 1 goes down, or splits an entry
 };
-// Whether a version 2 body with that fault makes the dictionary invalid; with any other one it is
-// passed over.
+// Whether a version 2 body with that fault makes the dictionary invalid. With any other fault the
+// body is ignored.
 constexpr bool IsMalformed(ImageFault fault) noexcept {
     return fault == ImageFault::kSlotOutside || fault == ImageFault::kIdOutside;
 }
-// In English, to stand behind "refused: ".
+// In English, to follow "refused: ".
 const char* Describe(ImageFault fault) noexcept;
 
-// Bytes of an image: in the image itself when that lies in memory, otherwise a copy.
+// Bytes of an image: in the image itself if it is in memory, otherwise a copy.
 class ImageBytes {
 public:
     ImageBytes() noexcept = default;
@@ -52,19 +52,19 @@ private:
     std::span<const unsigned char> bytes;
 };
 
-// Forward reader over a binary dictionary in memory or on a stream: the only code that compares
-// sizes with what is there and that swaps bytes on the way in.
+// Forward reader over a binary dictionary in memory or on a stream. Only this code checks sizes
+// against the input and swaps bytes while reading.
 // Owns:    nothing; the image or the stream outlives the reader.
-// Failure: sticks. The first fault and its offset stay, later reads give 0 or nothing, so a parser
-//          asks Ok() once per section. Nothing that the image only claims is allocated: what is
-//          left is known for memory and for a stream that can seek; other streams are read in
-//          steps. A bad stream counts as one that ends. std::bad_alloc passes, and what the stream
-//          throws.
+// Failure: sticks. The first fault and its offset stay; later reads return 0 or nothing, so a
+//          parser calls Ok() once per section. Nothing is allocated for bytes that the image only
+//          claims to have: for memory, and for a stream that can seek, the rest is known; other
+//          streams are read in steps. A bad stream counts as one that ends. std::bad_alloc and
+//          exceptions of the stream pass through.
 // Units:   offsets and sizes are bytes from where the reader began.
 class ImageReader {
 public:
     ImageReader(const char* begin, const char* end, lexon::EndianT order) noexcept;
-    // From where the stream stands; leaves it right behind what was read.
+    // From the stream's position; leaves it right after the last byte read.
     ImageReader(std::istream& source, lexon::EndianT order);
     ImageReader(const ImageReader&) = delete;
     ImageReader& operator=(const ImageReader&) = delete;
@@ -74,7 +74,7 @@ public:
     bool Ok() const noexcept { return fault == ImageFault::kNone; }
     ImageFault Fault() const noexcept { return fault; }
     std::uint64_t FaultOffset() const noexcept { return faultOffset; }
-    // For what a parser finds wrong in what it has read.
+    // For faults that a parser finds in the values.
     void Reject(ImageFault why, std::uint64_t where) noexcept;
 
     std::uint64_t Offset() const noexcept { return offset; }
@@ -96,24 +96,24 @@ public:
         }
         return GetArea<T>(count * sizeof(T));
     }
-    // `byteCount` bytes as items, in host byte order. Bytes that make no whole item stay in file
-    // order at the head of a last item that is filled up with zeros.
+    // `byteCount` bytes as items, in host byte order. Bytes that do not fill an item stay in file
+    // order at the start of a last item, which is filled up with zeros.
     template <std::unsigned_integral T>
     Table<T> GetArea(std::uint64_t byteCount);
     ImageBytes GetBytes(std::uint64_t byteCount);
 
 private:
     static constexpr std::uint64_t kMostBytes = std::numeric_limits<std::ptrdiff_t>::max();
-    static constexpr std::uint64_t kBlindStep = 0x10000;  // first step where the end is unknown
+    static constexpr std::uint64_t kBlindStep = 0x10000;  // first step when the end is unknown
 
-    // Whether the bytes are there as far as that can be told; rejects the image if not.
+    // Whether the bytes are there, as far as known; rejects the image if not.
     bool Expect(std::uint64_t byteCount) noexcept;
     // Copies the next bytes; false and rejected when they are not there.
     bool Take(void* destination, std::uint64_t byteCount);
 
     const unsigned char* cursor = nullptr;  // in memory: the next byte
     std::istream* stream = nullptr;
-    std::uint64_t left = kMostBytes;  // bytes ahead; on a stream that cannot tell, no bound
+    std::uint64_t left = kMostBytes;  // remaining bytes; unlimited on a stream that does not know
     bool endKnown = true;
     bool swap;
     ImageFault fault = ImageFault::kNone;

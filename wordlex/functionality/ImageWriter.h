@@ -7,7 +7,7 @@
 namespace lexon_private {
 
 // Writes the fields of a binary dictionary front to back in a given byte order.
-// Failure: carried by the stream's state.
+// Failure: reported by the stream's state.
 class ImageWriter {
 public:
     ImageWriter(BlockStream& destination, lexon::EndianT order) noexcept
@@ -26,9 +26,9 @@ public:
         if (swap) value = ByteSwap(value);
         WriteBytes(&value, sizeof value);
     }
-    // The size of an area. One that 32 bits cannot hold makes the stream fail.
+    // The size of an area. One that needs more than 32 bits makes the stream fail.
     void WriteSize(std::uint64_t byteCount);
-    // The whole units of `byteCount` bytes.
+    // The whole units in `byteCount` bytes.
     void writearr2(const unsigned short* units, std::size_t byteCount);
 
     std::uint32_t Written() const noexcept { return written; }  // bytes

@@ -5,7 +5,7 @@
 #include <array>
 
 #define XXH_INLINE_ALL
-#define XXH_NO_INLINE_HINTS 1  // what it forces is refused in builds that optimize little
+#define XXH_NO_INLINE_HINTS 1  // forced inlining is refused in builds that optimize little
 #include <xxhash.h>
 
 namespace lexon_private {
@@ -16,7 +16,7 @@ class Secret {
 public:
     Secret() noexcept {
         if (getentropy(bytes.data(), bytes.size()) == 0) return;
-        // The address at which the system loads the library differs from process to process too.
+        // The load address of the library also differs from process to process.
         XXH3_generateSecret_fromSeed(bytes.data(), reinterpret_cast<std::uintptr_t>(this));
     }
     const unsigned char* Data() const noexcept { return bytes.data(); }

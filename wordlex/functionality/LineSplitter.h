@@ -10,15 +10,14 @@
 
 namespace lexon_private {
 
-// Splits what a source delivers into lines. Reads ahead in blocks: each read costs a call of the
-// system.
+// Splits input into lines. Reads ahead in blocks, because each read costs a system call.
 template <class Unit>
 class LineSplitter {
 public:
-    // The next line without the unit that ended it, which is one of `ends`; none when the input is
-    // used up. A unit 0 ends the input for good. The line is valid until the next call; its units,
-    // and one more after them, are the caller's to change. It lies in the block, or in `crossing`
-    // when it crosses blocks. fill(units, count) reads up to `count` units and returns how many.
+    // The next line without the unit that ended it, which is one of `ends`; none at the end of the
+    // input. A unit 0 ends the input for good. The line is valid until the next call. The caller
+    // may change its units and one more after them. It is in the block, or in `crossing` when it
+    // crosses blocks. fill(units, count) reads up to `count` units and returns their number.
     template <class Fill, class... Ends>
     std::optional<std::span<Unit>> Next(Buffer<Unit>& crossing, Fill fill, Ends... ends) {
         crossing.SetLength(0);
@@ -46,8 +45,7 @@ public:
         return Whole(crossing);
     }
 
-    // Units taken from the source so far: through what ended the latest line, or through the 0 that
-    // ended the input.
+    // Units used so far: through the end of the latest line, or through the 0 that ended the input.
     std::uint64_t Taken() const noexcept { return taken; }
 
 private:
@@ -62,7 +60,7 @@ private:
     std::size_t cursor = 0;
     std::size_t length = 0;
     std::uint64_t taken = 0;
-    bool ended = false;  // a 0 was met
+    bool ended = false;  // by a 0
 };
 
 }  // namespace lexon_private

@@ -15,10 +15,10 @@ unsigned short* MultibyteReader::ReadALine() {
     lineLength = 0;
     if (!found.has_value()) return nullptr;
     line.SetLength(0);
-    // An empty line, of which CR LF makes one each time, is not worth a conversion.
+    // Empty lines need no conversion; every CR LF makes one.
     if (!found->empty()) UnicodeUtil::StringToUnicode(found->data(), found->size(), line, nullptr);
     line.Append(0);
-    // Conversions may give a 0 of their own.
+    // A conversion may result in a 0.
     lineLength = UnicodeUtil::StringLength(line.GetData());
     return line.GetData();
 }

@@ -5,7 +5,7 @@
 namespace lexon_private {
 
 // Lines of 8-bit text in the library's default encoding, ended by LF or CR.
-// Failure: a conversion error leaves ReadALine as an ASErrException; bytes that are not valid text
+// Failure: a conversion error leaves ReadALine as an ASErrException. Bytes that are not valid text
 //          make their line empty.
 class MultibyteReader : public DictionaryReader {
 public:

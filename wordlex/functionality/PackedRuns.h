@@ -9,20 +9,21 @@
 namespace lexon_private {
 
 // Numbered strings of one array of a compact store: bytes of keys, or UTF-16 units of texts.
-// Strings from an image lie packed in one area, where they may share bytes; one that is added at
-// run time or has outgrown its place lies in a buffer of its own.
+// Strings from an image are packed in one area, where they may share bytes. A string that is added
+// at run time or has outgrown its place is in a buffer of its own.
 //
 // Units:     lengths and offsets are bytes. Lengths of texts are even.
-// Invariant: every string lies inside its area or buffer, at an address right for its units:
-//            whoever reads one need not check. What is written in place is part of no other string.
-// Cost:      strings that share bytes may sum up to sixteen times what was read of them, so that no
+// Invariant: every string is inside its area or buffer, at an address aligned for its units, so
+//            readers need not check. Bytes that are written in place are part of no other string.
+// Cost:      strings that share bytes may add up to sixteen times the bytes read for them, so that
+//            no image costs much more than its size. An image with more is refused.
 //            image costs much more than its size; with more than that an image is refused.
 template <class Unit>
 class PackedRuns {
 public:
     using Run = BorrowableArray<Unit>;
 
-    // The part of `byteCount` that a length of 16 bits can tell: longer strings are cut.
+    // The part of `byteCount` that a length of 16 bits can express: longer strings are cut.
     static std::uint16_t StoredLength(unsigned long byteCount) noexcept {
         return static_cast<std::uint16_t>(byteCount / sizeof(Unit) * sizeof(Unit));
     }
@@ -55,31 +56,31 @@ public:
         lengths[i] = byteCount;
     }
     void Clear(std::size_t i) noexcept { lengths[i] = 0; }
-    // Replaces string i in two steps, of which the first does all that can fail: a string that
-    // grows or leaves a shared place is prepared in a buffer of its own, any other overwrites the
-    // old one. `bytes` may be part of what is replaced.
+    // Replaces string i in two steps; only the first can fail. A string that grows or leaves a
+    // shared place is prepared in a buffer of its own, any other overwrites the old one. `bytes`
+    // may be part of the old string.
     Run PrepareReplace(std::size_t i, const void* bytes, std::uint16_t byteCount);
     void Replace(std::size_t i, Run prepared, const void* bytes, std::uint16_t byteCount) noexcept;
 
-    // Read the two tables of `count` strings, then later the area that they describe. Every string
-    // is checked against the area's size; `outside` is the fault of one that leaves it.
+    // Read the two tables of `count` strings, then later the area for them. Every string is checked
+    // against the area's size; `outside` is the fault for one that leaves it.
     void ReadTables(ImageReader& reader, std::uint32_t count, std::uint32_t areaSize,
                     ImageFault outside);
     void ReadArea(ImageReader& reader, std::uint32_t areaSize);
 
 private:
-    // Whether the string may have bytes in common with others.
+    // Whether the string may share bytes with others.
     bool IsShared(std::size_t i) const noexcept {
         return areaIsShared && (buffers.empty() || buffers[i] == nullptr);
     }
-    // Gives each text at an odd offset a buffer of its own.
+    // Moves each text at an odd offset to a buffer of its own.
     void AlignTexts();
 
     Table<std::uint32_t> offsets;  // absent in arrays that were not read
     Table<std::uint16_t> lengths;
     Table<Unit> area;
-    bool areaIsShared = false;  // whether the strings of the area may have bytes in common
-    Table<Run> buffers;  // absent until a string needs one; null where a string lies in the area
+    bool areaIsShared = false;  // whether strings of the area may share bytes
+    Table<Run> buffers;         // absent until a string needs one; null for a string in the area
 };
 
 extern template class PackedRuns<unsigned char>;

@@ -3,18 +3,18 @@
 
 namespace lexon_private {
 
-// Base of every value that is shared by reference count.
+// Base of all values shared by reference count.
 // Owns:    itself: the holder that drops the last reference deletes it. The destructor is hidden so
 //          that neither a stray delete nor a value on the stack compiles.
 // Threads: none. Counts are plain integers; holders in several threads need one lock around them.
 class RefCountObj {
 public:
     RefCountObj() noexcept = default;
-    RefCountObj(const RefCountObj&) noexcept {}  // nobody holds the copy yet
+    RefCountObj(const RefCountObj&) noexcept {}  // the copy has no holder yet
     RefCountObj& operator=(const RefCountObj&) noexcept { return *this; }  // holders stay
 
     void AddReference() noexcept { ++count; }
-    // Gives the new count; 0 means that the object is gone.
+    // Returns the new count; 0 means that the object is gone.
     std::int32_t RemoveReference() noexcept {
         const std::int32_t left = --count;
         if (left == 0) delete this;

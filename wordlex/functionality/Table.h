@@ -5,7 +5,7 @@
 
 namespace lexon_private {
 
-// Frees an array unless that is a piece of something larger with an owner of its own.
+// Frees an array unless it is part of something larger that has an owner.
 template <class T>
 struct DeleteUnlessBorrowed {
     bool borrowed;  // false when made without a value
@@ -16,8 +16,8 @@ struct DeleteUnlessBorrowed {
 template <class T>
 using BorrowableArray = std::unique_ptr<T[], DeleteUnlessBorrowed<T>>;
 
-// A fixed number of items in one allocation; items of a plain type are left for the owner to fill.
-// Owns: its items. One that was moved from is empty.
+// A fixed number of items in one allocation. Items of a plain type start uninitialized.
+// Owns: its items. A table that was moved from is empty.
 template <class T>
 class Table {
 public:

@@ -8,17 +8,17 @@ namespace lexon_private {
 
 // Composes lines of a text dictionary, UTF-16 in host order, and writes them in pieces of a
 // kilobyte.
-// Failure: carried by the stream's state.
+// Failure: reported by the stream's state.
 class TextLine {
 public:
     explicit TextLine(std::ostream& destination) noexcept : out(destination) {}
 
     // U+0022, each byte as a unit, U+003D.
     void PutKey(std::span<const unsigned char> key);
-    // The units, of which LF, CR and the quotation mark are escaped, then U+0022 and the line's
-    // end. Returns the bytes of the escaped units.
+    // The units, with LF, CR and the quotation mark escaped, then U+0022 and the line's end.
+    // Returns the number of bytes of the escaped units.
     std::uint32_t PutValue(std::span<const unsigned short> value);
-    void Write();  // what was put and not written yet
+    void Write();  // writes the rest
 
 private:
     static constexpr std::size_t kUnits = 512;

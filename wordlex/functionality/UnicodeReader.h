@@ -5,13 +5,14 @@
 namespace lexon_private {
 
 // Lines of UTF-16 text in host byte order, ended by LF, CR, U+2028 or U+2029.
-// An odd last byte of the input forms no unit and is dropped.
+// An odd last byte of the input is not a unit and is dropped.
 class UnicodeReader : public DictionaryReader {
 public:
     using DictionaryReader::DictionaryReader;
 
     unsigned short* ReadALine() override;
-    // Reads up to `count` units, in host order; gives how many, fewer only at the input's end.
+    // Reads up to `count` units, in host order. Returns their number, fewer only at the input's
+    // end.
     virtual std::size_t ReadCharacters(unsigned short* units, std::size_t count);
 
 private:

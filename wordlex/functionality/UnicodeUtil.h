@@ -6,8 +6,8 @@
 
 namespace lexon_private {
 
-// Procedures that convert between 8-bit text and UTF-16. Sizes of 8-bit text are bytes, of UTF-16
-// units. Each gives 0, or a status that the caller throws as an ASErrException's code. A null
+// Procedures that convert between 8-bit text and UTF-16. Sizes are bytes for 8-bit text, units for
+// UTF-16. Each returns 0, or a status that the caller throws as an ASErrException's code. A null
 // selector means the application's default encoding.
 using ToUnicodeSizeProc = std::int64_t (*)(const unsigned char* bytes, unsigned long byteCount,
                                            unsigned long& unitCount, EncodingInfo* encoding);
@@ -27,15 +27,15 @@ using CompareProc = int (*)(const unsigned short* a, unsigned long aLength, cons
                             unsigned long bLength);
 
 // Comparison, measuring, number parsing and conversion of UTF-16 text.
-// Failure: a procedure's status is thrown as ASErrException; bytes that are not valid text convert
-//          to nothing and characters that an encoding lacks become '?': neither is an error.
+// Failure: a procedure's status is thrown as ASErrException. Bytes that are not valid text convert
+//          to nothing, and characters that an encoding lacks become '?': neither is an error.
 // Threads: the procedures and the default encoding are plain globals: set them at start-up.
 class UnicodeUtil {
 public:
-    // Orders by the first units that differ, then by length; gives the difference.
+    // Orders by the first units that differ, then by length; returns the difference.
     static int DefaultCompareProc(const unsigned short* a, unsigned long aLength,
                                   const unsigned short* b, unsigned long bLength);
-    // Null restores the default. Gives the procedure now in force.
+    // Null restores the default. Returns the procedure now in use.
     static CompareProc SetCompareProc(CompareProc proc);
     static int Compare(const unsigned short* a, unsigned long aLength, const unsigned short* b,
                        unsigned long bLength) {
@@ -48,7 +48,7 @@ public:
                                    ConvertFromUnicodeProc fromUnicode);
     static bool UsingDefaultConverters();
 
-    // The selector of conversions that are given none; keeps the pointer.
+    // The selector for conversions without one; keeps the pointer.
     static void SetDefaultEncoding(EncodingInfo* encoding) { sDefaultEncoding = encoding; }
     static EncodingInfo* GetDefaultEncoding() { return sDefaultEncoding; }
     static EncodingInfo* CheckForDefaultEncoding(EncodingInfo* encoding) {
@@ -63,19 +63,19 @@ public:
     // Bytes with one for a terminator.
     static unsigned long FromUnicodeSize(const unsigned short* units, unsigned long unitCount,
                                          EncodingInfo* encoding);
-    // Cut at a whole character where `capacity` bytes do not hold text and NUL; nothing is written
-    // when it is 0. A null destination throws 'BUFF'.
+    // Cut at a whole character when text and NUL need more than `capacity` bytes. With 0 nothing is
+    // written. A null destination throws 'BUFF'.
     static void UnicodeToCString(const unsigned short* units, unsigned long unitCount,
                                  char* destination, unsigned long capacity, EncodingInfo* encoding);
-    // The same with a count byte ahead instead of the NUL behind; it holds the low 8 bits of the
-    // count, so a destination of more than 256 bytes is more than this form can tell.
+    // The same with a count byte before the text instead of the NUL after it. The count byte has
+    // the low 8 bits of the count, so a destination of more than 256 bytes makes no sense.
     static void UnicodeToPascalString(const unsigned short* units, unsigned long unitCount,
                                       unsigned char* destination, unsigned long capacity,
                                       EncodingInfo* encoding);
 
     static unsigned long StringLength(const unsigned short* text);  // units before the first 0
-    // Decimal digits of any script behind an ASCII sign. Units that are no digits are passed over
-    // and make the result false; so does an empty text. Overflow wraps.
+    // Decimal digits of any script after an ASCII sign. Other units are skipped and make the result
+    // false; so does an empty text. Overflow wraps.
     static bool StringToInteger(const unsigned short* units, unsigned long count, long& result);
 
 private:

@@ -34,7 +34,7 @@ const unsigned char* BytesOf(const char* text) noexcept {
     return reinterpret_cast<const unsigned char*>(text);
 }
 
-// A new string of `count` units that `fill` writes to where its argument points.
+// A new string of `count` units, which `fill` writes to its argument.
 template <class Fill>
 Wordlex Filled(unsigned long count, Fill fill) {
     unsigned char* bytes = nullptr;
@@ -57,7 +57,7 @@ struct UnitWriter {
     void Put(Units units) noexcept { next = std::ranges::copy(units, next).out; }
 };
 
-// The units that `produce` puts into the sink it is given. It runs twice, first to be counted.
+// The units that `produce` puts into its sink. It runs twice, the first time to count them.
 template <class Produce>
 Wordlex Produced(unsigned long count, const Produce& produce) {
     return Filled(count, [&](unsigned short* units) {
@@ -83,7 +83,7 @@ void ThrowShortBufferIf(bool tooSmall) {
     if (tooSmall) throw lexon::ASErrException(lexon::ASErrException::kShortBuffer);
 }
 
-// Runs a conversion to 8-bit text; a missing destination is an error only where the caller says so.
+// Runs a conversion to 8-bit text. A missing destination is an error only if the caller says so.
 template <class Convert>
 void ConvertOut(bool reportMissingDestination, Convert convert) {
     try {
@@ -100,11 +100,11 @@ struct TagRange {
     unsigned long end;
 };
 
-// What of a parameter tag the scan has passed.
+// The part of a parameter tag that the scan has passed.
 enum class TagPart { kNone, kOpening, kParam, kName, kEquals, kQuotedName };
 
 // The `occurrence`-th tag of that name. One scan, one unit a step: a unit that breaks a tag is
-// passed over, so a '<' among them does not open the next tag.
+// skipped, so a '<' among them does not open the next tag.
 std::optional<TagRange> FindParamTag(Units text, const Wordlex& name, int occurrence) {
     unsigned long start = 0;
     unsigned long i = 0;
@@ -173,7 +173,7 @@ bool IsParenthesisedAccelerator(Units text) {
     return text.size() >= 4 && text[0] == u'(' && text[1] == kAmpersand && text[3] == u')';
 }
 
-// Puts what is left of a text without its accelerator marks, and tells each marked unit.
+// Puts the text without its accelerator marks, and reports each marked unit.
 template <class Sink>
 void PutWithoutAccelerators(Units text, Sink& out) {
     bool afterMark = false;
@@ -192,10 +192,10 @@ void PutWithoutAccelerators(Units text, Sink& out) {
     }
 }
 
-// Makes the shared constants when the library is loaded. They are function-local, so that another
-// static initializer that runs before this one, in whatever order the files are linked, makes them
-// by using them; all that they need in turn is either such a constant too or set at compile time.
-// The empty run is among them, so that a string can always be emptied without allocating.
+// Makes the shared constants when the library is loaded. They are function-local: another static
+// initializer that runs before this one makes them by using them, whatever the order of linking.
+// Everything that they need is another such constant or set at compile time. The empty run is one
+// of them, so a string can always be emptied without allocating.
 [[maybe_unused]] const bool kMadeAtLoad = [] {
     WordlexLibVersion_5_1();
     UnicodeRun::EmptyRunInstance();

@@ -8,13 +8,14 @@
 namespace lexon_private {
 
 // The library's string: a UnicodeRun with text operations. Members that make a string from a raw
-// buffer or copy it out to one begin with BackDoor.
-// Invariant: the shared units never change. An operation that changes the text sizes a new value
-//            exactly, fills it and lets go of the old one; where nothing changes the value stays.
-// Equality:  of texts, by UnicodeUtil::Compare; strings that share one value are equal unasked.
+// buffer or copy it to one begin with BackDoor.
+// Invariant: the shared units never change. An operation that changes the text makes a new value of
+//            the exact size, fills it and releases the old one. If nothing changes, the value
+//            stays.
+// Equality:  of texts, by UnicodeUtil::Compare. Strings that share one value are equal without it.
 // Units:     lengths and capacities count UTF-16 units, for 8-bit text bytes. Nothing inside is
 //            terminated.
-// Failure:   conversion errors throw ASErrException. Whatever is thrown, the string is as it was.
+// Failure:   conversion errors throw ASErrException. After any exception, the string is as it was.
 // Threads:   none, as UnicodeRun.
 class Wordlex : public UnicodeRun {
 public:
@@ -25,29 +26,29 @@ public:
     Wordlex(const unsigned char* bytes, unsigned long count, const lexon::EncodingInfo* encoding)
         : Wordlex(StringToPooledUnicode(bytes, count, encoding)) {}
 
-    // What Dictionary::Lookup finds for a key or an id in the registry's dictionary number `which`,
-    // fall-backs included.
+    // The result of Dictionary::Lookup for a key or an id in the registry's dictionary number
+    // `which`, including fall-backs.
     Wordlex(const char* key, unsigned long which, const lexon::EncodingInfo* encoding);
     Wordlex(unsigned int id, unsigned long which, const lexon::EncodingInfo* encoding);
 
-    // A null text is the empty text. The pascal form reads `count` bytes after the first one, which
-    // it does not look at.
+    // A null text is the empty text. The pascal form reads `count` bytes after the first byte,
+    // which it ignores.
     static Wordlex BackDoorMakeFromUnicode(const unsigned short* units, unsigned long count);
     static Wordlex BackDoorMakeFromCString(const char* bytes, unsigned long count,
                                            const lexon::EncodingInfo* encoding);
     static Wordlex BackDoorMakeFromPascalString(const unsigned char* text, unsigned long count,
                                                 const lexon::EncodingInfo* encoding);
-    // Text that says its own length: up to a 0 unit, up to a NUL, or counted by its first byte.
+    // Text with its own length: up to a 0 unit, up to a NUL, or counted by its first byte.
     void BackDoorAssignUnicode(const unsigned short* text);
     void BackDoorAssignCString(const char* text, const lexon::EncodingInfo* encoding);
     void BackDoorAssignPascalString(const unsigned char* text, const lexon::EncodingInfo* encoding);
-    // Bytes that are not valid text give the empty string.
+    // Bytes that are not valid text return the empty string.
     static Wordlex StringToPooledUnicode(const unsigned char* bytes, unsigned long count,
                                          const lexon::EncodingInfo* encoding);
 
     // The sizes count the terminator, or the count byte; the NoNull forms have none. A destination
-    // that is too small takes what fits. Then, or when it is null, `throwIfTooSmall` raises 'BUFF';
-    // the 8-bit forms raise it for a null destination only.
+    // that is too small gets what fits. Then, or when it is null, `throwIfTooSmall` throws 'BUFF';
+    // the 8-bit forms throw it only for a null destination.
     unsigned long BackDoorGetUnicodeSize() const noexcept { return GetLength() + 1; }
     void BackDoorGetUnicode(unsigned short* destination, unsigned long capacity,
                             bool throwIfTooSmall) const;
@@ -73,29 +74,29 @@ public:
     bool operator>=(const Wordlex& other) const { return CompareTo(other) >= 0; }
 
     bool IsAllWhiteSpace() const;  // true for the empty string
-    // False when a unit behind an ASCII sign is no digit; the digits count all the same.
+    // False when a unit after an ASCII sign is not a digit; the digits still count.
     bool ToInteger(long& result) const;
 
-    // Markers: '^' directly followed by a digit character. A doubled '^' is no escape.
+    // Markers: '^' directly followed by a digit character. A doubled '^' is not an escape.
     static unsigned short DigitCharacter(unsigned char n) noexcept {
         return static_cast<unsigned short>(u'0' + n);
     }
     bool WillReplace(unsigned char n) const;
-    std::uint16_t CountHatOccurrences(unsigned short unit) const;  // 65535 stands for all above it
-    // Puts `value` in place of every marker of n, in one pass: markers in `value` stay.
+    std::uint16_t CountHatOccurrences(unsigned short unit) const;  // 65535 for all numbers above it
+    // Replaces every marker of n by `value`, in one pass: markers in `value` stay.
     void Replace(unsigned char n, const Wordlex& value);
 
-    // Puts `value` in place of the `occurrence`-th (from 1) tag < param name = "NAME" />, with any
-    // number of spaces, none included, where one is shown. False and unchanged when there is none.
+    // Replaces the `occurrence`-th (from 1) tag < param name = "NAME" /> by `value`. Each shown
+    // space is any number of spaces, also none. False and unchanged when there is no such tag.
     bool BackDoorParamSubstitute(const char* name, const Wordlex& value, int occurrence);
 
     void TrimBlanks();                         // U+0020 at both ends
     void TrimEllipsis();                       // one "..." or U+2026 at the end
     void EllipsisToHostEllipsis() noexcept {}  // the ellipsis of this platform is U+2026 itself
-    // Drops '&' marks ("&&" stands for '&', '&' before a space for itself), marks in parentheses
-    // whole, and everything from the first space followed by a backspace on.
+    // Removes '&' marks ("&&" becomes '&', '&' before a space stays), marks in parentheses
+    // completely, and everything from the first space followed by a backspace on.
     void RemoveAccelerators();
-    // What the first mark that RemoveAccelerators drops stands ahead of, "&&" apart; 0 when there
+    // The unit after the first mark that RemoveAccelerators removes, apart from "&&"; 0 when there
     // is none.
     unsigned short GetAccelerator() const noexcept;
     void ChangeNewLineCharacter();       // LF becomes CR
@@ -109,8 +110,8 @@ private:
     void ChangeUnits(unsigned short from, unsigned short to);
 };
 
-// The keywords of the parameter tag, "param" and "name". Made at load or at their first use, be
-// that in another static initializer; destroyed at process exit, after the objects that used them.
+// The keywords of the parameter tag, "param" and "name". Made at load or at their first use, also
+// in another static initializer. Destroyed at process exit, after the objects that used them.
 const Wordlex& wStrParam();
 const Wordlex& wStrName();
 

@@ -3,7 +3,7 @@
 namespace lexon_private {
 
 std::uint32_t cFarray::getAccelIndex(std::uint32_t entry) const noexcept {
-    // Bisected by hand: std::lower_bound wants them to ascend, which images may not do.
+    // Binary search by hand: std::lower_bound needs ascending items, which images may not have.
     std::uint32_t low = 0;
     for (std::uint32_t high = acceleratorCount; low < high;) {
         const std::uint32_t middle = low + (high - low) / 2;

@@ -7,22 +7,22 @@
 
 namespace lexon_private {
 
-// One array of entries of a compact store: an image that was loaded, or up to 100 added entries.
-// An entry of a keyed array without key bytes was removed or overridden, or has the empty key.
+// One array of entries of a compact store: a loaded image, or up to 100 added entries. An entry of
+// a keyed array without key bytes was removed or overridden, or has the empty key.
 struct cFarray {
     std::uint32_t entryCount = 0;
     bool keyed = true;
     PackedRuns<unsigned char> keys;  // of keyed arrays
     PackedRuns<unsigned short> values;
-    // The accelerator strings of some entries, in the order of these.
+    // The accelerator strings of some entries, in the order of the entries.
     std::uint32_t acceleratorCount = 0;
-    // Index of each one's entry, ascending. Of an image where they do not ascend, some accelerators
-    // are not found, nor emptied with their entries.
+    // The entry index of each string, ascending. In an image where they do not ascend, some
+    // accelerators are neither found nor emptied with their entries.
     Table<std::uint32_t> acceleratorEntries;
     PackedRuns<unsigned short> accelerators;
-    // In which hash slots the entries of a keyed array are listed, removed ones included: what an
-    // image says, or for added entries the slot of each. For an image the slots, the number of ids
-    // of each, and the ids one list after another.
+    // The hash slots in which the entries of a keyed array are listed, including removed ones: for
+    // an image its slots, the number of ids of each, and the ids one list after another; for added
+    // entries the slot of each.
     Table<std::uint16_t> slotNumbers;
     Table<std::uint32_t> slotSizes;
     Table<std::uint32_t> ids;
@@ -42,7 +42,7 @@ struct cFarray {
                 visit(slotNumbers[s], *id++);
         }
     }
-    // The same for an image, and takes the ids off their lists for which it returns false.
+    // The same for an image; removes the ids for which it returns false from their lists.
     template <class Keep>
     void FilterListed(Keep keep) {
         const std::uint32_t* id = ids.begin();
@@ -60,8 +60,8 @@ struct cFarray {
 
     // Index of the accelerator string of an entry, or acceleratorCount.
     std::uint32_t getAccelIndex(std::uint32_t entry) const noexcept;
-    // Makes room for one more accelerator string. Arrays of added entries have few: `room` is that
-    // of the first time.
+    // Makes room for one more accelerator string. Arrays of added entries have few: `room` is the
+    // first amount.
     void PrepareAccelerators(std::uint32_t room);
     void AddAccelerator(std::uint32_t entry, PackedRuns<unsigned short>::Run text,
                         std::uint16_t byteCount) noexcept;

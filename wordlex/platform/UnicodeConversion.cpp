@@ -19,7 +19,7 @@ CFStringEncoding PlatformEncoding(const EncodingInfo* encoding) {
                                                     : defApplTextEncoding;
 }
 
-// Null when the bytes are not valid text.
+// Null for bytes that are not valid text.
 CFStringOwner StringFromBytes(const unsigned char* bytes, unsigned long byteCount,
                               const EncodingInfo* encoding) {
     return CFStringOwner(CFStringCreateWithBytes(kCFAllocatorDefault, bytes,
@@ -27,7 +27,7 @@ CFStringOwner StringFromBytes(const unsigned char* bytes, unsigned long byteCoun
                                                  PlatformEncoding(encoding), false));
 }
 
-// The bytes that `capacity` holds, or would take when `bytes` is null.
+// The number of bytes that fit into `capacity`, or that the text needs when `bytes` is null.
 unsigned long BytesOf(const unsigned short* units, unsigned long unitCount, char* bytes,
                       unsigned long capacity, const EncodingInfo* encoding) {
     const CFStringOwner string(CFStringCreateWithCharactersNoCopy(
@@ -75,7 +75,7 @@ std::int64_t UnicodeConversion::ConvertFromUnicode(const unsigned short* units,
                                                    unsigned long& bytesWritten,
                                                    EncodingInfo* encoding) {
     bytesWritten = 0;
-    // Given no destination, the platform would count instead of writing.
+    // Without a destination the platform would count instead of writing.
     if (units == nullptr || byteCapacity == 0) return 0;
     bytesWritten = BytesOf(units, unitCount, bytes, byteCapacity, encoding);
     return 0;

@@ -21,9 +21,9 @@ constinit bool EnableQuorvHatEscapes = false;
 
 namespace {
 
-// What a public string owns. A text that was made to be handed out has room for it in its own
-// allocation, so that handing out allocates once. That memory lasts until the string and all that
-// share the text are gone, whatever text the string holds by then.
+// The object that a public string owns. A text made for a result has room for it in its own
+// allocation, so that a result costs one allocation. That memory lasts until the string and all
+// that share the text are gone, even if the string has another text by then.
 class HeldText final : public lexon_private::Wordlex {
 public:
     static lexon_private::Wordlex* Make(lexon_private::Wordlex text) {
@@ -49,10 +49,10 @@ private:
         : lexon_private::Wordlex(std::move(text)) {}
     ~HeldText() = default;
 
-    std::optional<lexon_private::UnicodeRun> home;  // the memory it lies in, unless its own
+    std::optional<lexon_private::UnicodeRun> home;  // the memory that it is in, unless its own
 };
 
-// Lets the held string become what `make` gives, or the empty string when it throws. The old text
+// Sets the held string to the result of `make`, or to the empty string when it throws. The old text
 // lives until then: the new one may be made from its units.
 template <class Make>
 void RemakeOrEmpty(lexon_private::Wordlex& held, Make make) {

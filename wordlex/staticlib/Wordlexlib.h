@@ -115,7 +115,7 @@ public:
 
     // Replace the held string by a copy of the given text. When the conversion throws, the string
     // is empty afterwards. `MakeFromPascalString` reads `count` bytes after the count byte. A null
-    // text makes the string empty, whatever the count says.
+    // text makes the string empty for any count.
     void MakeFromUnicode(const unsigned short* units, unsigned long count);
     void MakeFromCString(const char* bytes, unsigned long count, EncodingInfo* encoding);
     void MakeFromPascalString(const unsigned char* text, unsigned long count,
@@ -203,8 +203,8 @@ public:
     explicit Dictionary(const lexon_private::Dictionary& other);
     // A copy of a compact dictionary shares its store; a copy of a hash-table dictionary is empty.
     Dictionary(const Dictionary& other);
-    // Takes all entries over; the main dictionary stays the main one. What was moved from may only
-    // be assigned to or destroyed.
+    // Takes over all entries; the main dictionary stays the main one. The moved-from dictionary may
+    // only be assigned to or destroyed.
     Dictionary(Dictionary&& other) noexcept;
     Dictionary& operator=(const Dictionary& other);
     Dictionary& operator=(Dictionary&& other) noexcept;
@@ -243,10 +243,10 @@ public:
     bool HasKey(const char* key, const EncodingInfo* encoding);  // here, not in the main dictionary
     unsigned long NumKeys();
 
-    // Enumeration: HasMoreKey moves to the next key and returns false after the last one; the call
-    // after that starts anew. Both NextKey forms return the key that HasMoreKey moved to, as often
-    // as they are called. When a key is added or removed, the enumeration of a hash-table
-    // dictionary ends, and that of a compact one goes on by id.
+    // Enumeration: HasMoreKey moves to the next key and returns false after the last one; the next
+    // call starts again. Both NextKey forms return the key that HasMoreKey moved to, as often as
+    // they are called. When a key is added or removed, the enumeration of a hash-table dictionary
+    // ends, and that of a compact one continues by id.
     bool HasMoreKey();
     bool ReSetKeyEnumeration();  // false for a hash-table dictionary
     // Copies the key and a NUL. A buffer that is null or too small throws 'BUFF' or returns false.

@@ -14,7 +14,7 @@ namespace lexon::detail {
 
 File::File(const std::filesystem::path& path) : name(path) {
     struct stat status {};
-    // Looked at before it is opened: opening a device can do something to it.
+    // Checked before opening it: opening a device can have effects.
     if (::stat(path.c_str(), &status) != 0) {
         const bool missing = errno == ENOENT || errno == ENOTDIR;
         Fail(missing ? LoadError::Code::kMissing : LoadError::Code::kUnreadable, errno);
@@ -23,7 +23,7 @@ File::File(const std::filesystem::path& path) : name(path) {
         throw LoadFault{
             {.code = LoadError::Code::kNotAFile, .file = path, .reason = "not a regular file"}};
     }
-    // What has taken its place meanwhile is not waited for.
+    // Does not wait for a file of another kind that has replaced it meanwhile.
     descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
     if (descriptor < 0 || ::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
         const int error = errno;

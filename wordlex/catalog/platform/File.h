@@ -1,6 +1,5 @@
 #pragma once
-// Regular files, and mappings of them, as this system has them. Failures are LoadFaults that name
-// the file.
+// Regular files, and mappings of them, on this system. Failures are LoadFaults that name the file.
 
 #include <filesystem>
 #include <memory>
@@ -9,7 +8,7 @@
 
 namespace lexon::detail {
 
-// A regular file, open for reading. Anything else is refused without being opened or waited for.
+// A regular file, open for reading. Other files are refused without being opened or waited for.
 class File {
 public:
     explicit File(const std::filesystem::path& path);
@@ -20,7 +19,7 @@ public:
     std::size_t Size() const noexcept { return size; }
     // Reads up to the whole span from `offset` on; returns the number of bytes, fewer at the end.
     std::size_t ReadAt(std::size_t offset, std::span<std::byte> into) const;
-    // The whole file, which is not empty, as the memory of the mapping's keeper.
+    // The whole file, which is not empty; the keeper of the mapping is its memory.
     std::shared_ptr<const void> Map() const;
 
 private:

@@ -30,7 +30,7 @@ private:
 
 }  // namespace
 
-// Watches the folder, not the file: editors and compilers put a new file in its place.
+// Watches the folder, not the file: editors and compilers replace the file.
 struct Watcher::State {
     State(ReloadingCatalog& watched, std::function<void(const LoadError*)> told)
         : catalog(watched),
@@ -62,7 +62,7 @@ private:
             if (reloaded != nullptr) reloaded(error.has_value() ? &*error : nullptr);
         }
     }
-    // Takes all notices that are there.
+    // Reads all notices that are there.
     bool IsChanged() const {
         alignas(inotify_event) char events[4096];
         bool changed = false;
