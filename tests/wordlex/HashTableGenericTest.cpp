@@ -97,12 +97,12 @@ TEST_F(HashTable, LinksSeveralItemsAheadInTheirOrder) {
     HashItem* const items[] = {new Key(Chained('b'), 'b'), new Key(Chained('c'), 'c')};
     const HashTableGeneric::Group groups[] = {
         {static_cast<std::uint16_t>(items[0]->Hash(kHashBucketCount)), items}};
-    table->InsertAhead(groups);
+    table->InsertGroups(groups);
     EXPECT_EQ("bca", Pass());
     EXPECT_EQ('c', Find(Chained('c')));
     HashItem* const elsewhere[] = {new Key(Chained('a'), 'x')};
     const HashTableGeneric::Group wrong[] = {{1020, elsewhere}};
-    table->InsertAhead(wrong);
+    table->InsertGroups(wrong);
     EXPECT_EQ("bcax", Pass());
     EXPECT_EQ('a', Find(Chained('a'))) << "a key in a wrong bucket is not found";
 }

@@ -27,7 +27,7 @@ namespace {
 constexpr unsigned long kNone = std::numeric_limits<unsigned long>::max();
 constexpr std::uint32_t kNoId = FastArray::kNoId;
 
-// Ids are 32-bit inside the store; none of them is wider.
+// Ids have 32 bits inside the store; a wider number is not an id.
 std::uint32_t StoreId(unsigned long id) {
     return id < kNoId ? static_cast<std::uint32_t>(id) : kNoId;
 }
@@ -40,8 +40,8 @@ std::unique_ptr<char[]> CopyText(const char* text, std::size_t length) {
     return copy;
 }
 
-// The low byte of each unit. `bytes` may be where the units are: every byte lies ahead of the units
-// still to be read.
+// The low byte of each unit. `bytes` may overlap the units: every byte is before the units still to
+// be read.
 void Narrow(const unsigned short* units, unsigned long count, unsigned char* bytes) {
     for (unsigned long i = 0; i < count; ++i)
         bytes[i] = static_cast<unsigned char>(units[i]);
@@ -160,7 +160,7 @@ std::optional<UnicodeRun> Dictionary::Find(const Key& key) const {
         const unsigned short* units = nullptr;
         unsigned long length = 0;
         if (FindInPlace(key, units, length)) return UnicodeRun::WithRoom(units, length);
-        // The empty key may be held, but no id of it is valid.
+        // The empty key may exist, but no id of it is valid.
         if (key.length != 0 || FindId(key) == kNoId) return std::nullopt;
         return UnicodeRun();
     }
@@ -361,9 +361,9 @@ void Dictionary::Read(std::istream* stream) {
         valid = false;
         return;
     }
-    // A short text is no fault: only the reading of the content throws where the stream does so.
+    // A short text is not a fault: only reading the content throws when the stream does.
     std::optional<QuietStream> quiet(*stream);
-    // Most files are binary ones from their start: these are read without moving back.
+    // Most files are binary ones from their start; these are read without moving back.
     if (stream->tellg() == std::streampos(0)) {
         ImageReader image(*stream, lexon::EndianT::kHost);
         if (PassMagic(image)) {
@@ -384,7 +384,7 @@ void Dictionary::Read(std::istream* stream) {
     if (HasBinaryMagic(head, static_cast<std::size_t>(count))) {
         Read(*stream);
     } else {
-        ReadText(*reader, true);  // from the start again, the mark of UTF-16 included
+        ReadText(*reader, true);  // from the start again, including the mark of UTF-16
     }
 }
 
@@ -426,7 +426,7 @@ void Dictionary::ReadBinary(ImageReader& image, bool copyKeys) {
 }
 
 bool Dictionary::ReadCompactImage(ImageReader& image, const BinaryHeader& header) {
-    // Whatever allocates comes first, so that the image, its locale and the version change as one.
+    // All allocations come first, so that the image, its locale and the version change together.
     auto name = header.locale.has_value() ? CopyText(header.locale->data(), header.locale->size())
                                           : nullptr;
     if (Store().Load(image) == ImageResult::kMalformed) return false;
@@ -516,7 +516,7 @@ void Dictionary::AddEntry(unsigned short* line, const unsigned short* end) {
         valid = false;
         return;
     }
-    // The bytes of the key take the first half of its units, well ahead of the value.
+    // The bytes of the key take the first half of its units, well before the value.
     auto* const keyBytes = reinterpret_cast<unsigned char*>(line + (key - line));
     Narrow(key, keyLength, keyBytes);
 

@@ -18,7 +18,7 @@ UnicodeRun RunOf(const unsigned short* units, unsigned long unitCount) {
     return unitCount == 0 ? UnicodeRun() : UnicodeRun(units, unitCount);
 }
 
-// Room for one more item that keeps appending cheap.
+// Room for one more item, growing so that appending stays cheap.
 template <class T>
 void ReserveOneMore(std::vector<T>& items) {
     constexpr std::size_t kFirst = 10;
@@ -31,7 +31,7 @@ void ReserveOneMore(std::vector<T>& items) {
 
 int FastArray::getArrayNum(std::uint32_t id) const {
     if (id >= totalCount) return -1;
-    // A binary search without branches to be guessed: the last base that is not above the id.
+    // A binary search without branches: the last base that is not above the id.
     const std::uint32_t* base = idBases.data();
     for (std::size_t left = idBases.size(); left > 1;) {
         const std::size_t half = left / 2;
@@ -168,7 +168,7 @@ void FastArray::ForEachEntry(const EntryVisitor& visit) const {
             view.accelerator = {array.accelerators.Data(text),
                                 array.accelerators.Length(text) / sizeof(short)};
         }
-        // One with a value alone has the empty key.
+        // An entry with only a value has the empty key.
         if (!array.keyed || !view.key.empty() || !view.value.empty()) visit(view);
         ++view.id;
     });

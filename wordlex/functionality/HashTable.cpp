@@ -72,7 +72,7 @@ public:
             groups.push_back({buckets[b].slot,
                               std::span(items).subspan(buckets[b].begin, end - buckets[b].begin)});
         }
-        table.InsertAhead(groups);
+        table.InsertGroups(groups);
         for (std::unique_ptr<HashItem>& entry : entries)
             static_cast<void>(entry.release());
     }

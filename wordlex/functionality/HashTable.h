@@ -11,13 +11,14 @@
 
 namespace lexon_private {
 
-// A hash table that reads the bodies of version 1 files: entries of type Entry, found by Key.
-// New entries go ahead of what their bucket held, in file order.
+// A hash table that reads the bodies of version 1 files: entries of type Entry, found by Key. New
+// entries are inserted before the older ones of their bucket, in file order.
 // Keys:    copied, or with `copyKeys` false borrowed from an image in memory, which must then
 //          outlive the table. Keys from a stream are always copied.
-// Values:  of encoding byte 0 they are UTF-16, big-endian in version 1.5 and little-endian in 1.0;
-//          otherwise they are converted with the encoding of that code. A byte-order mark is data.
-// Failure: all bits set. The entries ahead of the fault stay; tables are checked before the first
+// Values:  with encoding byte 0 they are UTF-16, big-endian in version 1.5 and little-endian in
+//          1.0. Otherwise they are converted with the encoding of that code. A byte-order mark is
+//          data.
+// Failure: all bits set. The entries before the fault stay; tables are checked before the first
 //          entry. An exception, of a conversion or of memory, leaves the table as before.
 template <class Key, class Entry>
 class HashTable : public HashTableGeneric {

@@ -13,11 +13,11 @@ namespace lexon_private {
 
 namespace {
 
-// An area of an image, collected in memory until the tables before it are written: each item is
-// fetched once.
+// An area of an image, collected in memory until the tables before it are written, so that each
+// item is visited once.
 class Area {
 public:
-    // Memory that runs out throws.
+    // Exhausted memory throws.
     Area() { collected.exceptions(std::ios_base::badbit); }
 
     std::ostream& To() noexcept { return blocks; }
@@ -70,7 +70,7 @@ void HashTableGeneric::Insert(HashItem* item) {
     Link(item->Hash(kHashBucketCount), item);
 }
 
-void HashTableGeneric::InsertAhead(std::span<const Group> groups) {
+void HashTableGeneric::InsertGroups(std::span<const Group> groups) {
     MakeBuckets();
     std::size_t itemCount = 0;
     for (const Group& group : groups)
@@ -147,7 +147,7 @@ bool HashTableGeneric::HasMoreItem() const {
     return false;
 }
 
-// The chains are followed side by side, so that the waits for memory overlap.
+// Follows all chains side by side, so that the waits for memory overlap.
 HashTableGeneric::Listing HashTableGeneric::InOrder() const {
     struct Step {
         std::size_t bucket;  // in the listing
@@ -168,7 +168,7 @@ HashTableGeneric::Listing HashTableGeneric::InOrder() const {
         __builtin_prefetch(step.item->next);
         steps.push_back({step.bucket, step.item->next});
     }
-    std::vector<std::size_t> places;  // where a bucket's next item goes
+    std::vector<std::size_t> places;  // places of the buckets' next items
     std::size_t itemCount = 0;
     for (const UsedBucket& bucket : listing.buckets) {
         places.push_back(itemCount);
@@ -218,7 +218,7 @@ std::uint32_t HashTableGeneric::SerializeBinary(std::ostream& out,
     const auto bucketCount = static_cast<std::uint32_t>(bucketEnds.size());
     out.write(reinterpret_cast<const char*>(&bucketCount), sizeof bucketCount);
     const auto indexAt = out.tellp();
-    writeIndex();  // holds the place until the sizes are known
+    writeIndex();  // reserves the place until the sizes are known
     auto size = sizes.begin();
     ForEach([&](const HashItem& item) {
         *size++ = item.SerializeKey(out, true, encoding);
@@ -272,7 +272,7 @@ std::uint32_t HashTableGeneric::Serialize2(std::ostream& out, bool binary,
         writer.write2(bucket.number);
     for (const UsedBucket& bucket : listing.buckets)
         writer.write4(bucket.count);
-    for (std::uint32_t id = 0; id < itemCount; ++id)  // those of a bucket follow one another
+    for (std::uint32_t id = 0; id < itemCount; ++id)  // those of a bucket are consecutive
         writer.write4(id);
     writer.write4(0);  // accelerator strings
     blocks.Finish();

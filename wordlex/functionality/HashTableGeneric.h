@@ -13,14 +13,14 @@
 namespace lexon_private {
 
 // A table of 1021 buckets, each a chain of items linked through HashItem::next, newest first. The
-// buckets are the order of enumeration and of what is written; items are found through the index.
-// Owns:      every item linked into it, from Insert until Remove hands it back.
-// Invariant: the index holds the items that lie in the bucket of their own hash, the newest of
-//            equal ones first. Old files may bring others: these are passed and written alone.
+// buckets define the order of enumeration and of written forms; items are found through the index.
+// Owns:      every item linked into it, from Insert until Remove returns it.
+// Invariant: the index contains the items that are in the bucket of their own hash, the newest of
+//            equal ones first. Old files may contain others: these are only enumerated and written.
 // Order:     buckets ascending, within a bucket from the chain's head: enumeration and writing.
-// Memory:    buckets and index are made with the first item. When it runs out, the table and the
-//            caller's ownership of items are as before.
-// Threads:   none, const members included: HasMoreItem writes the enumeration's state.
+// Memory:    buckets and index are made with the first item. When memory runs out, the table and
+//            the caller's ownership of items are as before.
+// Threads:   none, including const members: HasMoreItem writes the enumeration's state.
 class HashTableGeneric {
 public:
     HashTableGeneric() = default;
@@ -28,26 +28,27 @@ public:
     HashTableGeneric& operator=(const HashTableGeneric&) = delete;
     ~HashTableGeneric();
 
-    // Links the item in front of its bucket's chain and takes it over. Equal items are not looked
-    // for: Remove the old one first to replace it.
+    // Takes over the item and links it at the head of its bucket's chain. Does not search for equal
+    // items: to replace an item, remove the old one first.
     void Insert(HashItem* item);
-    // The same in place of the newest equal item, which is deleted if there is one.
+    // The same, replacing the newest equal item, which is deleted if there is one.
     void Replace(HashItem* item);
-    // Items for one bucket, which may be another one than that of their hash.
+    // Items for one bucket, which may differ from that of their hash.
     struct Group {
         std::uint16_t bucket;
         std::span<HashItem* const> items;
     };
-    // Links each group in its order in front of its bucket's chain: all of them, or none.
-    void InsertAhead(std::span<const Group> groups);
-    // Unlinks the newest item equal to `probe` and hands it to the caller; null when there is none.
+    // Links each group in its order at the head of its bucket's chain: all of them, or none.
+    void InsertGroups(std::span<const Group> groups);
+    // Unlinks the newest item equal to `probe` and returns it to the caller; null when there is
+    // none.
     HashItem* Remove(const HashItem& probe);
     // The newest item equal to `probe`, still the table's; null when there is none.
     HashItem* Find(const HashItem& probe) const;
 
     std::int32_t NumItems() const;
     // while (HasMoreItem()) use NextItem(): a pass over all items. After its end the next call
-    // starts a new pass. A pass ends, too, when an item comes or goes.
+    // starts a new pass. Adding or removing an item also ends a pass.
     bool HasMoreItem() const;
     HashItem* NextItem() const noexcept { return enumItem; }  // null before and after a pass
 
@@ -60,15 +61,15 @@ public:
         }
     }
 
-    // Text: every item's own text form, in table order; gives the sum of their results.
-    // Binary: a version 1.5 body, but in host byte order; gives 4 and the bytes of keys and values.
-    // It writes its index last, so the stream must be able to seek; one that cannot fails.
+    // Text: every item's own text form, in table order; returns the sum of their results. Binary: a
+    // version 1.5 body, but in host byte order; returns 4 plus the bytes of keys and values. Writes
+    // its index last, so it fails for a stream that cannot seek.
     std::uint32_t Serialize(std::ostream& out, bool binary,
                             const lexon::EncodingInfo* encoding) const;
     // Text: the same. Binary: a version 2 image with the ids of the items in table order, written
-    // front to back; gives 12 and the bytes of keys and values. Values are UTF-16 whatever the
-    // encoding. The format has room for 65,535 bytes of a key or value: of a longer one it tells
-    // the low 16 bits of the length. The stream fails when 32 bits cannot tell the size of an area.
+    // front to back; returns 12 plus the bytes of keys and values. Values are UTF-16 for any
+    // encoding. The format has room for 65,535 bytes of a key or value: of a longer one it has the
+    // low 16 bits of the length. The stream fails when the size of an area needs more than 32 bits.
     std::uint32_t Serialize2(std::ostream& out, bool binary, const lexon::EncodingInfo* encoding,
                              lexon::EndianT order) const;
 
@@ -88,7 +89,7 @@ private:
         std::uint16_t number;
         std::uint32_t count;
     };
-    // All items in table order, and the buckets that hold them.
+    // All items in table order, and the buckets that contain them.
     struct Listing {
         std::vector<UsedBucket> buckets;
         std::vector<const HashItem*> items;

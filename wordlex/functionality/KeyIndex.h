@@ -11,16 +11,16 @@
 
 namespace lexon_private {
 
-// How both stores find a key: a flat hash table from the hash of a key (KeyHash.h) to the entry
-// that has it. The caller compares the key itself, for hashes of different keys may be equal.
+// How both stores find a key: a flat hash table from the hash of a key (KeyHash.h) to its entry.
+// The caller compares the key itself, because different keys may have equal hashes.
 //
-// Several entries may have one hash: equal keys, or keys whose hashes are equal by chance. They
-// form a ring in the order in which a search looks at them. Rings are rare, so they lie apart: an
-// entry that is alone with its hash has none.
+// Several entries may have the same hash: equal keys, or keys whose hashes are equal by chance.
+// They form a ring in the order of the search. Rings are rare, so they are stored apart: an entry
+// that is alone with its hash has none.
 //
-// Ref:    what the store calls an entry by: a pointer or a number of 32 bits.
-// Owns:   nothing but its tables; the entries are the store's.
-// Cost:   a search takes the same time however many entries there are; one more for every entry
+// Ref:    the store's name for an entry: a pointer or a number of 32 bits.
+// Owns:   only its tables; the entries are the store's.
+// Cost:   a search takes the same time for any number of entries, plus one step for every entry
 //         before it in its ring. Putting and removing take constant time.
 // Memory: when it runs out, the index is as before. Remove needs none.
 template <class Ref>
@@ -37,7 +37,7 @@ public:
         return rings.empty() ? std::nullopt : NextInRing(hash, entry);
     }
 
-    // Makes room, so that putting that many entries moves no others.
+    // Makes room, so that putting so many entries moves no others.
     void Reserve(std::size_t more) {
         const std::size_t count = firsts.size() + more;
         const auto room = static_cast<double>(firsts.bucket_count()) *
@@ -45,12 +45,12 @@ public:
         if (static_cast<double>(count) > room) firsts.reserve(count);
     }
 
-    // Put the entry before or after the others under its hash. An entry that is there stays where
-    // it is.
+    // Put the entry before or after the others under its hash. An entry that is already there keeps
+    // its place.
     void PutFirst(std::uint32_t hash, Ref entry) {
-        if (PutBehind(hash, entry)) firsts.find(hash).value() = Store(entry);
+        if (Append(hash, entry)) firsts.find(hash).value() = Store(entry);
     }
-    void PutLast(std::uint32_t hash, Ref entry) { PutBehind(hash, entry); }
+    void PutLast(std::uint32_t hash, Ref entry) { Append(hash, entry); }
 
     // Puts the entry before the others under its hash and removes `old`, which is one of them.
     void Replace(std::uint32_t hash, Ref old, Ref entry) {
@@ -75,7 +75,7 @@ public:
         const Neighbours around = member->second;
         rings.erase(member);
         if (isFirst) found.value() = Store(around.next);
-        if (around.next == around.previous) {  // which is alone now
+        if (around.next == around.previous) {  // which is now alone
             rings.erase({hash, around.next});
         } else {
             rings.find({hash, around.previous})->second.next = around.next;
@@ -84,7 +84,7 @@ public:
     }
 
 private:
-    // A Ref that needs no more than the alignment of a hash, so that both lie close together.
+    // A Ref with only the alignment of a hash, so that both are close together.
     using Stored = std::array<std::uint32_t, sizeof(Ref) / sizeof(std::uint32_t)>;
     static Stored Store(Ref entry) noexcept { return std::bit_cast<Stored>(entry); }
     static Ref Load(const Stored& stored) noexcept { return std::bit_cast<Ref>(stored); }
@@ -110,8 +110,8 @@ private:
         return member->second.next;
     }
 
-    // Puts the entry at the end of its ring; false when it is alone or was there.
-    bool PutBehind(std::uint32_t hash, Ref entry) {
+    // Puts the entry at the end of its ring. False when it is alone or was already there.
+    bool Append(std::uint32_t hash, Ref entry) {
         const auto [found, alone] = firsts.try_emplace(hash, Store(entry));
         if (alone) return false;
         const Ref first = Load(found->second);
