@@ -165,7 +165,6 @@ HashTableGeneric::Listing HashTableGeneric::InOrder() const {
         const Step step = steps[i];
         ++listing.buckets[step.bucket].count;
         if (step.item->next == nullptr) continue;
-        __builtin_prefetch(step.item->next);
         steps.push_back({step.bucket, step.item->next});
     }
     std::vector<std::size_t> places;  // places of the buckets' next items
