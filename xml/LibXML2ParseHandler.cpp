@@ -24,6 +24,12 @@ namespace {
 constexpr std::size_t kLongestDocument = std::numeric_limits<int>::max();  // libxml2 counts in int
 constexpr const char* kTooLong = "the document is longer than 2 GiB";
 constexpr const char* kOutOfMemory = "out of memory";
+constexpr const char* kTooCostly = "its entities, attributes or namespaces cost too much";
+constexpr const char* kLongList = "a list of attributes has more than 10,000 entries";
+constexpr const char* kManyNamespaces = "more than 10,000 namespaces are in scope";
+constexpr const char* kManyNames = "the document has too many different names";
+constexpr const char* kLongForNamespace =
+    "an attribute list declares a namespace, and the document is longer than 1 MB";
 constexpr std::size_t kAllowedExpansion = 1'000'000;  // bytes
 // Enough for what a document itself says. The name of an empty element is passed on four times
 // (qualified and local, at start and end), and one byte of ISO 8859 or of a Windows code page takes
@@ -72,8 +78,10 @@ std::span<const xmlChar* const> Pointers(const xmlChar** first, int groups, std:
     return {first, static_cast<std::size_t>(groups) * groupSize};
 }
 
-// Counts the entries that libxml2 compares with all before them, before it calls back. Each tag
-// begins with an unquoted '<'; a quoted one is an error there.
+// Counts the entries that libxml2 compares with all before them, before it calls back. The limit of
+// the dictionary does not bound their number: a few prefixes and names make many attributes, and
+// the values of an attribute declaration are not in the dictionary. Without this count 4 MB of
+// either take minutes. Each tag begins with an unquoted '<'; a quoted one is an error there.
 struct Lists {
     std::size_t attributes = 0;  // of the longest tag
     std::size_t declared = 0;    // defaults and tokens in all attribute-list declarations
@@ -86,8 +94,7 @@ struct Lists {
         }
     }
     void Check() const {
-        if (std::max(attributes, declared) > kLongestList)
-            throw std::length_error("XML list is too long");
+        if (std::max(attributes, declared) > kLongestList) throw std::length_error(kLongList);
     }
 
 private:
@@ -139,6 +146,12 @@ std::array<char, 200> Describe(const xmlError& error) noexcept {
     }
     text[end] = '\0';
     return text;
+}
+
+// What libxml2 calls a lack of memory. The dictionary refuses every further name then.
+const char* WhyNoMemory(xmlDict* dictionary) noexcept {
+    const std::size_t limit = xmlDictSetLimit(dictionary, 1);
+    return limit != 0 && xmlDictGetUsage(dictionary) > limit ? kManyNames : kOutOfMemory;
 }
 
 // Sends libxml2's errors on this thread to one function instead of the standard error stream.
@@ -264,12 +277,13 @@ void LibXML2ParseHandler::receiveError(void* parser, xmlError* error) {
     auto& failing = *static_cast<xmlParserCtxt*>(error->ctxt);
     if (failing.userData != &self) return;
     failing.instate = XML_PARSER_EOF;
-    self.Stop(Describe(*error).data());
+    self.Stop(error->code == XML_ERR_NO_MEMORY ? WhyNoMemory(failing.dict)
+                                               : Describe(*error).data());
 }
 
 // Entities and default attributes make a short document yield a long one.
 void LibXML2ParseHandler::Spend(std::size_t cost) {
-    if (cost > budget) throw std::length_error("XML document yields too much text");
+    if (cost > budget) throw std::length_error(kTooCostly);
     budget -= cost;
 }
 
@@ -324,7 +338,7 @@ void LibXML2ParseHandler::startDocument(void* parser) {
         lists.Check();
         self.declaredAttributes = lists.declared;
         if (lists.namespaces && length > kDeclaredNamespaceLimit)
-            throw std::length_error("XML document declares a namespace and is too long");
+            throw std::length_error(kLongForNamespace);
         xmlDictSetLimit(self.context->dict, lists.namespaces ? 0 : kDictionaryLimit);
         self.handler->StartDocument();
     });
@@ -361,7 +375,7 @@ void LibXML2ParseHandler::startElementWithNamespace(void* parser, const xmlChar*
         const auto given = Pointers(attributes, attributeCount, 5);
         const auto declared = Pointers(namespaces, namespaceCount, 2);
         self.namespacesInScope += declared.size() / 2;
-        if (self.namespacesInScope > kLongestList) throw std::length_error("too many namespaces");
+        if (self.namespacesInScope > kLongestList) throw std::length_error(kManyNamespaces);
         const std::size_t listed = given.size() / 5;
         self.Spend(kElementCost + (1 + listed) *
                                       (listed + self.namespacesInScope + self.declaredAttributes) /
@@ -369,7 +383,7 @@ void LibXML2ParseHandler::startElementWithNamespace(void* parser, const xmlChar*
 
         Attributes list;
         for (std::size_t i = 0; i < given.size(); i += 5) {
-            if (!given[i] || !given[i + 3]) throw std::length_error("XML dictionary is full");
+            if (!given[i] || !given[i + 3]) throw std::length_error(kManyNames);
             const std::string_view value(
                 View(given[i + 3], static_cast<std::size_t>(given[i + 4] - given[i + 3])));
             self.Spend(kAttributeCost);
