@@ -9,6 +9,7 @@
 #include <type_traits>
 
 #include "host/CoreFoundation/LiveObjects.h"
+#include "tests/Environment.h"
 
 namespace {
 
@@ -121,6 +122,75 @@ TEST_F(CoreFoundation, BytesAreTakenStrictlyAndMarksReadWhenExternal) {
     check(kCFStringEncodingUTF16LE, false, "\xFF\xFE\x3D\xD8"sv, u"\uFEFF\xD83D");
     check(kCFStringEncodingUTF8, true, "\xEF\xBB\xBF\x41"sv, u"A");
     check(kCFStringEncodingUTF8, false, "\xEF\xBB\xBF\x41"sv, u"\uFEFFA");
+}
+
+TEST_F(CoreFoundation, CStringsAndPascalStringsAreWholeOrEmpty) {
+    const struct {
+        std::u16string text;
+        CFStringEncoding encoding;
+        CFIndex room;
+        std::string expected;  // "none" for a failure
+    } rows[] = {
+        {u"a\u00E9", kCFStringEncodingUTF8, 4, "a\xC3\xA9"},
+        {u"a\u00E9", kCFStringEncodingUTF8, 3, "none"},
+        {u"a\u00E9", kCFStringEncodingASCII, 4, "none"},
+        {u"", kCFStringEncodingASCII, 1, ""},
+        {u"", kCFStringEncodingASCII, 0, "none"},
+        {u"\u6161", kCFStringEncodingUTF16, 4, "aa"},  // without a mark
+        {std::u16string(255, u'a'), kCFStringEncodingASCII, 300, std::string(255, 'a')},
+    };
+    for (const auto& [text, encoding, room, expected] : rows) {
+        const String string = FromUnits(text);
+        char bytes[300] = "old";
+        const bool fits = CFStringGetCString(string.get(), bytes, room, encoding);
+        EXPECT_EQ(expected, fits ? bytes : "none") << room;
+        EXPECT_EQ(room == 0 ? "old" : fits ? expected : "", std::string(bytes)) << room;
+
+        unsigned char counted[300] = {9};
+        const bool holds = CFStringGetPascalString(string.get(), counted, room, encoding);
+        EXPECT_EQ(fits, holds) << room;
+        EXPECT_EQ(room == 0 ? 9U : fits ? expected.size() : 0U, counted[0]) << room;
+        const auto* const content = reinterpret_cast<const char*>(counted) + 1;
+        EXPECT_EQ(holds ? expected : "", std::string(content, holds ? counted[0] : 0)) << room;
+    }
+    unsigned char counted[300];
+    EXPECT_FALSE(CFStringGetPascalString(FromUnits(std::u16string(256, u'a')).get(), counted, 300,
+                                         kCFStringEncodingASCII));
+    EXPECT_EQ(3, CFStringGetBytes(FromUnits(u"abcdef").get(), CFRangeMake(2, 3),
+                                  kCFStringEncodingASCII, 0, false, counted, 300, nullptr));
+    EXPECT_EQ("cde", std::string(counted, counted + 3));
+}
+
+TEST_F(CoreFoundation, TheCodesetOfTheEnvironmentsLocaleIsTheSystemsEncoding) {
+    const std::pair<const char*, CFStringEncoding> rows[] = {
+        {"", kCFStringEncodingUTF8},
+        {"LC_ALL=C", kCFStringEncodingUTF8},
+        {"LANG=de_DE.ISO-8859-1", kCFStringEncodingISOLatin1},
+        {"LANG=de_DE.iso88591@euro", kCFStringEncodingISOLatin1},
+        {"LANG=de_DE.ISO-8859-1 LC_CTYPE=ja_JP.EUC-JP", kCFStringEncodingEUC_JP},
+        {"LC_CTYPE=ja_JP.EUC-JP LC_ALL=ru_RU.KOI8-R", kCFStringEncodingKOI8_R},
+        {"LC_MESSAGES=de_DE.ISO-8859-1", kCFStringEncodingUTF8},
+        {"LANG=de_DE.unknown", kCFStringEncodingUTF8},
+    };
+    for (const auto& [environment, expected] : rows) {
+        SetEnvironment(environment);
+        EXPECT_EQ(expected, CFStringGetSystemEncoding()) << environment;
+    }
+    SetEnvironment("");
+}
+
+TEST_F(CoreFoundation, AnObjectLivesUntilItsLastReferenceIsReleased) {
+    const String text = FromUnits(u"text");
+    const std::size_t withText = host::cf::LiveObjectCount();
+    EXPECT_EQ(text.get(), CFRetain(text.get()));
+    CFRelease(text.get());
+    EXPECT_EQ(withText, host::cf::LiveObjectCount());
+    const CFStringRef constant = CFSTR("constant");
+    const std::size_t withConstant = host::cf::LiveObjectCount();
+    for (int i = 0; i < 2; ++i)
+        CFRelease(constant);
+    EXPECT_EQ(withConstant, host::cf::LiveObjectCount());
+    EXPECT_EQ(8, CFStringGetLength(constant));
 }
 
 }  // namespace

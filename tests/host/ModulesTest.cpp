@@ -27,4 +27,32 @@ TEST(Module, ASoundModuleLoadsAndNamesItsEntries) {
     EXPECT_EQ(42, entry()) << "the code stays mapped";
 }
 
+TEST(Module, WhatCannotBeLoadedIsNamedAndLeavesTheHandle) {
+    boost::shared_ptr<Module> sound;
+    ASSERT_EQ(Module::kLoaded, Module::LoadRelative(u"Sound.framework", kFramework, sound));
+    const struct {
+        vexacore::UTF16String name;
+        Module::PathType type;
+        Module::Status expected;
+        const char* failure;  // a part of it
+    } rows[] = {
+        {u"Sound.framework", Module::PathType{3}, Module::kUnknownPathType, "unknown path type"},
+        {u"Sound", kFramework, Module::kBadName, "Sound: not the name of a framework"},
+        {u".framework", kFramework, Module::kBadName, ".framework: not the name"},
+        {u"", kFramework, Module::kBadName, ": not the name of a framework"},
+        {u"../Sound.framework", kFramework, Module::kBadName, "../Sound.framework: not the name"},
+        {{u"Sound.framework\0.framework", 26}, kFramework, Module::kBadName, "not the name"},
+        {u"Missing.framework", kFramework, Module::kMissing, "Missing: No such file or directory"},
+        {u"Broken.framework", kFramework, Module::kNotLoadable, "Broken: "},
+    };
+    for (const auto& [name, type, expected, failure] : rows) {
+        SCOPED_TRACE(failure);
+        boost::shared_ptr<Module> module = sound;
+        EXPECT_EQ(expected, Module::LoadRelative(name, type, module));
+        EXPECT_EQ(sound, module);
+        EXPECT_NE(std::string::npos, Module::LastFailure().find(failure)) << Module::LastFailure();
+        EXPECT_EQ("module not loaded: " + Module::LastFailure(), LastEvent());
+    }
+}
+
 }  // namespace

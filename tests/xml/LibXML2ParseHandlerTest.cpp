@@ -360,11 +360,22 @@ TEST(Limits, NameThemselvesInTheFailure) {
         {"an attribute list declares a namespace, and the document is longer than 1 MB",
          "<!DOCTYPE a [<!ATTLIST a xmlns CDATA 'u'>]><a>" + space + "</a>"},
         {"line 2: Opening and ending tag mismatch: a line 1 and b", "<a>\n</b>"},
+        {"the document is empty", ""},
     };
     for (const auto& [expected, document] : rows) {
         Observe([&, reason = expected](auto& parser) {
             const auto result = parser.ParseBuffer(ByteString(document));
             EXPECT_EQ(reason, parser.LastFailure());
+            return result;
+        });
+    }
+    for (const std::string lead : {"a", "aa"}) {  // a long failure is cut between two characters
+        Observe([&](auto& parser) {
+            const auto result =
+                parser.ParseBuffer(ByteString("<" + lead + Repeat(200, "\xC3\xA9") + "></b>"));
+            const std::string failure = parser.LastFailure();
+            EXPECT_EQ(failure, utility::UTF16toStdString(utility::UTF8to16(failure)));
+            EXPECT_LT(190U, failure.size());
             return result;
         });
     }
