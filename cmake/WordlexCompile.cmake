@@ -1,16 +1,16 @@
 # wordlex_compile(TARGET
 #   OUTPUT file            the binary dictionary; a relative path is below the binary folder
 #   SOURCES file...        text or binary dictionaries, merged in this order
-#   [REFERENCE file]       the dictionary that the sources translate: `check` compares them
-#   [FAIL_ON severity]     the lowest severity in `check` that stops the build: error (the
+#   [REFERENCE file]       the dictionary that the sources translate, to compare them with
+#   [FAIL_ON severity]     the lowest severity of a finding that stops the build: error (the
 #                          default) or warning
-#   [DISABLE rule...]      rules of `check` to leave out
+#   [DISABLE rule...]      rules of `wordlex check` to leave out
 #   [OPTIONS option...])   more options of `wordlex compile`, such as --locale=de or --endian=big
 #
-# Makes a dictionary part of a build. Whenever a source has changed, `wordlex check` checks the
-# sources and `wordlex compile` compiles them to the binary dictionary. A warning is reported once,
-# by `check`. TARGET, a program, library or custom target of the calling folder, then depends on the
-# dictionary. If there is no such target, it becomes a custom target that is built by default.
+# Makes a dictionary part of a build. Whenever a source has changed, `wordlex compile` checks the
+# sources and compiles them to the binary dictionary. TARGET, a program, library or custom target of
+# the calling folder, then depends on the dictionary. If there is no such target, it becomes a custom
+# target that is built by default.
 function(wordlex_compile target)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "OUTPUT;REFERENCE;FAIL_ON" "SOURCES;DISABLE;OPTIONS")
   if(NOT arg_OUTPUT OR NOT arg_SOURCES OR arg_UNPARSED_ARGUMENTS)
@@ -21,18 +21,14 @@ function(wordlex_compile target)
     message(FATAL_ERROR "wordlex_compile(${target}): the wordlex command is not part of this build")
   endif()
 
-  set(check --fail-on=error)
+  set(check)
   if(arg_FAIL_ON)
-    set(check "--fail-on=${arg_FAIL_ON}")
+    list(APPEND check "--fail-on=${arg_FAIL_ON}")
   endif()
   if(arg_REFERENCE)
     cmake_path(ABSOLUTE_PATH arg_REFERENCE)
     list(APPEND check "--reference=${arg_REFERENCE}")
   endif()
-  # Both commands read the sources in one encoding.
-  set(encoding ${arg_OPTIONS})
-  list(FILTER encoding INCLUDE REGEX "^--encoding=")
-  list(APPEND check ${encoding})
   list(TRANSFORM arg_DISABLE PREPEND --disable=)
   set(sources)
   foreach(source IN LISTS arg_SOURCES)
@@ -44,9 +40,8 @@ function(wordlex_compile target)
 
   add_custom_command(
     OUTPUT "${arg_OUTPUT}"
-    COMMAND Wordlex::tool check ${check} ${arg_DISABLE} ${sources}
     COMMAND ${CMAKE_COMMAND} -E make_directory "${folder}"
-    COMMAND Wordlex::tool compile --quiet ${arg_DISABLE} ${arg_OPTIONS} -o "${arg_OUTPUT}" ${sources}
+    COMMAND Wordlex::tool compile ${check} ${arg_DISABLE} ${arg_OPTIONS} -o "${arg_OUTPUT}" ${sources}
     DEPENDS ${sources} ${arg_REFERENCE} Wordlex::tool
     COMMENT "Dictionary ${arg_OUTPUT}"
     VERBATIM)

@@ -119,12 +119,13 @@ public:
 };
 
 // The form in which a written value is compared: what it shows, or all of it where platforms
-// differ.
-Text Compared(Units written) {
+// differ. Points into the value or into `room`.
+Units Compared(Units written, std::vector<unsigned short>& room) {
+    const Units shown = Escapes::Convert(written, room);
+    if (shown.data() == written.data()) return written;  // has no escapes
     SectionObserver observer;
-    const auto converted = Escapes::Convert(written, observer);
-    return observer.hasSections ? Text(written.data(), written.size())
-                                : Text(converted.GetData(), converted.GetLength());
+    Escapes::Convert(written, observer);
+    return observer.hasSections ? written : shown;
 }
 
 }  // namespace
@@ -173,10 +174,15 @@ std::string WithMarks(std::string_view comment, const Annotations& marks) {
     return std::string(head).append(gap).append(kName).append(" ").append(list);
 }
 
-bool ShowTheSame(Units a, Units b) { return Compared(a) == Compared(b); }
+bool ShowTheSame(Units a, Units b) {
+    std::vector<unsigned short> roomOfA;
+    std::vector<unsigned short> roomOfB;
+    return std::ranges::equal(Compared(a, roomOfA), Compared(b, roomOfB));
+}
 
 std::string ReferenceDigest(Units written) {
-    const std::string text = Utf8(UnitsOf(Compared(written)));
+    std::vector<unsigned short> room;
+    const std::string text = Utf8(Compared(written, room));
     char digits[kDigestLength + 1];
     std::snprintf(digits, sizeof digits, "%06x",
                   static_cast<unsigned>(XXH3_64bits(text.data(), text.size()) & 0xFFFFFF));

@@ -140,6 +140,11 @@ void HandleSignals() {
     }
 }
 
+bool IsSameFile(const std::string& a, const std::string& b) {
+    std::error_code absent;
+    return fs::equivalent(a, b, absent);
+}
+
 std::string ReadInput(const std::string& path) {
     if (path == "-") {
         static bool alreadyRead = false;

@@ -25,6 +25,9 @@ class ReaderGone : public std::exception {};
 // pipe without a reader, leaves no incomplete file.
 void HandleSignals();
 
+// Whether both names are of one file that exists.
+bool IsSameFile(const std::string& a, const std::string& b);
+
 std::string ReadInput(const std::string& path);
 // Writes a file beside its target and renames it, so that the target is either the old file or the
 // complete new one. The new file has the mode and owner of the old one. A read-only target is

@@ -16,13 +16,22 @@ constexpr std::chrono::seconds kPatience{1};
 constexpr std::chrono::milliseconds kStep{100};
 constexpr char kClear[] = "\r\x1B[K";
 
+std::atomic<bool> isShown{false};
+
 }  // namespace
 
 Progress::Progress(const char* work, const std::string& file, std::uint64_t total)
     : name(std::string(work) + ' ' + std::filesystem::path(file).filename().string()), end(total) {
-    if (isatty(STDERR_FILENO) != 0) {
+    if (isatty(STDERR_FILENO) != 0 && !isShown.exchange(true)) {
         thread = std::jthread([this](const std::stop_token& stop) { Show(stop); });
     }
+}
+
+Progress::~Progress() {
+    if (!thread.joinable()) return;
+    thread.request_stop();
+    thread.join();
+    isShown = false;
 }
 
 void Progress::Show(const std::stop_token& stop) const {

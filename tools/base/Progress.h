@@ -12,11 +12,12 @@ namespace tool {
 // Threads: one of its own, which only writes that line.
 class Progress {
 public:
-    // Shows "WORK FILE". One at a time. Without a total the line counts seconds.
+    // Shows "WORK FILE". Without a total the line counts seconds. Inside another one it shows
+    // nothing.
     Progress(const char* work, const std::string& file, std::uint64_t total = 0);
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
-    ~Progress() = default;  // waits for the thread
+    ~Progress();  // waits for the thread
 
     void Reach(std::uint64_t done) { reached.store(done, std::memory_order_relaxed); }
 

@@ -10,16 +10,13 @@
 
 #include "tools/base/Encodings.h"
 #include "tools/base/Suggest.h"
-#include "tools/check/Rules.h"
+#include "tools/base/TextDocument.h"
 
 namespace tool {
 
 namespace {
 
 namespace fs = std::filesystem;
-
-// Never a translation: `update` moves obsolete entries to this file.
-bool IsObsoleteName(const fs::path& name) { return name.stem().extension() == ".obsolete"; }
 
 // The matching files, by name, or the pattern itself when it has no wildcard.
 std::vector<std::string> Matching(const fs::path& folder, const std::string& pattern) {
@@ -44,7 +41,8 @@ std::vector<std::string> Matching(const fs::path& folder, const std::string& pat
 
 class Reader {
 public:
-    explicit Reader(const std::string& file) : folder(fs::path(file).parent_path()) {
+    Reader(const std::string& file, const std::vector<std::string>& namesOfRules)
+        : folder(fs::path(file).parent_path()), ruleNames(namesOfRules) {
         project.file = file;
     }
 
@@ -105,7 +103,7 @@ private:
         for (const auto& [name, value] : rules.as_table()) {
             if (name != "disabled") RefuseName(value, name, {"disabled"});
             for (std::string& rule : TextsOf(value, name))
-                project.disabled.push_back(Known(value, std::move(rule), RuleNames(), "rule"));
+                project.disabled.push_back(Known(value, std::move(rule), ruleNames, "rule"));
         }
     }
 
@@ -125,6 +123,7 @@ private:
     }
 
     fs::path folder;
+    const std::vector<std::string>& ruleNames;
     Project project;
     std::vector<std::string> patterns;
 };
@@ -155,10 +154,11 @@ std::string FindProjectFile(const std::string& folder) {
     }
 }
 
-Project ParseProject(const std::string& file, const std::string& toml) {
+Project ParseProject(const std::string& file, const std::string& toml,
+                     const std::vector<std::string>& rules) {
     std::istringstream stream(toml);
     try {
-        return Reader(file).Read(toml::parse(stream, file));
+        return Reader(file, rules).Read(toml::parse(stream, file));
     } catch (const toml::exception& fault) {
         // The first line of the library's text: "[error] toml::parse_table: WHY".
         std::string why = fault.what();

@@ -39,8 +39,10 @@ private:
 // The project file of a folder or of the nearest folder above it, or "".
 std::string FindProjectFile(const std::string& folder);
 // Names in the result begin with the folder of the file. Patterns in `languages` are replaced by
-// the matching files. Throws a ProjectFailure.
-Project ParseProject(const std::string& file, const std::string& toml);
+// the matching files. `rules` are all names that a list of disabled rules may contain. Throws a
+// ProjectFailure.
+Project ParseProject(const std::string& file, const std::string& toml,
+                     const std::vector<std::string>& rules);
 
 // The name relative to the working folder if it is inside, else unchanged.
 std::string FromWorkingFolder(const std::string& name);

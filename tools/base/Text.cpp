@@ -29,12 +29,37 @@ std::vector<unsigned short> Widen(std::string_view bytes) {
 
 }  // namespace
 
+void AppendUtf8(std::string& bytes, char32_t code) {
+    const auto add = [&bytes](char32_t byte) {
+        bytes += static_cast<char>(static_cast<unsigned char>(byte));
+    };
+    if (code < 0x80) return add(code);
+    if (code < 0x800) {
+        add(0xC0 | code >> 6);
+    } else {
+        if (code < 0x10000) {
+            add(0xE0 | code >> 12);
+        } else {
+            add(0xF0 | code >> 18);
+            add(0x80 | (code >> 12 & 0x3F));
+        }
+        add(0x80 | (code >> 6 & 0x3F));
+    }
+    add(0x80 | (code & 0x3F));
+}
+
 std::string Utf8(Units units) {
-    lexon_private::EncodingInfo utf8{lexon_private::kUtf8Selector};
-    using lexon_private::UnicodeUtil;
-    std::string text(UnicodeUtil::FromUnicodeSize(units.data(), units.size(), &utf8), '\0');
-    UnicodeUtil::UnicodeToCString(units.data(), units.size(), text.data(), text.size(), &utf8);
-    text.pop_back();  // the terminator
+    std::string text;
+    text.reserve(units.size());
+    for (std::size_t i = 0; i < units.size(); ++i) {
+        char32_t code = units[i];
+        if (IsUnpairedSurrogate(units, i)) {
+            code = '?';
+        } else if (IsHighSurrogate(units[i])) {
+            code = 0x10000 + ((code & 0x3FF) << 10 | (units[++i] & 0x3FFU));
+        }
+        AppendUtf8(text, code);
+    }
     return text;
 }
 
@@ -67,6 +92,11 @@ std::size_t FindUnpairedSurrogate(Units units) {
 
 bool IsSecondHalf(Units units, std::size_t i) {
     return IsLowSurrogate(units[i]) && !IsUnpairedSurrogate(units, i);
+}
+
+std::string Counted(std::size_t count, const std::string& thing, const std::string& things) {
+    const std::string plural = things.empty() ? thing + 's' : things;
+    return std::to_string(count) + ' ' + (count == 1 ? thing : plural);
 }
 
 std::string CodePoint(unsigned short unit) { return Hex("U+%04X", unit); }

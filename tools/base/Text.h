@@ -18,6 +18,7 @@ inline Units UnitsOf(const lexon_private::UnicodeRun& text) {
     return {text.GetData(), text.GetLength()};
 }
 
+void AppendUtf8(std::string& bytes, char32_t code);
 // An unpaired surrogate, which UTF-8 lacks, becomes '?'.
 std::string Utf8(Units units);
 Text FromUtf8(std::string_view text);
@@ -31,6 +32,9 @@ bool IsUnpairedSurrogate(Units units, std::size_t i);
 std::size_t FindUnpairedSurrogate(Units units);
 // Whether the unit at `i` belongs to the one before it: a surrogate pair is one character.
 bool IsSecondHalf(Units units, std::size_t i);
+
+// "1 byte", "2 bytes"; `things` is the plural where it has another form than that.
+std::string Counted(std::size_t count, const std::string& thing, const std::string& things = {});
 
 // "U+00E9"
 std::string CodePoint(unsigned short unit);

@@ -1,5 +1,7 @@
 #include "tools/base/TextScanner.h"
 
+#include <algorithm>
+
 #include "wordlex/functionality/ByteSwapUnicodeReader.h"
 #include "wordlex/functionality/UnicodeUtil.h"
 
@@ -75,6 +77,16 @@ unsigned TextScanner::UnitBefore(std::uint64_t offset) const {
     const unsigned first = byteAt(offset - 2);
     const unsigned second = byteAt(offset - 1);
     return bigEndian ? first << 8 | second : second << 8 | first;
+}
+
+std::size_t TextScanner::LongestLine() const {
+    std::size_t longest = 0;
+    std::size_t length = 0;
+    for (std::uint64_t end = unitSize; end <= source.size(); end += unitSize) {
+        length = IsLineEnd(UnitBefore(end), IsUtf16()) ? 0 : length + 1;
+        longest = std::max(longest, length);
+    }
+    return longest;
 }
 
 std::uint64_t TextScanner::Column(const unsigned short* position) const {

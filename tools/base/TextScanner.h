@@ -42,6 +42,9 @@ public:
     bool IsUtf16() const { return unitSize == 2; }
     bool IsBigEndian() const { return bigEndian; }
 
+    // Units of the longest line of the whole input; a zero ends none.
+    std::size_t LongestLine() const;
+
     // At the end of the input: whether a zero ended it, with its line and column, and the bytes
     // that the loader did not read.
     struct End {

@@ -1,6 +1,6 @@
 #include "tools/check/BinaryCheck.h"
 
-#include "tools/base/BinaryFile.h"
+#include "tools/base/Progress.h"
 
 namespace tool {
 
@@ -58,34 +58,35 @@ private:
     Findings& findings;
 };
 
-void CheckFault(const BinaryFile& binary, CheckedFile& file, Findings& findings) {
+}  // namespace
+
+bool CheckFault(const BinaryFile& binary, const std::string& name, Findings& findings) {
     const char* const quiet = "; none of its entries is loaded";
     if (binary.Fault() != ImageFault::kNone) {
         const bool isQuiet =
             binary.HeaderRead() && binary.IsVersion2() && !IsMalformed(binary.Fault());
-        findings.Add(Rule::kMalformedBinary, {.file = file.name, .offset = binary.FaultOffset()},
+        findings.Add(Rule::kMalformedBinary, {.file = name, .offset = binary.FaultOffset()},
                      std::string("refused: ") + Describe(binary.Fault()) +
                          (isQuiet ? quiet
                                   : "; the dictionary becomes invalid and the application shows "
                                     "all of its keys raw"));
     } else if (binary.NoneAliveAt().has_value()) {
-        findings.Add(Rule::kMalformedBinary, {.file = file.name, .offset = binary.NoneAliveAt()},
+        findings.Add(Rule::kMalformedBinary, {.file = name, .offset = binary.NoneAliveAt()},
                      std::string("the number of living entries is 0") + quiet);
     } else {
-        return;
+        return true;
     }
-    file.usable = false;
+    return false;
 }
-
-}  // namespace
 
 CheckedFile CheckBinary(const std::string& name, const std::string& bytes, Findings& findings) {
     CheckedFile file{.name = name};
+    const Progress progress("checking", name);
     const BinaryFile binary(bytes);
     file.locale = binary.Header().locale.value_or("");
     EntryCheck entries(file, findings);
     binary.ForEachEntry([&](const BinaryEntry& entry) { entries.Check(entry); });
-    CheckFault(binary, file, findings);
+    file.usable = CheckFault(binary, name, findings);
     return file;
 }
 

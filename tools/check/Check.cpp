@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "tools/base/Files.h"
+#include "tools/base/Progress.h"
 #include "tools/check/BinaryCheck.h"
 #include "tools/check/TextCheck.h"
 #include "wordlex/functionality/BinaryHeader.h"
@@ -31,6 +32,7 @@ CheckResult CheckBytes(const std::string& name, const std::string& bytes,
     CheckResult result;
     result.file = CheckFile(name, bytes, findings);
     if (result.file.usable && reference != nullptr) {
+        const Progress progress("comparing", name);
         CheckAgainst(result.file, reference->file, reference->findings, findings);
     }
     result.findings = findings.Take();

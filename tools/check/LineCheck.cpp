@@ -25,10 +25,6 @@ std::string Narrow(Units key) {
     return bytes;
 }
 
-std::string Counted(std::size_t count, const char* thing) {
-    return std::to_string(count) + ' ' + thing + (count == 1 ? "" : "s");
-}
-
 bool BeginsWith(Units text, std::string_view ascii) {
     return text.size() >= ascii.size() && std::equal(ascii.begin(), ascii.end(), text.begin());
 }

@@ -1,9 +1,10 @@
 #include "tools/check/MessageCheck.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <map>
 #include <set>
+
+#include "tools/base/Language.h"
 
 namespace tool {
 
@@ -47,29 +48,10 @@ Needs NeedsOf(const MessageShape& shape) {
     return needs;
 }
 
-bool IsLanguage(const std::string& name) {
-    const std::size_t length = std::min(name.find_first_of("_-"), name.size());
-    return (length == 2 || length == 3) && !lexon::detail::PluralCategories(name, false).empty();
-}
-
 }  // namespace
 
-std::string LanguageOf(const CheckedFile& file) {
-    if (IsLanguage(file.locale)) return file.locale;
-    const std::filesystem::path path(file.name);
-    for (std::string name : {path.stem().string(), path.parent_path().filename().string()}) {
-        while (!IsLanguage(name)) {
-            const std::size_t separator = name.find_first_of("._-");
-            if (separator == name.npos) break;
-            name.erase(0, separator + 1);
-        }
-        if (IsLanguage(name)) return name;
-    }
-    return {};
-}
-
 MessageCheck::MessageCheck(const CheckedFile& checkedFile)
-    : language(LanguageOf(checkedFile)),
+    : language(LanguageOf(checkedFile.name, checkedFile.locale)),
       cardinals(lexon::detail::PluralCategories(language, false)),
       ordinals(lexon::detail::PluralCategories(language, true)) {}
 

@@ -9,10 +9,6 @@
 
 namespace tool {
 
-// The language of a dictionary: from the file itself, else from its name ("pt_BR.txt",
-// "texts.de.txt") or its folder ("de/wdictionary.dat"). Empty when none of them is a language.
-std::string LanguageOf(const CheckedFile& file);
-
 // Checks the values that are message patterns.
 class MessageCheck {
 public:

@@ -182,12 +182,16 @@ private:
 
     void CompareSections() {
         if (here.line == 0 || there.line == 0) return;
-        const std::string written = Utf8(file.UnitsOf(here.written));
-        const std::string wanted = Utf8(referenceOf.UnitsOf(there.written));
-        for (const char* const platform : {"macos", "mswindows", "ios", "android"}) {
-            const std::string begin = std::string("#{") + platform + '}';
-            if (wanted.find(begin) == wanted.npos || written.find(begin) != written.npos) continue;
-            Add(Rule::kMissingSection, "no section " + begin + ", which the reference has");
+        const Units wanted = referenceOf.UnitsOf(there.written);
+        if (std::ranges::find(wanted, u'#') == wanted.end()) return;
+        const Units written = file.UnitsOf(here.written);
+        for (const std::string_view begin : {"#{macos}", "#{mswindows}", "#{ios}", "#{android}"}) {
+            if (std::ranges::search(wanted, begin).empty() ||
+                !std::ranges::search(written, begin).empty()) {
+                continue;
+            }
+            Add(Rule::kMissingSection,
+                "no section " + std::string(begin) + ", which the reference has");
         }
     }
 
@@ -200,14 +204,14 @@ private:
         if ((found.before != wanted.before && !told) ||
             (found.after != wanted.after && !found.wideEnd)) {
             Add(Rule::kOuterBlanks,
-                std::to_string(found.before) + " blanks before and " + std::to_string(found.after) +
+                Counted(found.before, "blank") + " before and " + std::to_string(found.after) +
                     " after the text; the reference has " + std::to_string(wanted.before) +
                     " and " + std::to_string(wanted.after));
         }
         const std::size_t breaks = LineBreaks(text);
         const std::size_t wantedBreaks = LineBreaks(original);
         if (breaks != wantedBreaks) {
-            Add(Rule::kLineBreaks, std::to_string(breaks) + " line breaks; the reference has " +
+            Add(Rule::kLineBreaks, Counted(breaks, "line break") + "; the reference has " +
                                        std::to_string(wantedBreaks));
         }
     }

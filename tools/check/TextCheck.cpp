@@ -52,24 +52,29 @@ void CheckEnd(const TextScanner& scanner, const std::string& name, Findings& fin
 
 }  // namespace
 
-CheckedFile CheckText(const std::string& name, const std::string& bytes, Findings& findings) {
-    CheckedFile file{.name = name};
-    Progress progress("checking", name, bytes.size());
-    TextScanner scanner(bytes);
+bool CheckForm(const TextScanner& scanner, const std::string& name, const std::string& bytes,
+               Findings& findings) {
     if (scanner.IsUtf16() && IsEightBit(std::string_view(bytes).substr(kUtf16MarkSize))) {
         findings.Add(Rule::kFalseUtf16Mark, {name, 1, 1},
                      "a UTF-16 mark before 8-bit text: the loader reads the file as UTF-16 and "
                      "finds none of its entries");
-        file.usable = false;
-        return file;
+        return false;
     }
     if (!scanner.IsUtf16() && LooksLikeUtf16(bytes)) {
         findings.Add(Rule::kUtf16WithoutMark, {name, 1, 1},
                      "UTF-16 without its byte-order mark: the loader reads it as 8-bit text and "
                      "stops at its first zero byte");
-        file.usable = false;
-        return file;
+        return false;
     }
+    return true;
+}
+
+CheckedFile CheckText(const std::string& name, const std::string& bytes, Findings& findings) {
+    CheckedFile file{.name = name};
+    Progress progress("checking", name, bytes.size());
+    TextScanner scanner(bytes);
+    file.usable = CheckForm(scanner, name, bytes, findings);
+    if (!file.usable) return file;
     if (bytes.starts_with(kUtf8Mark)) {
         findings.Add(Rule::kUtf8Mark, {name, 1, 1},
                      "a UTF-8 mark, which the loader takes for text of the first line");

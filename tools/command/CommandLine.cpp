@@ -10,6 +10,7 @@
 #include "tools/base/Encodings.h"
 #include "tools/base/Files.h"
 #include "tools/base/Suggest.h"
+#include "tools/check/Rules.h"
 #include "tools/command/Help.h"
 #include "tools/verbs/Verbs.h"
 #include "wordlex/staticlib/Wordlexlib.h"
@@ -74,7 +75,7 @@ void TakeSettings(const VerbInfo& verb, Arguments& arguments) {
     }
     const std::string file = FindProjectFile(folder);
     if (file.empty()) return;
-    arguments.project = ParseProject(FromWorkingFolder(file), ReadInput(file));
+    arguments.project = ParseProject(FromWorkingFolder(file), ReadInput(file), RuleNames());
     const Project& project = arguments.project;
     const auto given = [](const std::string& setting) {
         return setting.empty() ? std::vector<std::string>() : std::vector{setting};

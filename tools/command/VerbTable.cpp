@@ -47,6 +47,15 @@ OptionInfo ExchangeFormat(const std::string& help, const std::string& fallback) 
             .fallback = fallback};
 }
 
+OptionInfo FailOn() {
+    return {.name = "fail-on",
+            .takes = Takes::kChoice,
+            .value = "SEVERITY",
+            .help = "The lowest severity that makes the exit code 1",
+            .choices = {"error", "warning"},
+            .fallback = "error"};
+}
+
 OptionInfo Disable() {
     return {.name = "disable",
             .takes = Takes::kChoices,
@@ -81,12 +90,7 @@ std::vector<VerbInfo> MakeVerbs() {
                       .value = "DIR",
                       .help = "Compare the reference, or FILE without one, with these sources; may "
                               "be given again"},
-                     {.name = "fail-on",
-                      .takes = Takes::kChoice,
-                      .value = "SEVERITY",
-                      .help = "The lowest severity that makes the exit code 1",
-                      .choices = {"error", "warning"},
-                      .fallback = "error"},
+                     FailOn(),
                      Disable(),
                      Format({"text", "json", "sarif", "github"},
                             "Findings for people, programs or services that annotate changes"),
@@ -114,8 +118,10 @@ std::vector<VerbInfo> MakeVerbs() {
                      {.name = "no-keys", .help = "Leave the keys out"},
                      {.name = "indexed",
                       .help = "Add the index with which a catalog opens the file at once"},
+                     Reference(),
+                     FailOn(),
                      Disable(),
-                     {.name = "quiet", .help = "Report errors only"},
+                     {.name = "quiet", .help = "Report only findings that make the exit code 1"},
                      Format({"text", "json"}, "Findings for people or for programs")},
          .run = Compile},
         {.name = "dump",
@@ -163,7 +169,7 @@ std::vector<VerbInfo> MakeVerbs() {
                       .help = "Describe each file, with the buckets of its look-up table"}},
          .run = Stats},
         {.name = "report",
-         .operands = {kFiles},
+         .operands = {{.name = "FILE", .repeated = true, .settings = Settings::kLanguages}},
          .help = "Write a page that shows how far translations are and what is left",
          .example = "wordlex report --reference=en.txt de.txt fr.txt -o report.html",
          .options = {Reference(), Output("The page; required")},

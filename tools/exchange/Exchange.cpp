@@ -16,6 +16,7 @@ Annotations AnnotationsOf(const TextDocument& document, const Line& line) {
 
 void AddComments(const TextDocument& document, const Line& line, std::vector<std::string>& into) {
     for (const TextDocument::Part part : {line.before, line.after}) {
+        if (part.length == 0) continue;
         std::string text = ForPeople(document.Comment(line, part));
         for (char& c : text)
             if (static_cast<unsigned char>(c) < ' ') c = ' ';
@@ -39,17 +40,23 @@ State StateOf(const TextDocument& translation, const Line& line, const Unit& uni
 
 }  // namespace
 
-Unit MakeUnit(const TextDocument& reference, const Line& wanted, const TextDocument& translation,
-              const Line* present) {
+Unit MakeBareUnit(const TextDocument& reference, const Line& wanted,
+                  const TextDocument& translation, const Line* present) {
     Unit unit;
     unit.key = ShownKey(wanted.key);
     unit.source = ShownText(reference.Value(wanted));
-    AddComments(reference, wanted, unit.notes);
-    if (AnnotationsOf(reference, wanted).message) unit.notes.emplace_back("message pattern");
     if (present == nullptr) return unit;
-    AddComments(translation, *present, unit.comments);
     unit.target = ShownText(translation.Value(*present));
     unit.state = StateOf(translation, *present, unit, ReferenceDigest(reference.Value(wanted)));
+    return unit;
+}
+
+Unit MakeUnit(const TextDocument& reference, const Line& wanted, const TextDocument& translation,
+              const Line* present) {
+    Unit unit = MakeBareUnit(reference, wanted, translation, present);
+    AddComments(reference, wanted, unit.notes);
+    if (AnnotationsOf(reference, wanted).message) unit.notes.emplace_back("message pattern");
+    if (present != nullptr) AddComments(translation, *present, unit.comments);
     if (unit.state == State::kUntranslated) unit.target.clear();
     return unit;
 }

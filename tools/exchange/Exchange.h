@@ -33,5 +33,8 @@ struct Exchange {
 // translation lacks the key.
 Unit MakeUnit(const TextDocument& reference, const TextDocument::Line& wanted,
               const TextDocument& translation, const TextDocument::Line* present);
+// The same without notes and comments. An untranslated unit has the text of its line as its target.
+Unit MakeBareUnit(const TextDocument& reference, const TextDocument::Line& wanted,
+                  const TextDocument& translation, const TextDocument::Line* present);
 
 }  // namespace tool

@@ -101,11 +101,19 @@ std::size_t CodeLength(Units shown) {
     }
 }
 
+// Whether the unit begins no escape and is one that an editor shows. Not all that do are among
+// them.
+bool StandsForItself(unsigned short unit) {
+    const bool isLetter = (unit >= 0x20 && unit < 0x7F) || (unit >= 0xA0 && unit < 0x2000);
+    return isLetter && unit != u'\\' && unit != u'^' && unit != u'#';
+}
+
 }  // namespace
 
 std::size_t EntityLength(Units text) { return EntityAt(text).length; }
 
 std::string ShownText(Units written) {
+    if (std::ranges::all_of(written, StandsForItself)) return Utf8(written);
     const Written once = ResolveUnitEscapes(written);
     Written text;
     std::vector<bool> isWord;  // of the units of `text`
@@ -163,6 +171,8 @@ Written WrittenText(std::string_view shown) {
 }
 
 std::string ShownKey(std::string_view key) {
+    const auto isPlain = [](char c) { return c >= ' ' && c <= '~'; };
+    if (std::ranges::all_of(key, isPlain)) return std::string(key);
     const std::string quoted = ShowKey(key);
     return quoted.substr(1, quoted.size() - 2);
 }

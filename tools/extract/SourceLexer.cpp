@@ -31,25 +31,6 @@ unsigned DigitValue(char c) {
     return 16;
 }
 
-void AppendUtf8(std::string& bytes, char32_t code) {
-    const auto add = [&bytes](char32_t byte) {
-        bytes += static_cast<char>(static_cast<unsigned char>(byte));
-    };
-    if (code < 0x80) return add(code);
-    if (code < 0x800) {
-        add(0xC0 | code >> 6);
-    } else {
-        if (code < 0x10000) {
-            add(0xE0 | code >> 12);
-        } else {
-            add(0xF0 | code >> 18);
-            add(0x80 | (code >> 12 & 0x3F));
-        }
-        add(0x80 | (code >> 6 & 0x3F));
-    }
-    add(0x80 | (code & 0x3F));
-}
-
 // Resolves the escapes of one literal. Numeric escapes are bytes, or units of a wide literal.
 class LiteralDecoder {
 public:
@@ -479,8 +460,8 @@ private:
     void Branch(Truth truth) {
         Condition& condition = conditions.back();
         skipping = condition.skippedAround || condition.decided || truth == Truth::kFalse;
+        condition.unknown = condition.unknown || (!condition.decided && truth == Truth::kUnknown);
         condition.decided = condition.decided || truth == Truth::kTrue;
-        condition.unknown = condition.unknown || truth == Truth::kUnknown;
         Mark();
     }
 

@@ -85,12 +85,13 @@ std::vector<std::string> SourceFiles(const std::vector<std::string>& filesAndFol
 
 SourceTexts::SourceTexts(const std::vector<std::string>& filesAndFolders) {
     const std::vector<std::string> files = SourceFiles(filesAndFolders);
-    for (const std::string& name : files) {
-        const Progress progress("reading", name);
-        for (SourceText& text : FindTexts(name, ReadInput(name)))
+    if (files.empty()) return;
+    Progress progress("reading", filesAndFolders.front(), files.size());
+    for (std::size_t done = 0; done < files.size(); ++done) {
+        progress.Reach(done);
+        for (SourceText& text : FindTexts(files[done], ReadInput(files[done])))
             Add(std::move(text));
     }
-    fileCount = files.size();
 }
 
 void SourceTexts::Add(SourceText text) {

@@ -50,7 +50,6 @@ public:
     const SourceText* Find(const std::string& key) const;
     // Texts that differ from the earlier one of their key.
     const std::vector<SourceText>& Conflicts() const { return conflicts; }
-    std::size_t FileCount() const { return fileCount; }
 
 private:
     void Add(SourceText text);
@@ -60,7 +59,6 @@ private:
     std::vector<SourceText> conflicts;
     std::map<std::string, std::size_t> byKey;  // in `texts`
     std::map<std::string, std::size_t> bareByKey;
-    std::size_t fileCount = 0;
 };
 
 }  // namespace tool

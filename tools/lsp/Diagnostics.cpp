@@ -1,4 +1,4 @@
-#include "tools/check/SourceCheck.h"
+#include "tools/extract/SourceCheck.h"
 #include "tools/lsp/Features.h"
 
 namespace tool::lsp {
@@ -28,7 +28,7 @@ Json Plain(const Range& range, int severity, const std::string& text) {
 Json SettingsFault(const OpenFile& file) {
     Json list = Json::array();
     try {
-        ParseProject(file.path, file.text->Bytes());
+        ParseProject(file.path, file.text->Bytes(), RuleNames());
     } catch (const ProjectFailure& failure) {
         const auto line = static_cast<std::size_t>(failure.Line() == 0 ? 0 : failure.Line() - 1);
         const std::string text = failure.what();

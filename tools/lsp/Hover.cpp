@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "tools/base/Content.h"
+#include "tools/check/Content.h"
 #include "tools/lsp/Features.h"
 
 namespace tool::lsp {

@@ -140,7 +140,7 @@ ProjectState& Workspace::ProjectOf(const OpenFile& file) {
                 state = {};
                 state.project.file = settings;
                 state.bytes = bytes;
-                state.project = ParseProject(settings, bytes);
+                state.project = ParseProject(settings, bytes, RuleNames());
             }
         } catch (const Failure& failure) {
             state.error = failure.what();

@@ -8,10 +8,10 @@
 #include <filesystem>
 #include <utility>
 
-#include "tools/base/Content.h"
 #include "tools/base/Files.h"
 #include "tools/base/Progress.h"
 #include "tools/base/TextDocument.h"
+#include "tools/check/Content.h"
 
 namespace tool {
 
@@ -123,6 +123,7 @@ const TextSet::Item* TextSet::Find(std::string_view key) const {
 }
 
 Coverage Compare(const TextSet& reference, const TextSet& translation) {
+    const Progress progress("counting", translation.name);
     Coverage coverage;
     coverage.keys = reference.items.size();
     coverage.states.reserve(coverage.keys);

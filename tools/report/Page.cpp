@@ -4,7 +4,8 @@
 #include <unordered_map>
 
 #include "tools/base/Json.h"
-#include "tools/check/MessageCheck.h"
+#include "tools/base/Language.h"
+#include "tools/base/Progress.h"
 #include "tools/report/PageTemplate.h"
 
 namespace tool {
@@ -15,10 +16,7 @@ constexpr std::string_view kPlaceOfData = "{{data}}";
 
 // "pt-BR": from a binary file itself, else from the name of the file or its folder. Or "".
 std::string LanguageTagOf(const TextSet& texts) {
-    CheckedFile file;
-    file.name = texts.name;
-    file.locale = texts.locale;
-    std::string tag = LanguageOf(file);
+    std::string tag = LanguageOf(texts.name, texts.locale);
     std::ranges::replace(tag, '_', '-');
     return tag;
 }
@@ -113,6 +111,7 @@ private:
 
 std::string ReportPage(const TextSet& reference,
                        const std::vector<std::unique_ptr<TextSet>>& translations) {
+    const Progress progress("reporting", reference.name);
     std::vector<Coverage> coverages;
     Json head;
     head["reference"]["file"] = reference.name;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
 #include <iostream>
 #include <iterator>
 #include <optional>
@@ -10,7 +9,7 @@
 #include "tools/base/Files.h"
 #include "tools/check/Check.h"
 #include "tools/check/Formats.h"
-#include "tools/check/SourceCheck.h"
+#include "tools/extract/SourceCheck.h"
 #include "tools/verbs/Verbs.h"
 
 namespace tool {
@@ -27,15 +26,6 @@ int ListRules() {
     }
     WriteStandardOutput(list);
     return kSuccess;
-}
-
-bool IsSameFile(const std::string& a, const std::string& b) {
-    std::error_code absent;
-    return std::filesystem::equivalent(a, b, absent);
-}
-
-std::string Counted(std::size_t count, const char* thing) {
-    return std::to_string(count) + ' ' + thing + (count == 1 ? "" : "s");
 }
 
 // The summary of all files: one line on standard error, or none for files without findings.

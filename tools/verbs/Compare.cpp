@@ -1,9 +1,10 @@
 #include <algorithm>
 
-#include "tools/base/Content.h"
 #include "tools/base/Files.h"
 #include "tools/base/Json.h"
+#include "tools/base/Progress.h"
 #include "tools/base/Terminal.h"
+#include "tools/check/Content.h"
 #include "tools/verbs/Verbs.h"
 
 namespace tool {
@@ -66,30 +67,26 @@ std::string Line(const Entry* before, const Entry* after, bool json) {
     return JsonLine(object);
 }
 
-struct Difference {
-    const Entry* before;
-    const Entry* after;
-};
-
-std::vector<Difference> Differ(const Content& before, const Content& after) {
+// A line for each difference.
+std::string Differences(const Content& before, const Content& after, bool json) {
     const Progress progress("comparing", after.name);
     const std::vector<const Entry*> old = Sorted(before);
     const std::vector<const Entry*> now = Sorted(after);
-    std::vector<Difference> differences;
+    std::string lines;
     auto was = old.begin();
     auto is = now.begin();
     while (was != old.end() || is != now.end()) {
         if (is == now.end() || (was != old.end() && Before(*was, *is))) {
-            differences.push_back({*was++, nullptr});
+            lines += Line(*was++, nullptr, json);
         } else if (was == old.end() || Before(*is, *was)) {
-            differences.push_back({nullptr, *is++});
+            lines += Line(nullptr, *is++, json);
         } else {
-            if (!Same(**was, **is)) differences.push_back({*was, *is});
+            if (!Same(**was, **is)) lines += Line(*was, *is, json);
             ++was;
             ++is;
         }
     }
-    return differences;
+    return lines;
 }
 
 }  // namespace
@@ -98,13 +95,11 @@ int Compare(const Arguments& arguments) {
     const bool json = arguments.Get("format") == "json";
     const Content before = Load(arguments.operands[0]);
     const Content after = Load(arguments.operands[1]);
-    const std::vector<Difference> differences = Differ(before, after);
-    std::string output;
-    for (const Difference& difference : differences)
-        output += Line(difference.before, difference.after, json);
+    std::string differences = Differences(before, after, json);
+    const bool same = differences.empty();
     WriteStandardOutput(
-        ForOutput("-", std::move(output), json ? ControlForm::kJson : ControlForm::kEntry));
-    return differences.empty() ? kSuccess : kDifference;
+        ForOutput("-", std::move(differences), json ? ControlForm::kJson : ControlForm::kEntry));
+    return same ? kSuccess : kDifference;
 }
 
 }  // namespace tool

@@ -2,12 +2,15 @@
 
 #include <algorithm>
 #include <iostream>
+#include <optional>
 #include <sstream>
 #include <string_view>
 
-#include "tools/base/Content.h"
 #include "tools/base/EntryLine.h"
 #include "tools/base/Files.h"
+#include "tools/base/Progress.h"
+#include "tools/check/Check.h"
+#include "tools/check/Content.h"
 #include "tools/verbs/Verbs.h"
 #include "wordlex/catalog/IndexSection.h"
 
@@ -18,17 +21,40 @@ namespace {
 using lexon_private::Dictionary;
 using lexon_private::EntryView;
 
-// Prints the findings of the file; true when it may still be compiled.
-bool Passes(const std::string& name, const std::string& bytes, const Arguments& arguments) {
-    Findings findings(RulesOf(arguments.All("disable")));
-    CheckFile(name, bytes, findings);
-    auto found = findings.Take();
-    const Severity least = arguments.Has("quiet") ? Severity::kError : Severity::kWarning;
-    std::erase_if(found,
-                  [least](const Finding& finding) { return Info(finding.rule).severity < least; });
-    std::cerr << Print(found, FormatOf(arguments.Get("format"), STDERR_FILENO));
-    return !AnyAtOrAbove(found, Severity::kError);
-}
+// Checks the files before they are compiled.
+class Checker {
+public:
+    explicit Checker(const Arguments& arguments)
+        : disabled(RulesOf(arguments.All("disable"))),
+          failOn(arguments.Get("fail-on") == "warning" ? Severity::kWarning : Severity::kError),
+          printed(arguments.Has("quiet") ? failOn : Severity::kWarning),
+          format(FormatOf(arguments.Get("format"), STDERR_FILENO)) {
+        // The reference of the project is for translators. A build names its own.
+        if (arguments.IsSetting("reference") || !arguments.Has("reference")) return;
+        referenceName = arguments.Get("reference");
+        reference = ReadReference(referenceName, ReadInput(referenceName));
+    }
+
+    // Prints the findings of the file; true when it may still be compiled.
+    bool Passes(const std::string& name, const std::string& bytes) const {
+        const bool isTranslation = reference.has_value() && !IsSameFile(name, referenceName);
+        auto found =
+            CheckBytes(name, bytes, isTranslation ? &*reference : nullptr, disabled).findings;
+        std::erase_if(found, [this](const Finding& finding) {
+            return Info(finding.rule).severity < printed;
+        });
+        std::cerr << Print(found, format);
+        return !AnyAtOrAbove(found, failOn);
+    }
+
+private:
+    Findings::Rules disabled;
+    Severity failOn;
+    Severity printed;  // the least that is
+    Format format;
+    std::string referenceName;
+    std::optional<Reference> reference;
+};
 
 // The files as one dictionary. It is compact from the start, which keeps the order of the entries
 // and their ids. It merges files as the application's dictionary does.
@@ -40,9 +66,9 @@ public:
         if (kind == Kind::kText) {
             Read(merged, name, bytes);
         } else if (kind == Kind::kVersion1) {
-            AddLines(Load(name, bytes));
+            AddLines(LoadChecked(name, bytes));
         } else {
-            AddImage(Load(name, bytes), bytes);
+            AddImage(LoadChecked(name, bytes), bytes);
         }
         compactSeen |= kind == Kind::kVersion2;
         lastName = name;
@@ -57,8 +83,10 @@ public:
             if (entry.keyed) ++keyed;
         });
         if (keyed == 0 || keyed == count) return;
-        throw Failure(std::to_string(count - keyed) +
-                      " entries without keys do not fit into a dictionary of entries with keys; "
+        const std::size_t unkeyed = count - keyed;
+        throw Failure(Counted(unkeyed, "entry", "entries") + " without keys " +
+                      (unkeyed == 1 ? "does" : "do") +
+                      " not fit into a dictionary of entries with keys; "
                       "use --no-keys");
     }
 
@@ -134,19 +162,40 @@ lexon::EndianT OrderOf(const std::string& name) {
                             : lexon::EndianT::kLittle;
 }
 
+// The binary file of the dictionary.
+std::string ImageOf(Dictionary& dictionary, const Arguments& arguments, std::uint32_t idBase) {
+    const std::string& output = arguments.Get("output");
+    const Progress progress("writing", output);
+    std::ostringstream image;
+    dictionary.Serialize(
+        image, arguments.Has("no-keys") ? lexon::SaveType::kBinaryNoKeys : lexon::SaveType::kBinary,
+        nullptr, OrderOf(arguments.Get("endian")), idBase);
+    if (!image) {
+        throw Failure(output +
+                      ": more text than a version 2 file has room for, or than memory has");
+    }
+    std::string file = std::move(image).str();
+    if (!arguments.Has("indexed")) return file;
+    const std::string index = lexon::detail::MakeIndexSection(file);
+    if (index.empty()) {
+        throw Failure(output + ": too many keys collide for an index; leave out --indexed");
+    }
+    return file + index;
+}
+
 }  // namespace
 
 int Compile(const Arguments& arguments) {
     const std::string& output = arguments.Get("output");
     if (output.empty()) throw UsageFailure("--output is required");
     const std::uint32_t idBase = arguments.Number("id-base").value_or(0);
-    const bool noKeys = arguments.Has("no-keys");
     const std::string& locale = arguments.Get("locale");
+    const Checker checker(arguments);
     Merge merge;
     bool good = true;
     for (const std::string& name : arguments.operands) {
         const std::string bytes = ReadInput(name);
-        if (!Passes(name, bytes, arguments)) {
+        if (!checker.Passes(name, bytes)) {
             good = false;
         } else if (good) {
             merge.Add(name, bytes);
@@ -154,28 +203,9 @@ int Compile(const Arguments& arguments) {
     }
     if (!good) return kDifference;
 
-    if (!noKeys) merge.RefuseMixed();
+    if (!arguments.Has("no-keys")) merge.RefuseMixed();
     if (!locale.empty()) merge.Result().Locale(locale.c_str());
-    std::ostringstream image;
-    {
-        const Progress progress("writing", output);
-        merge.Result().Serialize(image,
-                                 noKeys ? lexon::SaveType::kBinaryNoKeys : lexon::SaveType::kBinary,
-                                 nullptr, OrderOf(arguments.Get("endian")), idBase);
-    }
-    if (!image) {
-        throw Failure(output +
-                      ": more text than a version 2 file has room for, or than memory has");
-    }
-    std::string file = std::move(image).str();
-    if (arguments.Has("indexed")) {
-        const std::string index = lexon::detail::MakeIndexSection(file);
-        if (index.empty()) {
-            throw Failure(output + ": too many keys collide for an index; leave out --indexed");
-        }
-        file += index;
-    }
-    WriteOutput(output, file);
+    WriteOutput(output, ImageOf(merge.Result(), arguments, idBase));
     return kSuccess;
 }
 

@@ -1,11 +1,11 @@
 #include <algorithm>
 
-#include "tools/base/Content.h"
 #include "tools/base/EntryLine.h"
 #include "tools/base/Files.h"
 #include "tools/base/Json.h"
 #include "tools/base/Progress.h"
 #include "tools/base/Terminal.h"
+#include "tools/check/Content.h"
 #include "tools/verbs/Verbs.h"
 
 namespace tool {
@@ -19,7 +19,7 @@ std::string HeaderText(const Content& content) {
     // These would open the entry's text early.
     std::ranges::replace_if(
         text, [](unsigned char c) { return c < 0x20 || c == '"' || c == '\\'; }, '?');
-    return text + ", " + std::to_string(content.entries.size()) + " entries";
+    return text + ", " + Counted(content.entries.size(), "entry", "entries");
 }
 
 std::string HeaderJson(const Content& content) {
@@ -30,13 +30,16 @@ std::string HeaderJson(const Content& content) {
 
 // The output of dump compiles to the same dictionary.
 void RefuseWhatTextCannotHold(const Content& content) {
-    const auto unkeyed = std::ranges::count(content.entries, false, &Entry::keyed);
-    const auto marked = std::ranges::count_if(
-        content.entries, [](const Entry& entry) { return !entry.accelerator.IsEmpty(); });
+    std::size_t unkeyed = 0;
+    std::size_t marked = 0;
+    for (const Entry& entry : content.entries) {
+        if (!entry.keyed) ++unkeyed;
+        if (!entry.accelerator.IsEmpty()) ++marked;
+    }
     if (unkeyed == 0 && marked == 0) return;
     throw Failure(content.name + ": " +
-                  (unkeyed != 0 ? std::to_string(unkeyed) + " entries without keys"
-                                : std::to_string(marked) + " accelerator strings") +
+                  (unkeyed != 0 ? Counted(unkeyed, "entry", "entries") + " without keys"
+                                : Counted(marked, "accelerator string")) +
                   ", which a text dictionary cannot contain; use --format=json");
 }
 

@@ -1,9 +1,9 @@
 #include <algorithm>
 
 #include "tools/base/BinaryFile.h"
-#include "tools/base/Content.h"
 #include "tools/base/Files.h"
 #include "tools/base/Terminal.h"
+#include "tools/check/Content.h"
 #include "tools/verbs/Verbs.h"
 
 namespace tool {
@@ -28,8 +28,8 @@ enum class Effect : std::uint8_t {
 // A dictionary, and what happened to the files loaded into it.
 class Loaded {
 public:
-    // `asked` is the id to look up, if any.
-    void Add(const std::string& name, std::optional<std::uint32_t> asked);
+    // `asked` is the id to look up, if any. ExplainKey() and ExplainId() need `explained`.
+    void Add(const std::string& name, std::optional<std::uint32_t> asked, bool explained);
 
     Dictionary& Get() { return dictionary; }
 
@@ -43,7 +43,7 @@ private:
     struct Source {
         Kind kind;
         Effect effect;
-        CheckedFile file;
+        CheckedFile file;  // without entries where nothing is explained
     };
 
     bool IsVisible(std::size_t i) const;
@@ -54,13 +54,17 @@ private:
     std::string broughtId;  // the file with the entry of the id
 };
 
-void Loaded::Add(const std::string& name, std::optional<std::uint32_t> asked) {
+void Loaded::Add(const std::string& name, std::optional<std::uint32_t> asked, bool explained) {
     const std::string bytes = ReadInput(name);
-    Findings unused;
-    Source source{KindOf(bytes), Effect::kReplaces, CheckUsable(name, bytes, unused)};
+    Source source{KindOf(bytes), Effect::kReplaces, {}};
+    if (explained) source.file = CheckUsable(name, bytes);
     const unsigned long count = dictionary.NumKeys();
     const bool hadId = asked.has_value() && dictionary.ValidId(*asked);
-    Read(dictionary, name, bytes);
+    if (explained) {
+        Read(dictionary, name, bytes);
+    } else {
+        ReadUsable(dictionary, name, bytes);
+    }
     if (!hadId && asked.has_value() && dictionary.ValidId(*asked)) broughtId = name;
     if (source.kind == Kind::kVersion2) {
         // The first file is loaded into an empty store, which accepts any id base.
@@ -164,17 +168,17 @@ class Query {
 public:
     // `asked` is the id to look up instead of a key, if any.
     Query(const std::vector<std::string>& names, const std::string& nameOfMain,
-          std::optional<std::uint32_t> asked)
-        : id(asked) {
+          std::optional<std::uint32_t> asked, bool explained)
+        : id(asked), explain(explained) {
         for (const std::string& name : names)
-            files.Add(name, id);
+            files.Add(name, id, explain);
         if (nameOfMain.empty()) return;
-        main.Add(nameOfMain, id);
+        main.Add(nameOfMain, id, explain);
         main.Get().SetAsMain();
     }
 
     // `key` is ignored when an id is looked up.
-    int Run(const std::string& key, const std::vector<Replacement>& replacements, bool explain) {
+    int Run(const std::string& key, const std::vector<Replacement>& replacements) {
         Text answer = id.has_value() ? AnswerId(*id) : AnswerKey(key);
         for (const Replacement& replacement : replacements)
             Replace(answer, replacement);
@@ -210,6 +214,7 @@ private:
     static constexpr char kInMain[] = " in the main dictionary";
 
     std::optional<std::uint32_t> id;
+    bool explain;
     Loaded files;
     Loaded main;
     std::string explanation;
@@ -235,7 +240,7 @@ int Lookup(const Arguments& arguments) {
         }
         replacements.push_back({given.substr(0, equals), given.substr(equals + 1)});
     }
-    return Query(files, arguments.Get("main"), id).Run(key, replacements, arguments.Has("explain"));
+    return Query(files, arguments.Get("main"), id, arguments.Has("explain")).Run(key, replacements);
 }
 
 }  // namespace tool

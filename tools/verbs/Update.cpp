@@ -24,6 +24,7 @@ constexpr std::string_view kStandardStream = "-";
 class Reference {
 public:
     explicit Reference(const std::string& name) : document(ReadTextDocument(name)) {
+        const Progress progress("reading", name);
         for (const Line& line : document.Lines())
             digests.push_back(ReferenceDigest(document.Value(line)));
     }
@@ -54,8 +55,7 @@ public:
     bool Changes() const { return document.HasEdits() || obsolete.HasEdits(); }
 
     // Whatever interrupts it, an entry that moves is in one of the files or in both.
-    void Write() const {
-        if (name == kStandardStream) return WriteStandard();
+    void WriteFiles() const {
         if (counts[kGone] != 0) WriteOutput(obsoleteName, obsoleteWithGone);
         if (document.HasEdits()) WriteOutput(name, document.Bytes());
         if (counts[kRestored] == 0) return;
@@ -67,13 +67,14 @@ public:
         }
     }
 
-    // A filter has no place for removed entries.
-    void WriteStandard() const {
+    // The text for standard output. A filter has no place for removed entries.
+    std::string Result() const {
         if (counts[kGone] != 0) {
-            throw Failure("standard input: " + std::to_string(counts[kGone]) +
-                          " entries are obsolete; name a file, so that they can be kept beside it");
+            throw Failure(
+                "standard input: " + tool::Counted(counts[kGone], "entry is", "entries are") +
+                " obsolete; name a file, so that they can be kept beside it");
         }
-        WriteStandardOutput(document.Bytes());
+        return document.Bytes();
     }
 
     // "FILE: 2 added, 1 stale"
@@ -185,6 +186,18 @@ private:
     std::array<std::size_t, kCountedKinds> counts{};
 };
 
+// What standard output gets: a summary, or the text itself where it came from standard input.
+std::string UpdateFile(const Reference& reference, const std::string& name, bool onlyCheck,
+                       bool& changes) {
+    const Progress progress("updating", name);
+    const Updater updater(reference, name);
+    changes = updater.Changes();
+    if (onlyCheck) return updater.Summary();
+    if (name == kStandardStream) return updater.Result();
+    updater.WriteFiles();
+    return updater.Summary();
+}
+
 }  // namespace
 
 int Update(const Arguments& arguments) {
@@ -197,11 +210,10 @@ int Update(const Arguments& arguments) {
         std::error_code absent;
         if (IsObsoleteName(name) || fs::equivalent(name, referenceName, absent)) continue;
         try {
-            const Progress progress("updating", name);
-            const Updater updater(reference, name);
-            if (!onlyCheck) updater.Write();
-            if (onlyCheck || name != kStandardStream) WriteStandardOutput(updater.Summary());
-            if (onlyCheck && updater.Changes()) exitCode = std::max(exitCode, kDifference);
+            bool changes = false;
+            const std::string output = UpdateFile(reference, name, onlyCheck, changes);
+            WriteStandardOutput(output);
+            if (onlyCheck && changes) exitCode = std::max(exitCode, kDifference);
         } catch (const Failure& failure) {  // the other files are not affected
             std::cerr << "wordlex: " << failure.what() << '\n';
             exitCode = kFailure;

@@ -280,6 +280,17 @@ private:
     bool inRun = false;          // in text that the override mirrors
 };
 
+std::string PseudoText(TextDocument document, const std::string& name, Writer writer) {
+    const Progress progress("writing", name);
+    for (const Line& line : document.Lines()) {
+        const bool isMessage = ParseAnnotations(document.Comment(line, line.before),
+                                                document.Comment(line, line.after))
+                                   .message;
+        document.SetValue(line, writer.Write(document.Value(line), isMessage));
+    }
+    return document.Bytes();
+}
+
 }  // namespace
 
 int Pseudo(const Arguments& arguments) {
@@ -288,16 +299,8 @@ int Pseudo(const Arguments& arguments) {
     if (expansion > kMostExpansion) {
         throw UsageFailure("--expand: at most " + std::to_string(kMostExpansion) + " percent");
     }
-    TextDocument document = ReadTextDocument(name);
-    const Progress progress("writing", name);
-    Writer writer(expansion, arguments.Has("rtl"));
-    for (const Line& line : document.Lines()) {
-        const bool isMessage = ParseAnnotations(document.Comment(line, line.before),
-                                                document.Comment(line, line.after))
-                                   .message;
-        document.SetValue(line, writer.Write(document.Value(line), isMessage));
-    }
-    WriteOutput(arguments.Get("output"), document.Bytes());
+    WriteOutput(arguments.Get("output"),
+                PseudoText(ReadTextDocument(name), name, Writer(expansion, arguments.Has("rtl"))));
     return kSuccess;
 }
 

@@ -1,4 +1,4 @@
-#include "tools/check/SourceCheck.h"
+#include "tools/extract/SourceCheck.h"
 
 #include <algorithm>
 

@@ -3,8 +3,8 @@
 #include <initializer_list>
 
 #include "tools/base/Files.h"
+#include "tools/base/Language.h"
 #include "tools/base/Progress.h"
-#include "tools/check/MessageCheck.h"
 #include "tools/exchange/Exchange.h"
 #include "tools/exchange/Po.h"
 #include "tools/exchange/ShownText.h"
@@ -19,10 +19,7 @@ using Line = TextDocument::Line;
 
 // The language from the option, else from the file's name.
 std::string LanguageFor(const std::string& option, const std::string& name) {
-    if (!option.empty()) return option;
-    CheckedFile file;
-    file.name = name;
-    return LanguageOf(file);
+    return option.empty() ? LanguageOf(name) : option;
 }
 
 // The entries of `from` that no other document has.
@@ -44,17 +41,16 @@ void AddObsolete(const TextDocument& from, std::initializer_list<const TextDocum
     }
 }
 
-}  // namespace
-
-int Export(const Arguments& arguments) {
+// The file for translators.
+std::string Exported(const Arguments& arguments) {
     const std::string& name = arguments.operands.front();
     const std::string& referenceName = arguments.Get("reference");
+    const Progress progress("exporting", name);
     const TextDocument document = ReadTextDocument(name);
     const bool isTemplate = referenceName.empty();
     const TextDocument reference =
         isTemplate ? document.EmptyLikeThis() : ReadTextDocument(referenceName);
     const TextDocument& wanted = isTemplate ? document : reference;
-    const Progress progress("exporting", name);
 
     Exchange exchange;
     exchange.original =
@@ -79,9 +75,13 @@ int Export(const Arguments& arguments) {
     }
     const auto version =
         arguments.Get("xliff-version") == "1.2" ? XliffVersion::k12 : XliffVersion::k21;
-    WriteOutput(arguments.Get("output"), arguments.Get("format") == "xliff"
-                                             ? WriteXliff(exchange, version)
-                                             : WritePo(exchange));
+    return arguments.Get("format") == "xliff" ? WriteXliff(exchange, version) : WritePo(exchange);
+}
+
+}  // namespace
+
+int Export(const Arguments& arguments) {
+    WriteOutput(arguments.Get("output"), Exported(arguments));
     return kSuccess;
 }
 

@@ -2,6 +2,7 @@
 #include <array>
 #include <iostream>
 #include <map>
+#include <optional>
 #include <unordered_map>
 
 #include "tools/base/Annotations.h"
@@ -24,6 +25,7 @@ using ByShownKey = std::unordered_map<std::string, const Line*>;
 
 ByShownKey LinesOf(const TextDocument& document) {
     ByShownKey lines;
+    lines.reserve(document.Lines().size());
     for (const Line& line : document.Lines())
         lines.insert_or_assign(ShownKey(line.key), &line);  // the last one counts
     return lines;
@@ -44,6 +46,7 @@ public:
 
     void Take(const Exchange& exchange) {
         std::unordered_map<std::string_view, std::uint64_t> seen;
+        seen.reserve(exchange.units.size());
         for (const Unit& unit : exchange.units) {
             const auto [first, isNew] = seen.try_emplace(unit.key, unit.line);
             if (!isNew) {
@@ -104,8 +107,8 @@ private:
         }
         const Line& referenceLine = *there->second;
         const Line& line = *here->second;
-        const Unit now = MakeUnit(reference, referenceLine, document, &line);
-        const std::string shown = ShownText(document.Value(line));
+        const Unit now = MakeBareUnit(reference, referenceLine, document, &line);
+        const std::string& shown = now.target;
         if (isEmpty) {
             if (now.state == State::kUntranslated || shown == now.source) return;
             document.SetValue(line, reference.Value(referenceLine));
@@ -195,12 +198,11 @@ int Import(const Arguments& arguments) {
     const std::string bytes = ReadInput(source);
     const std::string& format = arguments.Get("format");
     const bool isXliff = format.empty() ? LooksLikeXml(bytes) : format == "xliff";
+    std::optional<Progress> progress(std::in_place, "importing", source);
     const Exchange exchange = isXliff ? ReadXliff(shownSource, bytes) : ReadPo(shownSource, bytes);
     Importer importer(shownSource, name, arguments.Get("reference"));
-    {
-        const Progress progress("importing", source);
-        importer.Take(exchange);
-    }
+    importer.Take(exchange);
+    progress.reset();
     if (!importer.Report()) return kDifference;
     if (output != name || output == "-" || importer.Changes()) {
         WriteOutput(output, importer.Result());
