@@ -77,6 +77,10 @@ class CInterface(unittest.TestCase):
         self.assertEqual(
             "a und b",
             taken(format_text(self.catalog, b"/Opened", b"de", *arguments(_1="a", who="b"))))
+        self.assertEqual(
+            "a und ",
+            taken(format_text(self.catalog, b"/Opened", b"de",
+                              (Argument * 2)((None, b"a"), (b"who", None)), 2)))
         for number, expected in (("1", "1 Clip"), ("1234", "1.234 Clips")):
             self.assertEqual(
                 expected,

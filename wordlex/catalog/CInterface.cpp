@@ -48,20 +48,22 @@ char* CopyOf(const std::string& text) {
     return copy;
 }
 
+std::string_view Seen(const char* text) { return text != nullptr ? text : std::string_view(); }
+
 enum class Numbers { kAsText, kAsNumbers };
 
 std::vector<Argument> ArgumentsOf(const wordlex_argument* arguments, std::size_t count,
                                   Numbers numbers) {
     std::vector<Argument> list;
     for (std::size_t i = 0; i < count; ++i) {
-        const std::string_view text = arguments[i].text;
+        const std::string_view text = Seen(arguments[i].text);
         const char* const end = text.data() + text.size();
         std::int64_t number = 0;
         const auto [rest, status] = std::from_chars(text.data(), end, number);
         const bool isNumber = status == std::errc() && rest == end;
         const Argument value =
             isNumber && numbers == Numbers::kAsNumbers ? Argument(number) : Argument(text);
-        list.emplace_back(arguments[i].name, value);
+        list.emplace_back(Seen(arguments[i].name), value);
     }
     return list;
 }

@@ -28,7 +28,8 @@ typedef struct wordlex_catalog wordlex_catalog;
 typedef struct wordlex_error wordlex_error;
 
 /* The value of a parameter tag or a message argument: a name and a text. A name of one digit also
- * stands for the marker. */
+ * stands for the marker. Arguments without a name, null or empty, are numbered in their order: the
+ * first stands for "^1" and "{0}". A null text is the empty text. */
 typedef struct wordlex_argument {
     const char* name;
     const char* text;
