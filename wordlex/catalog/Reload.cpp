@@ -7,6 +7,8 @@ namespace lexon {
 struct ReloadingCatalog::State {
     std::filesystem::path file;
     std::mutex loading;  // one load at a time, so that the newest is swapped in last
+    // Held for one copy or swap of a pointer. An atomic shared pointer has a lock inside as well,
+    // and waits for it in a loop.
     mutable std::mutex swapping;
     Catalog current;
 };
