@@ -113,25 +113,27 @@ TEST(Format, FindsThePlacesThatTheEngineFinds) {
 TEST(Format, WritesValuesAsTheLanguageDoes) {
     setenv("TZ", "UTC", 1);
     const auto day = sys_days(days(18000));  // 14 April 2019
-    CheckAll(How::kText, {{__LINE__, "", u"^1 ^2", {999, 1000}, u"999 1,000"},
-                          {__LINE__, "en", u"^1 ^2", {1234567, -1234}, u"1,234,567 -1,234"},
-                          {__LINE__, "de", u"^1 ^2", {1234567, 0.5}, u"1.234.567 0,5"},
-                          {__LINE__, "fr", u"^1", {1234567}, u"1\u202F234\u202F567"},
-                          {__LINE__,
-                           "pt_BR",
-                           u"^1",
-                           {std::uint64_t{18446744073709551615U}},
-                           u"18.446.744.073.709.551.615"},
-                          {__LINE__, "ar-EG", u"^1 ^2", {120, 1234}, u"١٢٠ ١٬٢٣٤"},
-                          {__LINE__, "hi-u-nu-deva", u"^1", {305}, u"३०५"},
-                          {__LINE__, "de", u"^1", {day}, u"14.04.2019"},
-                          {__LINE__, "ja", u"^1", {day}, u"2019/04/14"},
-                          {__LINE__,
-                           "en_GB",
-                           u"^1",
-                           {std::chrono::sys_seconds(day) + std::chrono::hours(9)},
-                           u"14 Apr 2019, 09:00"},
-                          {__LINE__, "xx-nowhere", u"^1", {1234}, u"1,234"}});
+    CheckAll(How::kText,
+             {{__LINE__, "", u"^1 ^2", {999, 1000}, u"999 1,000"},
+              {__LINE__, "en", u"^1 ^2", {1234567, -1234}, u"1,234,567 -1,234"},
+              {__LINE__, "de", u"^1 ^2", {1234567, 0.5}, u"1.234.567 0,5"},
+              {__LINE__, "fr", u"^1", {1234567}, u"1\u202F234\u202F567"},
+              {__LINE__,
+               "pt_BR",
+               u"^1",
+               {std::uint64_t{18446744073709551615U}},
+               u"18.446.744.073.709.551.615"},
+              {__LINE__, "ar-EG", u"^1 ^2", {120, 1234}, u"١٢٠ ١٬٢٣٤"},
+              {__LINE__, "hi-u-nu-deva", u"^1", {305}, u"३०५"},
+              {__LINE__, "de", u"^1", {day}, u"14.04.2019"},
+              {__LINE__, "ja", u"^1", {day}, u"2019/04/14"},
+              {__LINE__, "de", u"^1", {std::chrono::year_month_day(day)}, u"14.04.2019"},
+              {__LINE__,
+               "en_GB",
+               u"^1",
+               {std::chrono::sys_seconds(day) + std::chrono::hours(9)},
+               u"14 Apr 2019, 09:00"},
+              {__LINE__, "xx-nowhere", u"^1", {1234}, u"1,234"}});
 }
 
 TEST(Format, IsolatesTextsOfTheOtherDirection) {

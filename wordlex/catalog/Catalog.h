@@ -126,6 +126,7 @@ public:
         : value{.integer =
                     std::chrono::floor<std::chrono::milliseconds>(time).time_since_epoch().count()},
           kind(std::is_same_v<Duration, std::chrono::days> ? Kind::kDay : Kind::kTime) {}
+    Argument(std::chrono::year_month_day day) noexcept : Argument(std::chrono::sys_days(day)) {}
     // NOLINTEND(google-explicit-constructor)
     Argument(std::string_view argumentName, Argument argument) noexcept : Argument(argument) {
         name = argumentName;
