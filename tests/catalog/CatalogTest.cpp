@@ -82,6 +82,7 @@ TEST(Catalog, AnswersAsTheEngineDoes) {
         EXPECT_EQ("", DifferenceOf(*file)) << file - &kLittleFile;
     // Lists of the hash index, from byte 93 on, that no writer makes; the same key twice, at 83;
     // texts at odd offsets, at 71, and of odd lengths, at 79.
+    constexpr int kKeyLengths = 67;
     constexpr int kKeys = 83;
     constexpr int kSlots = 93;
     constexpr int kIds = 105;
@@ -93,6 +94,7 @@ TEST(Catalog, AnswersAsTheEngineDoes) {
           {{kSlots, "2402 2402"}, {kKeys, "'/A/A'"}},
           {{kSlots, "2402 2402"}, {kKeys, "'/A/A'"}, {kIds, "01000000 00000000"}},
           {{kKeys, "'/A/A'"}, {kIds, "01000000 00000000"}},
+          {{kKeyLengths, "0000 0200"}, {kSlots, "0000"}},
           {{71, "01000000 02000000 0200 0200 "}},
           {{79, "0300 0100"}}}) {
         std::string odd = kLittleFile;
@@ -197,8 +199,10 @@ TEST(Catalog, SaysWhyItDoesNotLoad) {
     const TemporaryFolder folder;
     const std::string name = (folder / "t.dat").string();
     std::filesystem::create_directory(folder / "folder");
+    std::filesystem::create_symlink("loop", folder / "loop");
     ASSERT_EQ(0, mkfifo((folder / "pipe").c_str(), 0600));
     for (const auto& [path, code] : {std::pair(folder / "none", LoadError::Code::kMissing),
+                                     {folder / "loop", LoadError::Code::kUnreadable},
                                      {folder / "folder", LoadError::Code::kNotAFile},
                                      {folder / "pipe", LoadError::Code::kNotAFile},
                                      {"/dev/null", LoadError::Code::kNotAFile}}) {
@@ -217,6 +221,9 @@ TEST(Catalog, SaysWhyItDoesNotLoad) {
         {"\x7F"
          "ELF\0\0\0\1"s,
          LoadError::Code::kNotADictionary, ": neither"},
+        {"\x1F\x8B\x08", LoadError::Code::kNotADictionary, ":1: no entry can be read: bytes"},
+        {"\xFF\xFE\0\0a\0\0\0"s, LoadError::Code::kNotADictionary, ":1: no entry can be read: a"},
+        {"Wordlex B", LoadError::Code::kCutShort, ": byte 9: the file ends"},
         {"\"$$$/A=a\"\r\n\r\n  \"$/B=b\"", LoadError::Code::kMalformed, ":3:4: an entry"},
         {kLittleFile.substr(0, 90), LoadError::Code::kCutShort, ": byte 87: the file ends"},
         {kLittleFile.substr(0, 30), LoadError::Code::kCutShort, ": byte 29: the file ends"},
@@ -235,6 +242,7 @@ TEST(Catalog, SaysWhyItDoesNotLoad) {
         EXPECT_EQ(name + row.place,
                   loaded.Error().Message().substr(0, name.size() + std::string(row.place).size()));
     }
+    EXPECT_TRUE(Catalog::TryLoad(BytesOf("\n$x=y")).Error().Message().starts_with("2:1: an"));
 }
 
 TEST(Catalog, ReportsTheLinesOfWhichItLosesSomething) {

@@ -11,7 +11,7 @@
 // Units:    texts are UTF-16 in host byte order. std::string is UTF-8 where a name says so.
 // Keys:     "$$$/Path/Name=Default text" as callers write them, alone or in parentheses:
 //           "($$$/Path/Name=Default text)". "$$$" and the default text may be left out. The key is
-//           the text between "$$$" and the first "=", compared byte by byte. An empty key, or one
+//           the text between "$$$" and the first "=", compared byte by byte. An empty text, or one
 //           that begins with "$" but not with "$$$", is never found.
 // Threads:  a Catalog never changes, so any number of threads look up texts at once without a lock.
 //           Loading takes a lock of its own; see Load for programs that also use lexon::Dictionary.
@@ -48,7 +48,7 @@ struct LoadError {
         kMissing = 1,         // the file does not exist
         kNotAFile,            // a folder, a pipe, a device
         kUnreadable,          // the system refuses to open or to read it
-        kNotADictionary,      // fewer than two bytes
+        kNotADictionary,      // fewer than two bytes, or a text of which no entry can be read
         kCutShort,            // a binary dictionary ends early
         kMalformed,           // its content contradicts itself, or a text entry begins with "$"
         kUnsupportedVersion,  // a binary dictionary of an unknown version

@@ -183,6 +183,10 @@ public:
             before = reader->GetOffset();
         }
         WarnOfTheEnd();
+        if (entries.Count() == 0 && !warnings.empty()) {
+            Refuse(LoadError::Code::kNotADictionary, warnings.front().line, 0,
+                   "no entry can be read: " + warnings.front().reason);
+        }
         auto store = entries.Finish([this](std::size_t lost, std::size_t counts) {
             Warn(lost, 0, "the text is replaced by that of line " + std::to_string(counts));
         });

@@ -4,6 +4,7 @@
 #include "wordlex/catalog/Loaders.h"
 #include "wordlex/catalog/platform/File.h"
 #include "wordlex/functionality/BinaryFormat.h"
+#include "wordlex/functionality/ImageReader.h"
 
 namespace lexon {
 
@@ -14,6 +15,18 @@ namespace {
 // The head of a file with the sizes that locate its texts; longer locales cost a copy.
 constexpr std::size_t kHeadSize = 512;
 constexpr std::size_t kMajorAt = lexon_private::kBinaryMagic.size();
+// A file that is no more than the magic's first word and some more of it is a binary dictionary
+// that was cut there; the engine takes it for a text of one key.
+constexpr std::size_t kMagicWordSize = lexon_private::kBinaryMagic.find(' ');
+
+std::shared_ptr<const CatalogStore> LoadTextOrCut(Bytes file) {
+    const std::string_view content(reinterpret_cast<const char*>(file.data()), file.size());
+    if (file.size() > kMagicWordSize && lexon_private::kBinaryMagic.starts_with(content))
+        throw LoadFault{{.code = LoadError::Code::kCutShort,
+                         .offset = file.size(),
+                         .reason = Describe(lexon_private::ImageFault::kCutShort)}};
+    return LoadText(file);
+}
 
 // Reads a file of `size` bytes into a block of its own, with its texts at even addresses. `fill`
 // copies from an offset into a span and returns the number of bytes.
@@ -33,7 +46,7 @@ OwnedBytes ReadWhole(std::size_t size, Fill fill) {
 }
 
 std::shared_ptr<const CatalogStore> LoadOwned(OwnedBytes file) {
-    if (!IsBinary(file.bytes)) return LoadText(file.bytes);
+    if (!IsBinary(file.bytes)) return LoadTextOrCut(file.bytes);
     const bool version1 = file.bytes.size() > kMajorAt && file.bytes[kMajorAt] == std::byte{1};
     return version1 ? LoadVersion1(file.bytes) : LoadImage(std::move(file));
 }
@@ -52,7 +65,7 @@ std::shared_ptr<const CatalogStore> LoadFile(const std::filesystem::path& path) 
 }
 
 std::shared_ptr<const CatalogStore> LoadCopy(Bytes bytes) {
-    if (!IsBinary(bytes)) return LoadText(bytes);
+    if (!IsBinary(bytes)) return LoadTextOrCut(bytes);
     return LoadOwned(ReadWhole(bytes.size(), [bytes](std::size_t offset, auto into) {
         std::memcpy(into.data(), bytes.data() + offset, into.size());
         return into.size();
