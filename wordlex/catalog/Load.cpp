@@ -17,7 +17,7 @@ constexpr std::size_t kHeadSize = 512;
 constexpr std::size_t kMajorAt = lexon_private::kBinaryMagic.size();
 // A file that is no more than the magic's first word and some more of it is a binary dictionary
 // that was cut there; the engine takes it for a text of one key.
-constexpr std::size_t kMagicWordSize = lexon_private::kBinaryMagic.find(' ');
+constexpr std::size_t kMagicWordSize = std::string_view("Wordlex").size();
 
 std::shared_ptr<const CatalogStore> LoadTextOrCut(Bytes file) {
     const std::string_view content(reinterpret_cast<const char*>(file.data()), file.size());
