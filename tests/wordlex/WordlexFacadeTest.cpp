@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <sstream>
@@ -8,6 +9,7 @@
 #include <vector>
 
 #include "host/CoreFoundation/CoreFoundation.h"
+#include "tests/Environment.h"
 #include "tests/wordlex/Settings.h"
 #include "wordlex/functionality/Dictionary.h"
 #include "wordlex/functionality/DictionaryMap.h"
@@ -157,6 +159,24 @@ TEST(WordlexFacade, CopiesOut) {
     const SettingsGuard guard;
     Wordlex::SetDefaultApplicationEncoding(0x0201);  // ISO Latin 1
     EXPECT_EQ(3U, text.GetCStringSize(nullptr));
+}
+
+TEST(WordlexFacade, ConvertsInTheEncodingOfTheEnvironmentWhereNoneIsGiven) {
+    const char* const outer = std::getenv("LC_ALL");
+    const std::string before = outer == nullptr ? "" : std::string("LC_ALL=") + outer;
+    for (const auto& [environment, expected] :
+         {std::pair("LC_ALL=de_DE.ISO-8859-1", "\xE9"), std::pair("LC_ALL=C", "\xC3\xA9"),
+          std::pair("LANG=de_DE.UTF-8", "\xC3\xA9"), std::pair("LANG=el_GR.ISO-8859-7", "?")}) {
+        SCOPED_TRACE(environment);
+        SetEnvironment(environment);
+        char bytes[4];
+        Handle(u"\u00E9").GetCString(bytes, sizeof bytes, true, nullptr);
+        EXPECT_STREQ(expected, bytes);
+        Wordlex text;
+        text.AssignCString(bytes, nullptr);
+        EXPECT_EQ(*expected == '?' ? u"?" : u"\u00E9", TextOf(text));
+    }
+    SetEnvironment(before);
 }
 
 TEST(WordlexFacade, ForwardsChanges) {
