@@ -9,7 +9,7 @@
 #include "app/frontend/Project.h"
 #include "app/frontend/Texts.h"
 #include "app/trace/HostTrace.h"
-#include "host/vexacore/Utility.h"
+#include "app/trace/Printable.h"
 
 namespace frontend {
 namespace {
@@ -157,22 +157,6 @@ void PrintProject(const Project& project) {
               << "\n\n";
 }
 
-// A name in which everything but printable ASCII and UTF-8 is written as "\xE9".
-std::string Printable(const std::string& path) {
-    std::ostringstream text;
-    const bool isUtf8 =
-        vexacore::utility::UTF16toStdString(vexacore::utility::StdToUTF16String(path)) == path;
-    for (const char c : path) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte < ' ' || byte == 0x7F || (!isUtf8 && byte > 0x7F))
-            text << "\\x" << std::hex << std::uppercase << std::setw(2) << std::setfill('0')
-                 << int{byte};
-        else
-            text << c;
-    }
-    return text.str();
-}
-
 // The result is also AppMain's.
 std::int32_t PrintDocument(const std::string& path) {
     const auto [project, failure] = ReadProject(path);
@@ -180,7 +164,7 @@ std::int32_t PrintDocument(const std::string& path) {
         PrintProject(*project);
         return 0;
     }
-    std::cerr << "framewright: cannot use '" << Printable(path) << "': " << failure << '\n';
+    std::cerr << "framewright: cannot use '" << trace::Printable(path) << "': " << failure << '\n';
     std::cout << Filled(Localized(R"($$$/Framewright/Message/CannotRead=)"
                                   R"(The document ^[^1^] could not be read as a project.\n)"
                                   R"(The application will continue without it.)"),

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <string_view>
 
+#include "app/trace/Printable.h"
+
 namespace launcher {
 namespace {
 
@@ -12,7 +14,9 @@ constexpr const char* kAccepted =
 
 constexpr std::string_view kEndOfOptions = "--";
 
-Ending Refused(const std::string& what) { return {what + kAccepted, kBadCommandLine}; }
+Ending Refused(const std::string& what) {
+    return {trace::Printable(what) + kAccepted, kBadCommandLine};
+}
 
 // "--language=", after which the parser would take the next argument.
 bool LacksName(int argc, const char* const* argv) {

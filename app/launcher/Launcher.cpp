@@ -18,6 +18,7 @@
 #include "app/launcher/CommandLine.h"
 #include "app/launcher/Languages.h"
 #include "app/trace/HostTrace.h"
+#include "app/trace/Printable.h"
 #include "host/FWR/Application.h"
 #include "host/FWR/StartupReport.h"
 #include "host/Ovis/Language.h"
@@ -62,8 +63,9 @@ std::optional<Ending> ChooseLanguage(const std::optional<std::string>& wanted,
         std::string accepted;
         for (const auto& name : shipped)
             accepted += (accepted.empty() ? "" : ", ") + name;
-        return Ending{"unknown language '" + *wanted + "' (accepted: " + accepted + ')',
-                      kBadCommandLine};
+        return Ending{
+            "unknown language '" + trace::Printable(*wanted) + "' (accepted: " + accepted + ')',
+            kBadCommandLine};
     }
     const auto language = wanted ? *wanted : BestLanguage(shipped);
     Ovis::SetLanguageString(vexacore::utility::StdToUTF16String(language));
@@ -123,7 +125,7 @@ int Start(const Options& options) {
     if (options.document) {
         const auto cause = vexacore::utility::FileUtils::WhyUnreadable(document);
         if (!cause.empty()) {
-            return Fail({"cannot read '" + *options.document + "': " + cause +
+            return Fail({"cannot read '" + trace::Printable(*options.document) + "': " + cause +
                              " (accepted: the path of a readable project document)",
                          kBadCommandLine});
         }
