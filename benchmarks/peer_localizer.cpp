@@ -38,7 +38,7 @@ struct Localizer : NoPrepare {
         made->localizer.LoadDictionary(vexacore::utility::StdToUTF16String(folder.native()));
         return made;
     }
-    // A miss gives the default text; the harness's keys all have one.
+    // A miss returns the default text; the harness's keys all have one.
     std::size_t get(const char* key) {
         const auto text = localizer.GetLocalizedString(key);
         benchmark::DoNotOptimize(text.data());

@@ -1,4 +1,4 @@
-// Starts `wordlex lsp` for dictionaries, the sources that ask for their texts, and the settings.
+// Starts `wordlex lsp` for dictionaries, the sources that use their texts, and the settings.
 const { workspace } = require("vscode");
 const { LanguageClient } = require("vscode-languageclient/node");
 

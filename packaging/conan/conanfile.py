@@ -1,4 +1,4 @@
-"""Recipe for conan 2: builds the checkout that it stands in."""
+"""Recipe for conan 2: builds the checkout that contains it."""
 import os
 
 from conan import ConanFile

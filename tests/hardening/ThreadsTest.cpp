@@ -26,7 +26,7 @@ protected:
     Threads() {
         Ovis::SetLanguageString(u"en");
         folder.Write("wdictionary.dat",
-                     "\"$$$/A=#{eacute} and a text that is no small block\"\n"
+                     "\"$$$/A=#{eacute} and a text larger than a small block\"\n"
                      "\"$$$/B=b\"\n\"$$$/C=\"");
         EXPECT_TRUE(Load());
         vexacore::config::Localizer::Set(&localizer, {});
@@ -44,12 +44,13 @@ protected:
 
     const TemporaryFolder folder;
     FE::Localizer localizer;
-    const std::vector<Answer> answers = {{"$$$/A=x", u"\u00E9 and a text that is no small block"},
-                                         {"($$$/B=x)", u"b"},
-                                         {"$$$/C=x", u""},
-                                         {"$$$/none=a^Qb", u"a\"b"},
-                                         {"a=b", u"a=b"},
-                                         {"$$$/A", u"$$$/A"}};
+    const std::vector<Answer> answers = {
+        {"$$$/A=x", u"\u00E9 and a text larger than a small block"},
+        {"($$$/B=x)", u"b"},
+        {"$$$/C=x", u""},
+        {"$$$/none=a^Qb", u"a\"b"},
+        {"a=b", u"a=b"},
+        {"$$$/A", u"$$$/A"}};
 };
 
 TEST_F(Threads, GetTheAnswersOfOneWhateverTheOthersDo) {

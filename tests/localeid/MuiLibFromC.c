@@ -1,6 +1,6 @@
 #include "localeid/MuiLib.h"
 
-/* Calls every function of the header from C, with `order` forced; gives the number of entries of
+/* Calls every function of the header from C, with `order` forced; returns the number of entries of
  * `locales` that it placed, and both messages. */
 size_t UseMuiLibFromC(const char** order, const char** locales, const wchar_t* messages[2]) {
     size_t placed;

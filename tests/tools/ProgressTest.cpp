@@ -14,7 +14,7 @@ TEST(Progress, IsToldOnATerminalAfterASecond) {
     int terminal = -1;
     int side = -1;
     if (openpty(&terminal, &side, nullptr, nullptr, nullptr) != 0) {
-        GTEST_SKIP() << "this machine gives no pseudo-terminals";
+        GTEST_SKIP() << "this machine has no pseudo-terminals";
     }
     const int standardError = dup(STDERR_FILENO);
     dup2(side, STDERR_FILENO);
@@ -28,14 +28,14 @@ TEST(Progress, IsToldOnATerminalAfterASecond) {
         EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(900));
     }
     dup2(standardError, STDERR_FILENO);
-    std::string told;
+    std::string shown;
     pollfd more{terminal, POLLIN, 0};
-    while (!told.ends_with("%\r\x1B[K") && poll(&more, 1, 60'000) == 1) {
+    while (!shown.ends_with("%\r\x1B[K") && poll(&more, 1, 60'000) == 1) {
         char piece[100];
-        told.append(piece, static_cast<std::size_t>(read(terminal, piece, sizeof piece)));
+        shown.append(piece, static_cast<std::size_t>(read(terminal, piece, sizeof piece)));
     }
-    EXPECT_TRUE(told.starts_with("\r\x1B[Kwordlex: checking slow: 50 %")) << told;
-    EXPECT_TRUE(told.ends_with("%\r\x1B[K")) << told;
+    EXPECT_TRUE(shown.starts_with("\r\x1B[Kwordlex: checking slow: 50 %")) << shown;
+    EXPECT_TRUE(shown.ends_with("%\r\x1B[K")) << shown;
     for (const int descriptor : {terminal, side, standardError})
         close(descriptor);
 }

@@ -103,7 +103,7 @@ TEST(DictionaryReaderLines, OfEightBitTextAlone) {
     // Without a mark UTF-16 is 8-bit text and ends at its first 0 byte; UTF-8's mark is text.
     EXPECT_EQ(LinesOf(Utf16(u"ab", false)), Lines{u"a"});
     EXPECT_EQ(LinesOf("\xEF\xBB\xBF\"k=\xC3\xA9\""), Lines{u"\uFEFF\"k=\u00E9\""});
-    EXPECT_EQ(LinesOf("a\n\xC3\nb"), (Lines{u"a", u"", u"b"})) << "bytes that are no text";
+    EXPECT_EQ(LinesOf("a\n\xC3\nb"), (Lines{u"a", u"", u"b"})) << "bytes that are not text";
     EXPECT_EQ(LinesOf("x"), Lines{u"x"});
 }
 

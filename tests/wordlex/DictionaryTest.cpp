@@ -128,7 +128,7 @@ TEST(DictionaryLookup, OwnThenMainThenDefault) {
             main->SetAsMain();
             EXPECT_EQ(Lookup(*own, "$$$/both=default"), u"own");
             EXPECT_EQ(Lookup(*own, "$$$/main=default"), u"main");
-            EXPECT_EQ(Lookup(*own, "$$$/empty=default"), u"") << "found and empty is the answer";
+            EXPECT_EQ(Lookup(*own, "$$$/empty=default"), u"") << "found, and empty";
             EXPECT_FALSE(own->HasKey("/main", nullptr));
             const unsigned short* units = nullptr;
             unsigned long length = 0;
@@ -219,7 +219,7 @@ TEST(DictionaryEnumeration, BuffersAndRestarts) {
         const auto dictionary = FromText(u"\"abcd=1\"", compact);
         char buffer[5] = "????";
         EXPECT_TRUE(dictionary->NextKey(buffer, sizeof buffer, true));
-        EXPECT_STREQ(compact ? "abcd" : "", buffer) << "ahead of a pass";
+        EXPECT_STREQ(compact ? "abcd" : "", buffer) << "before a pass";
         ASSERT_TRUE(dictionary->HasMoreKey());
         EXPECT_FALSE(dictionary->NextKey(buffer, 4, false));
         EXPECT_FALSE(dictionary->NextKey(nullptr, 99, false));
@@ -227,7 +227,7 @@ TEST(DictionaryEnumeration, BuffersAndRestarts) {
         EXPECT_TRUE(dictionary->NextKey(buffer, 5, true));
         EXPECT_STREQ(buffer, "abcd");
         EXPECT_EQ(dictionary->ReSetKeyEnumeration(), compact);
-        EXPECT_EQ(dictionary->HasMoreKey(), compact) << "the pass of the hash table goes on";
+        EXPECT_EQ(dictionary->HasMoreKey(), compact) << "the pass of the hash table continues";
     }
 }
 

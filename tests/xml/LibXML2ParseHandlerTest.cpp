@@ -187,7 +187,7 @@ TEST(Handler, ThrowingAtAnyEventEndsTheParse) {
             if (events++ == thrower) throw std::runtime_error("handler");
         });
         EXPECT_EQ(kParseFailed, result) << thrower;
-        EXPECT_EQ(thrower + 1, events) << "none behind the one that threw";
+        EXPECT_EQ(thrower + 1, events) << "none after the one that threw";
         EXPECT_EQ(whole.substr(0, log.size()), log);
     }
 }
@@ -329,7 +329,7 @@ TEST(Limits, EndDocumentsThatNestOrListTooMuch) {
         CheckCode(expected, dtd + "<!ATTLIST a a CDATA ''><!ATTLIST a b (a", 9'998 + extra, "|a#",
                   ") #IMPLIED>]><a/>");
     }
-    CheckCode(kParseSucceeded, "<a>text is no tag", 20'000, " a=''|", "</a>");
+    CheckCode(kParseSucceeded, "<a>text is not a tag", 20'000, " a=''|", "</a>");
     CheckCode(kParseSucceeded, "<a><![CDATA[1 < 2", 20'000, " a=''|", "]]></a>");
     CheckCode(kParseSucceeded, "<a><![CDATA[x<y", 20'000, " 'a',", "]]></a>");
 }

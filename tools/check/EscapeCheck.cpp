@@ -45,8 +45,8 @@ public:
         if (replacement != 0) return;
         const bool isHat = escape == '^';
         if (unit == escape) {
-            const std::size_t behind = position + 2;
-            if (isHat && behind < written.size() && IsDigit(written[behind])) {
+            const std::size_t after = position + 2;
+            if (isHat && after < written.size() && IsDigit(written[after])) {
                 add(Rule::kDoubledHat, position, 3,
                     Quoted(position, 3) + " is stored as " + Quoted(position + 1, 2) +
                         ", which is a marker: a doubled \"^\" does not protect it");

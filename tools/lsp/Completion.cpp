@@ -68,7 +68,7 @@ void AddEntities(const Context& context, std::size_t begun, Json& items) {
         const bool isWord = entity->codePoint == 0;
         items.push_back(Item("#{" + name + "}", isWord ? kKeyword : kConstant,
                              isWord ? "" : Meaning(entity->codePoint), range, name + "}"));
-        items.back()["filterText"] = name + "}";  // "#{" stands before the range
+        items.back()["filterText"] = name + "}";  // "#{" is before the range
     }
 }
 

@@ -34,9 +34,9 @@ ArrayImage::ArrayImage(ImageReader& reader, std::uint32_t storeTotal) {
     ReadAccelerators(reader);
     if (!reader.Ok()) return;
     const std::uint32_t alive = array.keyed ? HashKeys() : 0;
-    // The count is between what is certainly alive and what there is at all, so that it cannot wrap
-    // when entries are removed. In between the image knows best: an empty key with an empty value
-    // counts too. An image that declares none brings none.
+    // The count is at least that of the certainly living entries and at most that of all, so that
+    // it cannot wrap when entries are removed. In between the image's count applies: an empty key
+    // with an empty value counts too. With a count of 0, nothing is loaded.
     if (declaredLiveCount != 0) liveCount = std::clamp(declaredLiveCount, alive, array.entryCount);
 }
 
@@ -81,7 +81,7 @@ void ArrayImage::ReadAccelerators(ImageReader& reader) {
 }
 
 // In the order of the entries, which is that of the key area: the lists would jump about in it.
-// An entry without key and value was removed. One with a value alone has the empty key.
+// An entry without key and value was removed. One with only a value has the empty key.
 std::uint32_t ArrayImage::HashKeys() {
     hashedKeys = Table<HashedKey>(array.entryCount);
     std::uint32_t alive = 0;

@@ -41,8 +41,8 @@ public:
     static void operator delete(DictionaryEntry* entry, std::destroying_delete_t) noexcept;
 
     const UnicodeRun& GetValue() const noexcept { return value; }
-    // The units of the value, in place. They are kept beside the key: a hit that only wants to know
-    // where they are waits for no memory of the value.
+    // The units of the value, in place. Their address is stored beside the key, so a hit that only
+    // needs the address does not wait for the value's memory.
     std::span<const unsigned short> GetUnits() const noexcept { return units; }
 
     // The key's form, then the value's; as text one line of a text dictionary. Sequences in a

@@ -10,8 +10,8 @@ namespace {
 // A key of this length and more is not recognised when an image is merged.
 constexpr unsigned long kMergedKeyLimit = 1024;
 
-// Where the index holds an entry that an image lists in a slot: in the slot of its key under the
-// hash of the key, in each other slot under a hash that no search by key asks for.
+// The index's hash for an entry that an image lists in a slot: in the slot of its key the hash of
+// the key, in each other slot a hash that no search by key uses.
 std::uint32_t SlotHash(const ArrayImage& image, std::uint16_t slot, std::uint32_t entry) noexcept {
     constexpr std::uint32_t kOdd = 0x9E3779B1;  // so that every slot makes another hash
     const ArrayImage::HashedKey& key = image.hashedKeys[entry];
@@ -54,7 +54,8 @@ ImageResult FastArray::Load(ImageReader& reader) {
 
 std::vector<FastArray::Update> FastArray::TakeHeldKeys(ArrayImage& image) {
     std::vector<Update> updates;
-    std::vector<std::uint32_t> updateOf(totalCount, kNoId);  // index of each held entry's update
+    std::vector<std::uint32_t> updateOf(totalCount,
+                                        kNoId);  // index of each existing entry's update
     cFarray& array = image.array;
     array.FilterListed([&](std::uint16_t slot, std::uint32_t entry) {
         const std::uint16_t keyLength = array.keys.Length(entry);

@@ -10,7 +10,7 @@ namespace lexon_private {
 // Immutable, shared UTF-16 text: a ByteRun of code units in host byte order, not terminated.
 // Owns:     one reference to the shared value; copies and assignments share it.
 // Equality: identity of the shared value, as ByteRun; all empty runs are equal.
-// UnicodeUtil::Compare compares texts.
+//           UnicodeUtil::Compare compares texts.
 // Threads:  none. The process-wide empty run is counted too, so runs in several threads need one
 //           lock even when their texts are unrelated.
 class UnicodeRun {

@@ -372,12 +372,12 @@ bool Wordlex::BackDoorParamSubstitute(const char* name, const Wordlex& value, in
     const std::optional<TagRange> tag = FindParamTag(text, units, occurrence);
     if (!tag) return false;
     const Units before = text.first(tag->first);
-    const Units behind = text.subspan(tag->end);
-    *this = Filled(before.size() + value.GetLength() + behind.size(), [&](unsigned short* out) {
+    const Units after = text.subspan(tag->end);
+    *this = Filled(before.size() + value.GetLength() + after.size(), [&](unsigned short* out) {
         UnitWriter writer{out};
         writer.Put(before);
         writer.Put(UnitsOf(value));
-        writer.Put(behind);
+        writer.Put(after);
     });
     return true;
 }
@@ -438,9 +438,9 @@ void Wordlex::RemoveBadFilenameCharacters() { ChangeUnits(u':', u'-'); }
 
 bool Wordlex::RemoveExtension() {
     const Units text = UnitsOf(*this);
-    const auto behindDot = std::find(text.rbegin(), text.rend(), u'.').base();
-    if (behindDot == text.begin()) return false;
-    *this = StringOf({text.begin(), behindDot - 1});
+    const auto afterDot = std::find(text.rbegin(), text.rend(), u'.').base();
+    if (afterDot == text.begin()) return false;
+    *this = StringOf({text.begin(), afterDot - 1});
     return true;
 }
 
