@@ -31,7 +31,7 @@ void GetMacOsLang(std::string& result) {
             continue;
         }
         if (!result.empty()) result += ';';
-        result += name.c_str();
+        result.append(name, 0, name.find('\0'));
     }
 }
 
