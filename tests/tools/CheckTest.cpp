@@ -143,6 +143,9 @@ const Row kTranslationRows[] = {
     {__LINE__, "\"/Q=Beenden. \"", "1:12 final-punctuation "},
     {__LINE__, "\"/R=^2 von ^1, ^1.\"", "1:16 repeated-marker "},
     {__LINE__, "\"/R=%d von ^2.\"", "1:5 missing-marker "},
+    {__LINE__, "\"/R=^1 \"von\" ^2.\"", "1:9 text-after-mark "},
+    {__LINE__, "\"/R=^1 von", "1:1 unclosed-quote "},
+    {__LINE__, "\"/R=^1 von ^2\\\"", "1:14 trailing-backslash "},
     {__LINE__, "\"/R=^1 \xE0\xB8\x82\xE0\xB8\xAD\xE0\xB8\x87 ^2\"", ""},
 };
 

@@ -31,6 +31,7 @@ struct Definition {
     std::uint64_t firstLine = 0;
     std::size_t firstLineBegin = 0;
     Text value;
+    bool isWhole = true;  // false where the value is not the text that the author wrote
     bool untranslated = false;
     bool stale = false;
     bool isMessage = false;  // by its own line

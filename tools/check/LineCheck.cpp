@@ -91,7 +91,7 @@ void LineCheck::Check() {
     parts.key = {key, keyLength};
     parts.value = {value, valueLength};
     parts.hasEquals = value != key + keyLength;
-    CheckMarks(parts);
+    entry.isWhole = CheckMarks(parts);
     CheckKey(parts);
     if (parts.opening != nullptr) CheckEquals(parts);
     if (entry.untranslated) {
@@ -147,13 +147,13 @@ void LineCheck::TakeAnnotations(Units comment, Definition& entry) {
     if (!annotations.from.empty()) entry.from = annotations.from;
 }
 
-void LineCheck::CheckMarks(const Parts& parts) {
+bool LineCheck::CheckMarks(const Parts& parts) {
     const Units line = scanner.Line();
     if (parts.opening == nullptr) {
         Add(Rule::kUnquotedLine, line,
             "no quotation marks: the line becomes an entry with the key " +
                 ShowKey(Narrow(parts.key)));
-        return;
+        return false;
     }
     if (parts.closing != nullptr) return CheckOutside(parts);
     // The last mark of the line is escaped: was it meant to close?
@@ -165,10 +165,11 @@ void LineCheck::CheckMarks(const Parts& parts) {
         Add(Rule::kUnclosedQuote, {parts.opening, 1},
             "the quotation mark is not closed: the entry runs to the end of the line");
     }
+    return false;
 }
 
 // Checks the text outside the quotation marks of a closed entry.
-void LineCheck::CheckOutside(const Parts& parts) {
+bool LineCheck::CheckOutside(const Parts& parts) {
     const Units line = scanner.Line();
     const Units before = WithoutBlanks({line.data(), parts.opening});
     if (BeginsComment(before)) {
@@ -176,7 +177,7 @@ void LineCheck::CheckOutside(const Parts& parts) {
             ShowRaw(before) + " does not switch the entry off: the loader reads it");
     }
     const Units after = WithoutBlanks({parts.closing + 1, line.data() + line.size()});
-    if (after.empty() || BeginsComment(after)) return;
+    if (after.empty() || BeginsComment(after)) return true;
     const bool isCut = after.data() == parts.closing + 1 && IsWordPart(after.front());
     if (isCut || std::ranges::find(after, u'"') != after.end()) {
         Add(Rule::kTextAfterMark, after,
@@ -184,6 +185,7 @@ void LineCheck::CheckOutside(const Parts& parts) {
                 " after the closing quotation mark is lost; a quotation mark inside "
                 "a text is written \\\", and each entry has a line of its own");
     }
+    return !isCut;
 }
 
 void LineCheck::CheckKey(const Parts& parts) {

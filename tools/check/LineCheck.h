@@ -32,8 +32,9 @@ private:
              std::optional<std::string> key = std::nullopt);
     bool IsOfConflict();
     void TakeAnnotations(Units comment, Definition& entry);
-    void CheckMarks(const Parts& parts);
-    void CheckOutside(const Parts& parts);
+    // False where the value is not the text that the author wrote.
+    bool CheckMarks(const Parts& parts);
+    bool CheckOutside(const Parts& parts);
     void CheckKey(const Parts& parts);
     void CheckEquals(const Parts& parts);
     Text CheckValue(const Parts& parts);

@@ -36,7 +36,7 @@ public:
           original(UnitsOf(entryOfReference.value)) {}
 
     void Run() {
-        if (here.untranslated || IsWithoutEquals()) return;
+        if (here.untranslated || !here.isWhole || IsWithoutEquals()) return;
         const bool isStale = IsStale();
         if (text.empty()) {
             if (!original.empty()) {
