@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <sstream>
 #include <string>
 
 #include "tests/wordlex/Text.h"
@@ -24,6 +25,16 @@ void CheckAll(std::u16string_view rows) {
         EXPECT_EQ(row.substr(arrow + 1),
                   Text(DictionaryEntry::ConvertEscapeSequences(units.data(), units.size())));
     }
+}
+
+TEST(DictionaryEntry, ReportsTheBytesOfKeyAndValueInBinaryAndOfTheValueInText) {
+    const auto units = Units(u"v\"");
+    const DictionaryEntry entry(lexon_private::ByteRunKey(Bytes("key"), 3, true), units.data(), 2);
+    std::ostringstream binary;
+    EXPECT_EQ(3U + 4U, entry.Serialize(binary, true, nullptr));
+    EXPECT_EQ(7U, binary.str().size());
+    std::ostringstream text;
+    EXPECT_EQ(6U, entry.Serialize(text, false, nullptr));  // with the mark's "\"
 }
 
 TEST(DictionaryEntryEscapes, BackslashAndHatTakeOneUnit) {
