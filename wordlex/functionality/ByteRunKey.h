@@ -35,8 +35,8 @@ public:
                             const lexon::EncodingInfo* encoding) const override;
     unsigned long Hash(unsigned long bucketCount) const override;
     // `other` is a ByteRunKey.
-    bool operator==(const HashItem& other) const override;
-    std::uint32_t KeyHash() const override;
+    bool operator==(const HashItem& other) const final;
+    std::uint32_t KeyHash() const final;
 
 private:
     static const unsigned char* CopyBytes(const unsigned char* bytes, unsigned long byteCount);

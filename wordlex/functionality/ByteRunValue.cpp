@@ -6,7 +6,7 @@
 
 namespace lexon_private {
 
-static_assert(sizeof(ByteRunValue) % alignof(unsigned short) == 0,
+static_assert(sizeof(ByteRunValue) % alignof(void*) == 0,
               "the bytes after the object serve as UTF-16 units");
 
 ByteRunValue* ByteRunValue::FindOrMake(const unsigned char* bytes, unsigned long byteCount,

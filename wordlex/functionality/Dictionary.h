@@ -27,7 +27,7 @@ struct BinaryHeader;
 //           operation returns its failure value.
 // Main:     one dictionary of the process may be the main one. Look-ups in every other one fall
 //           back to it.
-// Threads:  none, including const members: searches and enumerations write scratch state.
+// Threads:  none, including const members: results share counted values, enumerations keep a place.
 // Loading adds to the content. A load that fails leaves:
 //
 //   input                                           valid   content of the dictionary afterwards

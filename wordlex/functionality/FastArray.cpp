@@ -15,7 +15,7 @@ bool IsDead(const cFarray& array, std::uint32_t entry) {
 }
 
 UnicodeRun RunOf(const unsigned short* units, unsigned long unitCount) {
-    return unitCount == 0 ? UnicodeRun() : UnicodeRun(units, unitCount);
+    return unitCount == 0 ? UnicodeRun() : UnicodeRun::WithRoom(units, unitCount);
 }
 
 // Room for one more item, growing so that appending stays cheap.

@@ -30,11 +30,12 @@ enum class ImageResult {
 // added entries are a list of arrays.
 //
 // A key is found through the index. KeyHash leads to the ids with that hash; the result is the
-// first one with equal key bytes. The 1021 slots of ids that images contain are kept unchanged, to
-// be written again; they are not searched. But they decide what can be found: the index contains an
-// id once for each slot that lists it, under SlotHash of its key and the slot. A search by key
-// looks only where the key belongs. So a key that an image lists in a wrong slot is not found, and
-// of equal keys the one listed first is.
+// first one with equal key bytes. The 1021 slots of ids that images contain are kept to be written
+// again, without the ids of merged entries; they are not searched. But they decide what can be
+// found: an id that is listed in the slot of its key is in the index under the hash of its key.
+// One that is listed in another slot is there under another hash, for the next image that is
+// merged. So a key that an image lists in a wrong slot is not found by its key, and of equal keys
+// the one listed first is found.
 //
 // Owns:      everything in it; nothing refers to an image once it is loaded.
 // Ids:       32 bits, from 0 without gaps in the order of loading and adding; kNoId means none. An
@@ -99,9 +100,9 @@ public:
     // is merged: an existing key keeps its id and gets the new value, and the new entry is dead and
     // not listed. Keys of 1,024 bytes and more are never recognised as existing. An image whose
     // base is the store's next id is appended unchanged. An empty store treats any base as 0. The
-    // live count is limited to what the tables allow; with 0, nothing is loaded. A key listed in
-    // the wrong slot is not found; one listed twice is found once. A writable array is closed, so
-    // that the next added entry follows the image.
+    // live count becomes at least that of the entries that are certainly alive and at most that of
+    // all; with 0, nothing is loaded. A key listed in the wrong slot is not found; one listed twice
+    // is found once. A writable array is closed, so that the next added entry follows the image.
     ImageResult Load(ImageReader& reader);
     // The same from the stream's position or from memory; the other arguments are unused. Always
     // returns 0; Load reports more.

@@ -13,6 +13,7 @@ namespace lexon_private {
 
 // A hash table that reads the bodies of version 1 files: entries of type Entry, found by Key. New
 // entries are inserted before the older ones of their bucket, in file order.
+// Items:   every item inserted is an Entry.
 // Keys:    copied, or with `copyKeys` false borrowed from an image in memory, which must then
 //          outlive the table. Keys from a stream are always copied.
 // Values:  with encoding byte 0 they are UTF-16, big-endian in version 1.5 and little-endian in

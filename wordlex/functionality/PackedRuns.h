@@ -17,7 +17,6 @@ namespace lexon_private {
 //            readers need not check. Bytes that are written in place are part of no other string.
 // Cost:      strings that share bytes may add up to sixteen times the bytes read for them, so that
 //            no image costs much more than its size. An image with more is refused.
-//            image costs much more than its size; with more than that an image is refused.
 template <class Unit>
 class PackedRuns {
 public:

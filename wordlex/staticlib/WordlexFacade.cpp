@@ -27,7 +27,8 @@ namespace {
 class HeldText final : public lexon_private::Wordlex {
 public:
     static lexon_private::Wordlex* Make(lexon_private::Wordlex text) {
-        static_assert(sizeof(HeldText) <= lexon_private::ByteRunValue::kRoom);
+        static_assert(sizeof(HeldText) <= lexon_private::ByteRunValue::kRoom &&
+                      alignof(HeldText) <= alignof(void*));
         void* const room = text.TakeRoom();
         if (room == nullptr) return new HeldText(std::move(text));
         auto* const held = ::new (room) HeldText(std::move(text));

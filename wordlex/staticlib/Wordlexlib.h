@@ -108,6 +108,7 @@ public:
     Wordlex(unsigned int id, unsigned long which, const EncodingInfo* encoding);
     explicit Wordlex(long value);  // the decimal digits of `value`
     explicit Wordlex(const lexon_private::Wordlex& text);
+    // Takes the text; `text` can then only be assigned to and destroyed, even after an exception.
     explicit Wordlex(lexon_private::Wordlex&& text);
     Wordlex(const Wordlex& other);
     Wordlex& operator=(const Wordlex& other);
