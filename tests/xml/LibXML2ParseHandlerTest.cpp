@@ -363,8 +363,8 @@ TEST(Limits, NameThemselvesInTheFailure) {
         {"the document is empty", ""},
     };
     for (const auto& [expected, document] : rows) {
-        Observe([&, reason = expected](auto& parser) {
-            const auto result = parser.ParseBuffer(ByteString(document));
+        Observe([reason = expected, &text = document](auto& parser) {
+            const auto result = parser.ParseBuffer(ByteString(text));
             EXPECT_EQ(reason, parser.LastFailure());
             return result;
         });
