@@ -188,7 +188,7 @@ private:
         for (const std::string_view begin : {"#{macos}", "#{mswindows}", "#{ios}", "#{android}"}) {
             const auto has = [&begin](Units units) {
                 return std::search(units.begin(), units.end(), begin.begin(), begin.end()) !=
-                       text.end();
+                       units.end();
             };
             if (!has(wanted) || has(written)) continue;
             Add(Rule::kMissingSection,
