@@ -7,7 +7,7 @@
 #include <string>
 
 #include "fuzz/Require.h"
-#include "tests/catalog/SameAnswers.h"
+#include "tests/wordlex/catalog/SameAnswers.h"
 #include "wordlex/catalog/IndexSection.h"
 
 namespace {

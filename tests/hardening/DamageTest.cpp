@@ -6,12 +6,12 @@
 #include <ctime>
 #include <set>
 
-#include "tests/catalog/SameAnswers.h"
 #include "tests/hardening/Memory.h"
 #include "tests/hardening/Snapshot.h"
 #include "tests/hardening/Streams.h"
 #include "tests/wordlex/Images.h"
 #include "tests/wordlex/Text.h"
+#include "tests/wordlex/catalog/SameAnswers.h"
 #include "wordlex/functionality/Dictionary.h"
 
 namespace hardening {

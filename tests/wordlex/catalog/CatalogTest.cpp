@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "tests/TemporaryFolder.h"
-#include "tests/catalog/SameAnswers.h"
 #include "tests/wordlex/Images.h"
+#include "tests/wordlex/catalog/SameAnswers.h"
 #include "wordlex/catalog/IndexSection.h"
 
 namespace catalog_tests {
