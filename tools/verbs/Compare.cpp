@@ -39,10 +39,9 @@ bool Same(const Entry& a, const Entry& b) {
     return a.value == b.value && a.accelerator == b.accelerator;
 }
 
-// One difference. An entry that does not exist is null.
-std::string Line(const Entry* before, const Entry* after, bool json) {
+// One difference, of the entry `named`. Before or after is null when it does not exist.
+std::string Line(const Entry& named, const Entry* before, const Entry* after, bool json) {
     const char* const what = before == nullptr ? "added" : after == nullptr ? "removed" : "changed";
-    const Entry& named = before == nullptr ? *after : *before;
     if (!json) {
         std::string line = std::string(what) + ' ' + ShowName(named) + ": ";
         if (before != nullptr) line += ShowEntry(*before);
@@ -77,11 +76,13 @@ std::string Differences(const Content& before, const Content& after, bool json) 
     auto is = now.begin();
     while (was != old.end() || is != now.end()) {
         if (is == now.end() || (was != old.end() && Before(*was, *is))) {
-            lines += Line(*was++, nullptr, json);
+            lines += Line(**was, *was, nullptr, json);
+            ++was;
         } else if (was == old.end() || Before(*is, *was)) {
-            lines += Line(nullptr, *is++, json);
+            lines += Line(**is, nullptr, *is, json);
+            ++is;
         } else {
-            if (!Same(**was, **is)) lines += Line(*was, *is, json);
+            if (!Same(**was, **is)) lines += Line(**was, *was, *is, json);
             ++was;
             ++is;
         }
