@@ -9,9 +9,10 @@ namespace FE {
 // The application's localizer: looks up the host's texts in one dictionary.
 //
 // Owns:     the dictionary that all files are loaded into. A later text replaces an earlier one
-//           with the same key. But a binary file of version 2 hides every text loaded before it
-//           from a text file, for good. So once the computer's shared dictionary is binary, a text
-//           dictionary of the application is never searched. The other way round they add up.
+//           with the same key. But a file of version 2 hides every text loaded before it from a
+//           text file or a binary file of version 1, for good. So once the computer's shared
+//           dictionary is of version 2, such a file of the application is never searched. The other
+//           way round they add up.
 // Failure:  a look-up without a dictionary or a key returns the default text after "=". Once a file
 //           with malformed content was read, a look-up returns the key text itself; for a key in
 //           parentheses, the text inside. Exhausted memory throws, as does a text that is too long
