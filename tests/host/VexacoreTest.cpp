@@ -2,9 +2,9 @@
 
 #include <optional>
 #include <thread>
+#include <tuple>
 
 #include "host/Foundation/Foundation.h"
-#include "host/HUIF/Initializer.h"
 #include "host/vexacore/Debug.h"
 #include "host/vexacore/ErrorManager.h"
 #include "host/vexacore/Threads.h"
@@ -46,14 +46,6 @@ TEST(ErrorManager, ReserveServesTheNewHandlerOnce) {
               events);
 }
 
-TEST(UserInterface, IsUpWhileAnInitializerLives) {
-    {
-        const HUIF::Initializer initializer;
-        EXPECT_EQ(1U, HUIF::Initializer::LiveCount());
-    }
-    EXPECT_EQ(0U, HUIF::Initializer::LiveCount());
-}
-
 TEST(RecursiveMutex, LetsOneThreadInAndThatOneAgain) {
     threads::RecursiveMutex mutex;
     int count = 0;
@@ -80,20 +72,41 @@ TEST(Foundation, FindsTheApplicationSupportFolder) {
     const std::string none = base / "none", old = base / "old", share = base / "share";
     const std::pair<std::string, std::string> rows[] = {
         {"", "/usr/local/share"},
-        {none + ":" + old, none},
-        {"share:" + old + "::" + share, share},
-        {share + ":" + none, share},
-        {"share:", "no folder"},
-        {"/\xFF", "no folder"},
+        {"XDG_DATA_DIRS=", "/usr/local/share"},
+        {"XDG_DATA_DIRS=" + none + ":" + old, none},
+        {"XDG_DATA_DIRS=share:" + old + "::" + share, share},
+        {"XDG_DATA_DIRS=" + share + ":" + none, share},
+        {"XDG_DATA_DIRS=share:", "no folder"},
+        {"XDG_DATA_DIRS=/\xFF", "no folder"},
     };
-    for (const auto& [variable, expected] : rows) {
-        SetEnvironment("XDG_DATA_DIRS=" + variable);
+    const auto& manager = NSFileManager::DefaultManager();
+    for (const auto& [environment, expected] : rows) {
+        SetEnvironment(environment);
         std::optional<NSError> error;
-        const auto url = NSFileManager::DefaultManager().URLForDirectory(
-            NSApplicationSupportDirectory, NSLocalDomainMask, nullptr, false, &error);
+        const auto url = manager.URLForDirectory(NSApplicationSupportDirectory, NSLocalDomainMask,
+                                                 nullptr, false, &error);
         EXPECT_EQ(expected,
                   error ? "no folder" : utility::UTF16toStdString(utility::MACtoVEXA(url->Path())))
-            << variable;
+            << environment;
+    }
+    SetEnvironment("XDG_DATA_DIRS=" + share);
+    const auto url = manager.URLForDirectory(NSApplicationSupportDirectory, NSLocalDomainMask,
+                                             nullptr, false, nullptr);
+    ASSERT_TRUE(url);
+    const std::tuple<int, int, const NSURL*, bool> others[] = {
+        {9, NSLocalDomainMask, nullptr, false},              // the documents
+        {NSApplicationSupportDirectory, 1, nullptr, false},  // the user's own
+        {NSApplicationSupportDirectory, NSLocalDomainMask, &*url, false},
+        {NSApplicationSupportDirectory, NSLocalDomainMask, nullptr, true},
+    };
+    for (const auto& [directory, domain, relativeTo, create] : others) {
+        std::optional<NSError> error;
+        for (std::optional<NSError>* const told : {&error, decltype(&error)(nullptr)})
+            EXPECT_FALSE(manager.URLForDirectory(NSSearchPathDirectory(directory),
+                                                 NSSearchPathDomainMask(domain), relativeTo, create,
+                                                 told));
+        EXPECT_EQ("only the local Application Support folder is known",
+                  error.value_or(NSError{}).localizedDescription);
     }
 }
 
