@@ -102,7 +102,12 @@ template <class Digit>
 concept Replaces = requires(Wordlex text, Digit digit) {
     text.Replace(digit, text);
 };
+template <class Digit>
+concept AsksForReplacement = requires(Wordlex text, Digit digit) {
+    text.WillReplace(digit);
+};
 static_assert(Replaces<unsigned char> && Replaces<int> && !Replaces<char>);
+static_assert(AsksForReplacement<unsigned char> && !AsksForReplacement<char>);
 static_assert(!std::is_constructible_v<lexon::Dictionary, const char*>);
 static_assert(std::is_nothrow_move_constructible_v<lexon::Dictionary>);
 
