@@ -43,6 +43,14 @@ std::unique_ptr<Startup::VEXAInitializer> BringUpHost() noexcept {
     return nullptr;
 }
 
+void ReportNoFrontEnd() noexcept {
+    try {
+        FWR::ReportStartup(StartupStage::kNoFrontEnd, Ovis::Module::LastFailure());
+    } catch (const std::bad_alloc&) {  // the failure is clear, its cause is lost
+        FWR::ReportStartup(StartupStage::kNoFrontEnd, "out of memory");
+    }
+}
+
 }  // namespace
 
 extern "C" [[gnu::visibility("default")]] std::int32_t Run(std::intptr_t first, std::int32_t second,
@@ -62,8 +70,9 @@ extern "C" [[gnu::visibility("default")]] std::int32_t Run(std::intptr_t first, 
     const bool loaded = status >= 0 && frontend;
     void* const entry = loaded ? frontend->GetProcAddress(kStrAppMain.c_str()) : nullptr;
     if (!entry) {
+        // Nothing may throw once the measurement has ended: the end mark says that Run returns.
+        ReportNoFrontEnd();
         EndMeasurement();
-        FWR::ReportStartup(StartupStage::kNoFrontEnd, Ovis::Module::LastFailure());
         return 1;
     }
     FWR::ReportStartup(StartupStage::kFrontEndReached, {});

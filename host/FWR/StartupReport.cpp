@@ -9,11 +9,12 @@ StartupReport report;
 }
 
 void ReportStartup(StartupStage stage, std::string_view cause) noexcept {
+    const bool failed = stage == StartupStage::kHostFailed || stage == StartupStage::kNoFrontEnd;
     report.stage = stage;
-    report.cause.clear();
     try {
-        report.cause = cause;
-    } catch (const std::bad_alloc&) {  // the stage must do
+        report.cause = failed && cause.empty() ? "unknown cause" : cause;
+    } catch (const std::bad_alloc&) {
+        report.cause = "out of memory";  // short enough to need none
     }
 }
 

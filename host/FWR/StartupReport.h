@@ -10,18 +10,19 @@
 namespace FWR {
 
 enum class StartupStage {
-    kNone,             // none reported: Run refused its cookie, or threw before the front end
+    kNone,             // Run refused its cookie, or threw before it had tried to load the front end
     kHostFailed,       // the host framework could not be set up
     kNoFrontEnd,       // the front end could not be loaded, or has no entry
-    kFrontEndReached,  // what Run returned or threw is the front end's
+    kFrontEndReached,  // the front end's entry was found, and Run calls it
 };
 
 struct StartupReport {
     StartupStage stage = StartupStage::kNone;
-    std::string cause;  // of a failure: one line for people in UTF-8; empty when unknown
+    std::string cause;  // of a failure: one line for people in UTF-8; empty without a failure
 };
 
-// Never throws. Without memory for the cause, the cause is left out.
+// Never throws. The cause of a failure is "unknown cause" when `cause` is empty, and "out of
+// memory" when there is none to keep it.
 void ReportStartup(StartupStage stage, std::string_view cause) noexcept;
 StartupReport GetStartupReport();
 
