@@ -164,11 +164,12 @@ std::int32_t PrintDocument(const std::string& path) {
         PrintProject(*project);
         return 0;
     }
-    std::cerr << "framewright: cannot use '" << trace::Printable(path) << "': " << failure << '\n';
+    const auto name = trace::Printable(path);
+    std::cerr << "framewright: cannot use '" << name << "': " << trace::Printable(failure) << '\n';
     std::cout << Filled(Localized(R"($$$/Framewright/Message/CannotRead=)"
                                   R"(The document ^[^1^] could not be read as a project.\n)"
                                   R"(The application will continue without it.)"),
-                        {path})
+                        {name})
               << "\n\n";
     return kDocumentUnusable;
 }

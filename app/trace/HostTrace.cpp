@@ -5,6 +5,7 @@
 #include <iostream>
 #include <string>
 
+#include "app/trace/Printable.h"
 #include "host/Ovis/Language.h"
 #include "host/vexacore/Config.h"
 #include "host/vexacore/Debug.h"
@@ -21,7 +22,9 @@ using namespace vexacore;
 
 const char* Presence(const void* object) { return object != nullptr ? "installed" : "none"; }
 
-std::string Quoted(const UTF16String& text) { return '"' + utility::UTF16toStdString(text) + '"'; }
+std::string Quoted(const UTF16String& text) {
+    return '"' + Printable(utility::UTF16toStdString(text)) + '"';
+}
 
 // Nothing for a folder without a path.
 std::string InFolder(const filesupport::Dir& folder) {
@@ -49,7 +52,7 @@ void PrintHistory() {
     const auto printLine = [](debug::Clock::duration since, std::string_view text) {
         using Milliseconds = std::chrono::duration<double, std::milli>;
         std::clog << std::fixed << std::setprecision(3) << std::setw(10)
-                  << Milliseconds(since).count() << " ms  " << text << '\n';
+                  << Milliseconds(since).count() << " ms  " << Printable(text) << '\n';
     };
     const auto events = debug::HostEvents::All();
     std::clog << "events:\n";

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace trace {
 
-// A text that may come from anywhere, as part of one line: control characters become "\x0A", and in
-// a text that is not UTF-8 every byte above 0x7F does, too.
-std::string Printable(const std::string& text);
+// A text that may come from anywhere, as part of one line that shows all of it. Each byte of a
+// control character, a line separator, an invisible or direction mark, and each byte that is not
+// part of UTF-8, becomes "\x" and two hexadecimal digits. A backslash is doubled.
+std::string Printable(std::string_view text);
 
 }  // namespace trace
