@@ -32,8 +32,8 @@ std::variant<Options, Ending> ParseCommandLine(int argc, const char* const* argv
     Options options;
     app.set_version_flag("--version", version);
     app.add_option("--language", options.language,
-                   "UI language, one of those shipped; else the environment's (LANGUAGE, LC_ALL, "
-                   "LC_MESSAGES, LANG)")
+                   "UI language, one that has a dictionary; else the environment's (LANGUAGE, "
+                   "LC_ALL, LC_MESSAGES, LANG)")
         ->type_name("X");
     app.add_flag("--trace", options.trace,
                  "print on standard error what the host contains before, during and after the run, "
@@ -42,10 +42,14 @@ std::variant<Options, Ending> ParseCommandLine(int argc, const char* const* argv
         ->type_name("PATH");
     app.footer(
         "Options end at \"--\".\n"
-        "Exit codes: the front end's (0 when all went well, 4 when the document cannot be used), 1 "
-        "when start-up fails, 2 for a bad command line, 3 when the application has no dictionary, "
-        "255 for a "
-        "result of the front end that is not from 0 to 255.");
+        "Exit codes:\n"
+        "  0    all went well\n"
+        "  1    the application did not start or failed, or its output cannot be written\n"
+        "  2    bad command line, which includes a language without a dictionary\n"
+        "  3    there is no dictionary at all\n"
+        "  4    the application was shown without the document, which cannot be used\n"
+        "  255  the front end's result is not from 0 to 255\n"
+        "Any other code is the front end's own.");
     app.allow_extras();
     if (LacksName(argc, argv)) return Refused("--language= lacks the name of a language");
     try {

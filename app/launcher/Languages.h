@@ -1,30 +1,36 @@
 #pragma once
 
 #include <filesystem>
+#include <set>
 #include <string>
 #include <vector>
 
 namespace launcher {
 
-// The languages that have a folder below "Dictionaries" in the application's folder: English first,
-// in which the application is written, then the others by name. Empty when there are none.
-std::vector<std::string> ShippedLanguages(const std::filesystem::path& appFolder);
+// The readable dictionaries in the application's folder and in the computer-wide one. A folder
+// whose name is not UTF-8 does not count: the host cannot name it.
+struct Dictionaries {
+    std::set<std::string> languages;  // those that have a dictionary
+    bool neutral = false;             // the application has one that serves every language
 
-// Whether the application can be shown in the language: a shipped one, or the pseudo language.
-// Builds include the pseudo language to show which texts are not localized; no user is offered it.
-bool CanShow(const std::filesystem::path& appFolder, const std::vector<std::string>& shipped,
-             const std::string& language);
+    bool Any() const { return neutral || !languages.empty(); }
+};
 
-// Whether one of these languages has a dictionary, or one dictionary serves all languages.
-bool HasDictionary(const std::filesystem::path& appFolder,
-                   const std::vector<std::string>& languages);
+Dictionaries FindDictionaries(const std::filesystem::path& appFolder);
+
+// English, in which the application is written, then the languages with a dictionary. The pseudo
+// language is not offered: it shows which texts of a build are not localized.
+std::vector<std::string> OfferedLanguages(const Dictionaries& dictionaries);
+
+// Whether the application can be shown in the language: in English always, in a language with a
+// dictionary, and with a neutral dictionary in every language that has the name of a locale.
+bool CanShow(const Dictionaries& dictionaries, const std::string& language);
 
 // Makes `language` the user's only preferred language from here on.
 void PreferLanguage(const std::string& language);
 
-// The shipped language that the user prefers; the first one when no preference fits, English when
-// none is shipped.
-std::string BestLanguage(const std::vector<std::string>& shipped);
+// The offered language that the user prefers; the first one when no preference fits.
+std::string BestLanguage(const std::vector<std::string>& offered);
 
 // Says that there are no localized resources at all, in the user's preferred language. UTF-8.
 std::string NoResourcesMessage();

@@ -54,20 +54,20 @@ decltype(Run)* FindRun(const fs::path& appFolder) {
 // Chooses the UI language. Returns what keeps the application from starting in it, if anything.
 std::optional<Ending> ChooseLanguage(const std::optional<std::string>& wanted,
                                      const fs::path& appFolder) {
-    const auto shipped = ShippedLanguages(appFolder);
+    const auto dictionaries = FindDictionaries(appFolder);
     if (wanted) PreferLanguage(*wanted);
-    if (!HasDictionary(appFolder, shipped)) return Ending{NoResourcesMessage(), kNoResources};
-    // Without language folders, one dictionary serves all languages.
-    const bool any = shipped.empty() && wanted != "";
-    if (wanted && !any && !CanShow(appFolder, shipped, *wanted)) {
+    if (!dictionaries.Any()) return Ending{NoResourcesMessage(), kNoResources};
+    const auto offered = OfferedLanguages(dictionaries);
+    if (wanted && !CanShow(dictionaries, *wanted)) {
         std::string accepted;
-        for (const auto& name : shipped)
-            accepted += (accepted.empty() ? "" : ", ") + name;
-        return Ending{
-            "unknown language '" + trace::Printable(*wanted) + "' (accepted: " + accepted + ')',
-            kBadCommandLine};
+        for (const auto& name : offered)
+            accepted += (accepted.empty() ? "" : ", ") + trace::Printable(name);
+        if (dictionaries.neutral) accepted += ", the name of any other locale";
+        return Ending{"no readable dictionary for the language '" + trace::Printable(*wanted) +
+                          "' (accepted: " + accepted + ')',
+                      kBadCommandLine};
     }
-    const auto language = wanted ? *wanted : BestLanguage(shipped);
+    const auto language = wanted ? *wanted : BestLanguage(offered);
     Ovis::SetLanguageString(vexacore::utility::StdToUTF16String(language));
     return {};
 }
@@ -106,12 +106,12 @@ std::optional<std::string> StartupFailure() {
     const auto [stage, cause] = FWR::GetStartupReport();
     switch (stage) {
         case FWR::StartupStage::kNone:
-            // This launcher passes the cookie of its own version.
+            // It returned, and this launcher passes the cookie of its own version.
             return "the launch cookie was refused: the start-up library is of another version";
         case FWR::StartupStage::kHostFailed:
-            return "the host framework could not be set up: " + cause;
+            return "the host framework could not be set up: " + trace::Printable(cause);
         case FWR::StartupStage::kNoFrontEnd:
-            return cause;
+            return trace::Printable(cause);
         case FWR::StartupStage::kFrontEndReached:
             break;
     }
@@ -121,6 +121,12 @@ std::optional<std::string> StartupFailure() {
 int Start(const Options& options) {
     const fs::path appFolder =
         vexacore::utility::UTF16toStdString(vexacore::filesupport::Dir::AppDir().FullPath());
+    if (std::error_code unreachable; !fs::is_directory(appFolder, unreachable)) {
+        return Fail({"cannot reach the application's folder, as '" +
+                         trace::Printable(appFolder.native()) +
+                         "': move it to where every folder's name is UTF-8",
+                     kStartupFailed});
+    }
     const fs::path document = options.document.value_or(appFolder / "sample.project.xml");
     if (options.document) {
         const auto cause = vexacore::utility::FileUtils::WhyUnreadable(document);
@@ -146,6 +152,7 @@ int Start(const Options& options) {
 
 int main(int argc, char** argv) {
     using namespace launcher;
+    constexpr const char* kNoText = "the application failed with an error without a text";
     try {
         const auto commandLine = ParseCommandLine(argc, argv, Version());
         if (const auto* options = std::get_if<Options>(&commandLine)) return Start(*options);
@@ -157,8 +164,9 @@ int main(int argc, char** argv) {
     } catch (const std::bad_alloc&) {
         return Fail({"out of memory", kStartupFailed});
     } catch (const std::exception& error) {
-        return Fail({error.what(), kStartupFailed});
+        const auto cause = trace::Printable(error.what());
+        return Fail({cause.empty() ? kNoText : cause, kStartupFailed});
     } catch (...) {
-        return Fail({"the front end failed", kStartupFailed});
+        return Fail({kNoText, kStartupFailed});
     }
 }
