@@ -79,6 +79,11 @@ TEST(WordlexFacade, ReadsNullAsTheEmptyTextAndSetsNoNullResult) {
     text.GetInternalData(nullptr, nullptr);
     EXPECT_EQ(16U, length);
     lexon::Dictionary().Release(nullptr);
+    lexon::Dictionary compact(true);
+    for (int i = 0; i < 2; ++i) {  // adds, then replaces
+        EXPECT_EQ(0U, compact.Add("/A", nullptr, 3, nullptr, nullptr, 3));
+        EXPECT_EQ(u"", TextOf(compact.Lookup("/A=default", nullptr)));
+    }
 }
 
 // The public numbers are the platform's.

@@ -197,6 +197,7 @@ std::uint32_t FastArray::Add(const unsigned char* key, unsigned long keyLength,
                              const unsigned char* accelerator, unsigned long acceleratorLength) {
     using Keys = PackedRuns<unsigned char>;
     using Texts = PackedRuns<unsigned short>;
+    if (value == nullptr) valueLength = 0;
     if (accelerator == nullptr) acceleratorLength = 0;
     const std::uint32_t hash = KeyHash(key, keyLength);
     Place place{};

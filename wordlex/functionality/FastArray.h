@@ -75,9 +75,9 @@ public:
     // contains an empty text.
     bool GetData(std::uint32_t id, char* buffer, unsigned long size) const;
 
-    // Adds an entry, or changes the value of the key's entry; returns its id. The accelerator may
-    // be null or empty. For an existing entry it replaces the entry's accelerator; an entry without
-    // one gets it only if it is the first of its array.
+    // Adds an entry, or changes the value of the key's entry; returns its id. A null value or
+    // accelerator is empty, whatever its length. For an existing entry the accelerator replaces the
+    // entry's accelerator; an entry without one gets it only if it is the first of its array.
     std::uint32_t Add(const unsigned char* key, unsigned long keyLength, const unsigned char* value,
                       unsigned long valueLength, const unsigned char* accelerator,
                       unsigned long acceleratorLength);
