@@ -122,9 +122,9 @@ int Start(const Options& options) {
     const fs::path appFolder =
         vexacore::utility::UTF16toStdString(vexacore::filesupport::Dir::AppDir().FullPath());
     if (std::error_code unreachable; !fs::is_directory(appFolder, unreachable)) {
-        return Fail({"cannot reach the application's folder, as '" +
+        return Fail({"the application's folder cannot be reached as '" +
                          trace::Printable(appFolder.native()) +
-                         "': move it to where every folder's name is UTF-8",
+                         "': move it to a path that is UTF-8",
                      kStartupFailed});
     }
     const fs::path document = options.document.value_or(appFolder / "sample.project.xml");
@@ -159,7 +159,7 @@ int main(int argc, char** argv) {
         const auto& ending = std::get<Ending>(commandLine);
         if (ending.exitCode != 0) return Fail(ending);
         if (!(std::cout << ending.text << std::flush))
-            return Fail({"cannot write", kStartupFailed});
+            return Fail({"standard output cannot be written", kStartupFailed});
         return 0;
     } catch (const std::bad_alloc&) {
         return Fail({"out of memory", kStartupFailed});
