@@ -2,6 +2,7 @@
 
 #include "wordlex/catalog/Format.h"
 #include "wordlex/catalog/Store.h"
+#include "wordlex/catalog/platform/Terminated.h"
 #include "wordlex/functionality/Escapes.h"
 
 namespace lexon {
@@ -23,14 +24,25 @@ std::u16string ConvertDefaultText(std::string_view text) {
 Catalog::Catalog(std::shared_ptr<const CatalogStore> content) noexcept
     : store(std::move(content)) {}
 
-std::optional<std::u16string_view> Catalog::Find(std::string_view key) const noexcept {
+// Not inlined into FindTerminated(), which is faster while it is small.
+[[gnu::noinline]] std::optional<std::u16string_view> Catalog::Find(
+    std::string_view key) const noexcept {
     if (store == nullptr) return std::nullopt;
-    return store->Find(WrittenKey(key));
+    const WrittenKey written(key);
+    if (!written.valid) return std::nullopt;
+    return store->Find(written.key);
 }
 
 std::optional<std::u16string_view> Catalog::FindTerminated(const char* key) const noexcept {
     if (store == nullptr) return std::nullopt;
-    return store->Find(WrittenKey(key));
+    if (*key == '\0') return std::nullopt;
+    if (*key == '(') [[unlikely]]
+        return Find(std::string_view(key));
+    if (*key == '$') {
+        if (key[1] != '$' || key[2] != '$') return std::nullopt;
+        key += WrittenKey::kPrefix.size();
+    }
+    return store->Find(Before(key, '='));
 }
 
 std::u16string Catalog::Text(std::string_view key) const {
@@ -50,7 +62,9 @@ std::optional<std::u16string_view> Catalog::Find(std::uint32_t id) const noexcep
 
 std::optional<std::uint32_t> Catalog::IdOf(std::string_view key) const noexcept {
     if (store == nullptr) return std::nullopt;
-    return store->IdOf(WrittenKey(key));
+    const WrittenKey written(key);
+    if (!written.valid) return std::nullopt;
+    return store->IdOf(written.key);
 }
 
 std::optional<std::string_view> Catalog::KeyOf(std::uint32_t id) const noexcept {

@@ -25,21 +25,18 @@ public:
     // keyOf(entry) is the key of an entry that was set.
     template <class KeyOf>
     Claimed Claim(std::string_view key, std::uint64_t hash, KeyOf keyOf) noexcept {
-        const std::uint32_t digest = Index::DigestOf(hash);
+        const std::uint16_t digest = Index::DigestOf(hash);
         std::uint32_t at = Index::Home(hash, bucketCount);
         for (std::uint32_t probe = 0;; ++probe) {
-            const auto* const bucket = reinterpret_cast<const std::byte*>(&buckets[at]);
-            const auto placeOf = [at](std::uint32_t bits) {
-                return std::size_t{at} * Bucket::kPlaces +
-                       static_cast<std::size_t>(std::countr_zero(bits));
-            };
-            const std::uint32_t found = Index::MatchesAndEmpty(bucket, digest);
-            for (auto left = found % 16; left != 0; left &= left - 1) {
-                const std::size_t place = placeOf(left);
+            const Digests digests(reinterpret_cast<const std::byte*>(&buckets[at]));
+            const std::size_t first = std::size_t{at} * Bucket::kPlaces;
+            for (auto left = digests.Matches(digest); left != 0;
+                 left = Digests::WithoutFirst(left)) {
+                const std::size_t place = first + Digests::First(left);
                 if (keyOf(entries[place]) == key) return {place, false};
             }
-            if (const auto empty = found / 16) {
-                const std::size_t place = placeOf(empty);
+            if (const auto empty = digests.Empty()) {
+                const std::size_t place = first + Digests::First(empty);
                 buckets[at].digests[place % Bucket::kPlaces] = digest;
                 if (probe > longestProbe) longestProbe = probe;
                 return {place, true};

@@ -109,10 +109,10 @@ std::string MakeIndexSection(std::string_view image) {
                acceleratorTextsAt, inFile.acceleratorsAt);
     writer.out.append(kBucketsAt - sizeof(Fixed), '\0');
     for (std::size_t at = 0; at < index.buckets.size(); at += sizeof(Bucket)) {
-        constexpr std::size_t kLengthsAt = offsetof(Bucket, keyLengths);
+        constexpr std::size_t kOffsetsAt = offsetof(Bucket, keyOffsets);
         const Bytes bucket = index.buckets.subspan(at, sizeof(Bucket));
-        writer.PutTable<std::uint32_t>(bucket.first(kLengthsAt));
-        writer.PutTable<std::uint16_t>(bucket.subspan(kLengthsAt));
+        writer.PutTable<std::uint16_t>(bucket.first(kOffsetsAt));
+        writer.PutTable<std::uint32_t>(bucket.subspan(kOffsetsAt));
     }
     writer.PutTable<std::uint32_t>(index.entries);
     writer.PutTable<std::uint16_t>(textCopy);

@@ -9,54 +9,68 @@ namespace {
 
 // Half a unit at the end is dropped. Units at odd addresses are never valid: loaders move texts to
 // even ones.
-std::optional<std::u16string_view> Units(std::optional<Bytes> bytes) noexcept {
-    if (!bytes.has_value()) return std::nullopt;
-    const std::size_t count = bytes->size() / sizeof(char16_t);
+std::optional<std::u16string_view> Units(Bytes bytes) noexcept {
+    const std::size_t count = bytes.size() / sizeof(char16_t);
     if (count == 0) return std::u16string_view();
-    if (reinterpret_cast<std::uintptr_t>(bytes->data()) % alignof(char16_t) != 0)
+    if (reinterpret_cast<std::uintptr_t>(bytes.data()) % alignof(char16_t) != 0)
         return std::nullopt;
-    return std::u16string_view(reinterpret_cast<const char16_t*>(bytes->data()), count);
+    return std::u16string_view(reinterpret_cast<const char16_t*>(bytes.data()), count);
+}
+std::optional<std::u16string_view> Units(std::optional<Bytes> bytes) noexcept {
+    return bytes.has_value() ? Units(*bytes) : std::nullopt;
 }
 
 }  // namespace
 
-inline std::optional<Bytes> CatalogStore::At(std::size_t place, std::size_t offsets,
-                                             std::size_t lengths,
-                                             const Strings& strings) const noexcept {
-    std::uint32_t length = index.Field<std::uint16_t>(place, lengths);
-    if (length == Bucket::kLongLength) {
-        const std::uint32_t entry = index.EntryAt(place);
-        if (entry >= entryCount) return std::nullopt;
-        length = strings.Length(entry);
-    }
-    return Part(strings.area, index.Field<std::uint32_t>(place, offsets), length);
+// The length of a string of a place, in bytes.
+inline std::uint32_t CatalogStore::LengthAt(const Index::Place& place, std::size_t lengths,
+                                            const Strings& strings) const noexcept {
+    const std::uint32_t length = place.Field<std::uint16_t>(lengths);
+    if (length != Bucket::kLongLength) [[likely]]
+        return length;
+    const std::uint32_t entry = index.EntryAt(place);
+    return entry < entryCount ? strings.Length(entry) : 0;
 }
 
-inline std::size_t CatalogStore::PlaceOf(std::string_view key) const noexcept {
-    return index.Find(Index::Hash(key, index.seed), [&](std::size_t place) {
-        const auto held =
-            At(place, offsetof(Bucket, keyOffsets), offsetof(Bucket, keyLengths), keys);
-        return held.has_value() && Characters(*held) == key;
-    });
+inline bool CatalogStore::IsAt(const Index::Place& place, std::string_view key) const noexcept {
+    const std::uint64_t length = LengthAt(place, offsetof(Bucket, keyLengths), keys);
+    const std::uint64_t offset = place.Field<std::uint32_t>(offsetof(Bucket, keyOffsets));
+    return length == key.size() && offset + length <= keys.area.size() &&
+           Characters(keys.area.subspan(offset, length)) == key;
 }
 
-std::optional<std::u16string_view> CatalogStore::Find(const WrittenKey& written) const noexcept {
-    if (!written.valid) return std::nullopt;
+inline std::optional<std::u16string_view> CatalogStore::TextAt(
+    const Index::Place& place) const noexcept {
+    const std::uint64_t length = LengthAt(place, offsetof(Bucket, textLengths), texts);
+    const std::uint64_t offset = place.Field<std::uint32_t>(offsetof(Bucket, textOffsets));
+    if (offset + length > texts.area.size()) return std::nullopt;
+    return Units(texts.area.subspan(offset, length));
+}
+
+std::optional<std::u16string_view> CatalogStore::Find(std::string_view key) const noexcept {
     if (!indexed.load(std::memory_order_acquire)) [[unlikely]] {
-        const auto entry = FindInLists(written.key);
+        const auto entry = FindInLists(key);
         return entry.has_value() ? Units(texts.At(*entry)) : std::nullopt;
     }
-    const std::size_t place = PlaceOf(written.key);
-    if (place == Index::kNowhere) return std::nullopt;
-    return Units(At(place, offsetof(Bucket, textOffsets), offsetof(Bucket, textLengths), texts));
+    const std::uint64_t hash = Index::Hash(key, index.seed);
+    // Most keys are in the first place that is tried. This is faster without the loop.
+    const auto likely = index.FirstPlace(hash);
+    if (likely.has_value() && IsAt(*likely, key)) [[likely]]
+        return TextAt(*likely);
+    return FindFurther(key, hash);
 }
 
-std::optional<std::uint32_t> CatalogStore::IdOf(const WrittenKey& written) const noexcept {
-    if (!written.valid) return std::nullopt;
-    if (!indexed.load(std::memory_order_acquire)) return FindInLists(written.key);
-    const std::size_t place = PlaceOf(written.key);
-    if (place == Index::kNowhere) return std::nullopt;
-    return index.EntryAt(place);
+std::optional<std::u16string_view> CatalogStore::FindFurther(std::string_view key,
+                                                             std::uint64_t hash) const noexcept {
+    const auto place = index.Find(hash, [&](const Index::Place& at) { return IsAt(at, key); });
+    return place.has_value() ? TextAt(*place) : std::nullopt;
+}
+
+std::optional<std::uint32_t> CatalogStore::IdOf(std::string_view key) const noexcept {
+    if (!indexed.load(std::memory_order_acquire)) return FindInLists(key);
+    const auto place = index.Find(Index::Hash(key, index.seed),
+                                  [&](const Index::Place& at) { return IsAt(at, key); });
+    return place.has_value() ? std::optional(index.EntryAt(*place)) : std::nullopt;
 }
 
 std::optional<std::uint32_t> CatalogStore::FindInLists(std::string_view key) const noexcept {

@@ -13,14 +13,13 @@
 #include "wordlex/catalog/Index.h"
 #include "wordlex/catalog/SlotLists.h"
 #include "wordlex/catalog/Strings.h"
-#include "wordlex/catalog/platform/Terminated.h"
 
 namespace lexon::detail {
 
 // A key as a caller writes it, split into its parts.
 struct WrittenKey {
     std::string_view key;
-    std::string_view defaultText;  // also empty when there is none; not read from a `const char*`
+    std::string_view defaultText;  // also empty when there is none
     bool valid = false;
 
     explicit WrittenKey(std::string_view text) noexcept {
@@ -37,22 +36,7 @@ struct WrittenKey {
         key = text.substr(0, text.find('='));
         if (key.size() != text.size()) defaultText = text.substr(key.size() + 1);
     }
-    // For a zero-terminated text; does not read past the key.
-    explicit WrittenKey(const char* text) noexcept {
-        if (*text == '\0') return;
-        if (*text == '(') {
-            *this = WrittenKey(std::string_view(text));
-            return;
-        }
-        if (*text == '$') {
-            if (text[1] != '$' || text[2] != '$') return;
-            text += kPrefix.size();
-        }
-        valid = true;
-        key = Before(text, '=');
-    }
 
-private:
     static constexpr std::string_view kPrefix = "$$$";
 };
 
@@ -71,8 +55,8 @@ public:
     // The number of look-ups before one of them makes the index.
     static constexpr std::uint32_t kLookupsInLists = 64;
 
-    std::optional<std::u16string_view> Find(const WrittenKey& written) const noexcept;
-    std::optional<std::uint32_t> IdOf(const WrittenKey& written) const noexcept;
+    std::optional<std::u16string_view> Find(std::string_view key) const noexcept;
+    std::optional<std::uint32_t> IdOf(std::string_view key) const noexcept;
     bool Has(std::uint32_t id) const noexcept;
     std::optional<std::string_view> KeyOf(std::uint32_t id) const noexcept;
     std::optional<std::u16string_view> TextOf(std::uint32_t id) const noexcept;
@@ -95,12 +79,14 @@ public:
     void SetLists(const SlotLists& checked, std::uint64_t indexSeed) noexcept;
 
 private:
-    std::size_t PlaceOf(std::string_view key) const noexcept;
+    bool IsAt(const Index::Place& place, std::string_view key) const noexcept;
+    std::optional<std::u16string_view> TextAt(const Index::Place& place) const noexcept;
+    std::uint32_t LengthAt(const Index::Place& place, std::size_t lengths,
+                           const Strings& strings) const noexcept;
+    [[gnu::noinline]] std::optional<std::u16string_view> FindFurther(
+        std::string_view key, std::uint64_t hash) const noexcept;
     [[gnu::cold]] std::optional<std::uint32_t> FindInLists(std::string_view key) const noexcept;
     void Publish(MadeIndex made) const noexcept;
-    // The string of a place, by its fields in the bucket, or by the entry's number when it is long.
-    std::optional<Bytes> At(std::size_t place, std::size_t offsets, std::size_t lengths,
-                            const Strings& strings) const noexcept;
 
     SlotLists lists;
     std::uint64_t seed = 0;
