@@ -189,6 +189,23 @@ TEST(MemoryRunsOut, CatalogsAreWholeOrNotAtAll) {
     }
 }
 
+// The names of a call that failed half-way do not reach the next one.
+TEST(MemoryRunsOut, MessagesForgetTheCallsThatFailed) {
+    const lexon::Formatter formatter("en");
+    const lexon::FormatOptions strict{.onMismatch = lexon::OnMismatch::kThrow};
+    EXPECT_LE(
+        1, ForEveryFailingAllocation(
+               [&](auto inject) {
+                   inject([&] {
+                       formatter.FormatMessage(u"{a} x", {{"a", 1}, {"a name of many letters", 2}});
+                   });
+                   EXPECT_EQ(u"1 x", formatter.FormatMessage(u"{a} x", {{"a", 1}}, strict));
+                   EXPECT_EQ(u"2 x", formatter.FormatMessage(u"{a} x", {{"b", 1}, {"a", 2}}));
+                   EXPECT_EQ(u"{a} x", formatter.FormatMessage(u"{a} x", {2}));
+               },
+               Blocks::kKeptByHost));
+}
+
 TEST(MemoryRunsOut, CatalogsAnswerWithoutTheirIndex) {
     EXPECT_LE(3, ForEveryFailingAllocation([](auto inject) {
                   const auto catalog = lexon::Catalog::Load(std::as_bytes(std::span(kLittleFile)));

@@ -7,7 +7,6 @@
 #include <array>
 #include <cstring>
 #include <iterator>
-#include <memory_resource>
 #include <mutex>
 #include <new>
 #include <span>
@@ -83,11 +82,51 @@ private:
 
 namespace {
 
+// An argument's name as ICU looks for it: arguments without a name are numbered from 0.
+icu::UnicodeString NameOf(const Argument& argument, std::size_t& unnamed) {
+    const std::string_view name = argument.Name();
+    if (name.empty()) return icu::UnicodeString::fromUTF8(std::to_string(unnamed++));
+    std::array<char16_t, 32> units;  // for the usual name, which is short and ASCII
+    if (name.size() > units.size() || !IsAscii(name)) {
+        return icu::UnicodeString::fromUTF8(
+            icu::StringPiece(name.data(), static_cast<std::int32_t>(name.size())));
+    }
+    std::ranges::copy(name, units.begin());
+    return {units.data(), static_cast<std::int32_t>(name.size())};
+}
+
+// The names of a call's arguments as ICU wants them, kept for the next call, which mostly has the
+// same ones.
+class ArgumentNames {
+public:
+    std::span<const icu::UnicodeString> Of(Arguments arguments) {
+        const auto isSame = [](const Argument& argument, const std::string& name) {
+            return argument.Name() == name;
+        };
+        if (!std::ranges::equal(arguments, written, isSame)) {
+            written.clear();
+            converted.clear();
+            std::size_t unnamed = 0;
+            for (const Argument& argument : arguments) {
+                converted.push_back(NameOf(argument, unnamed));
+                written.emplace_back(argument.Name());
+            }
+        }
+        return std::span(converted).first(written.size());
+    }
+
+private:
+    std::vector<std::string> written;
+    std::vector<icu::UnicodeString> converted;
+};
+
 // A message that a thread has used lately, with a format of its own.
 struct HeldMessage {
     const MessageCache* cache = nullptr;
     std::shared_ptr<ParsedMessage> message;
     ParsedMessage::Format format;
+    ArgumentNames names;
+    std::vector<icu::Formattable> values;  // room for those of a call
 };
 
 // The standard comparison of char16_t compares unit by unit.
@@ -97,14 +136,13 @@ bool IsSame(std::u16string_view a, std::u16string_view b) {
 
 // The pattern's message from the thread's few, usually without a lock. It stays until the thread
 // requests another one.
-const HeldMessage& Hold(MessageCache& cache, std::u16string_view pattern,
-                        const icu::Locale& locale) {
+HeldMessage& Hold(MessageCache& cache, std::u16string_view pattern, const icu::Locale& locale) {
     static thread_local std::array<HeldMessage, 16> few;
     std::size_t mixed = pattern.size();
     if (!pattern.empty()) mixed = 31 * mixed + pattern[pattern.size() / 2];
     HeldMessage& held = few[mixed % few.size()];
     if (held.cache != &cache || !IsSame(held.message->Pattern(), pattern)) {
-        HeldMessage other{&cache, cache.Get(pattern, locale), nullptr};
+        HeldMessage other{&cache, cache.Get(pattern, locale), nullptr, {}, {}};
         other.format = other.message->Take();
         std::swap(held, other);
         if (other.message != nullptr) other.message->Return(std::move(other.format));
@@ -128,19 +166,6 @@ std::shared_ptr<ParsedMessage> MessageCache::Get(std::u16string_view pattern,
 }
 
 namespace {
-
-// An argument's name as ICU looks for it: arguments without a name are numbered from 0.
-icu::UnicodeString NameOf(const Argument& argument, std::size_t& unnamed) {
-    const std::string_view name = argument.Name();
-    if (name.empty()) return icu::UnicodeString::fromUTF8(std::to_string(unnamed++));
-    std::array<char16_t, 32> units;  // for the usual name, which is short and ASCII
-    if (name.size() > units.size() || !IsAscii(name)) {
-        return icu::UnicodeString::fromUTF8(
-            icu::StringPiece(name.data(), static_cast<std::int32_t>(name.size())));
-    }
-    std::ranges::copy(name, units.begin());
-    return {units.data(), static_cast<std::int32_t>(name.size())};
-}
 
 // ICU shows dates in the system's time zone: the moment at which the day begins there.
 UDate StartOfDay(std::int64_t utcMilliseconds) {
@@ -215,7 +240,7 @@ void RequireMatch(const MessageShape& shape, Arguments arguments,
 
 std::u16string FillMessage(const LanguageFormats& formats, std::u16string_view pattern,
                            Arguments arguments, const FormatOptions& options) {
-    const HeldMessage& held = Hold(formats.Messages(), pattern, formats.Locale());
+    HeldMessage& held = Hold(formats.Messages(), pattern, formats.Locale());
     const ParsedMessage& message = *held.message;
     const bool throws = options.onMismatch == OnMismatch::kThrow;
     if (const auto& fault = message.Shape().fault) {
@@ -224,24 +249,22 @@ std::u16string FillMessage(const LanguageFormats& formats, std::u16string_view p
                           "the message pattern is malformed at unit " +
                               std::to_string(fault->position + 1) + ": " + fault->reason);
     }
-    std::array<std::byte, 1024> buffer;  // room for the arguments of most calls
-    std::pmr::monotonic_buffer_resource room(buffer.data(), buffer.size());
-    std::pmr::vector<icu::UnicodeString> names(&room);
-    std::pmr::vector<icu::Formattable> values(&room);
-    names.reserve(arguments.size());
-    values.reserve(arguments.size());
-    std::size_t unnamed = 0;
+    const std::span<const icu::UnicodeString> names = held.names.Of(arguments);
+    std::vector<icu::Formattable>& values = held.values;
+    values.clear();
     for (const Argument& argument : arguments) {
-        names.push_back(NameOf(argument, unnamed));
+        const icu::UnicodeString& name = names[values.size()];
         SetValue(values.emplace_back(), formats, argument,
-                 [&] { return options.isolate && !message.Selects(Copied(names.back())); });
+                 [&] { return options.isolate && !message.Selects(Copied(name)); });
     }
     if (throws) RequireMatch(message.Shape(), arguments, names);
     icu::UnicodeString out;
     if (held.format != nullptr) {
         UErrorCode status = U_ZERO_ERROR;
-        held.format->format(names.data(), values.data(), static_cast<std::int32_t>(names.size()),
+        held.format->format(names.data(), values.data(), static_cast<std::int32_t>(values.size()),
                             out, status);
+        values.clear();  // frees the texts
+        if (status == U_MEMORY_ALLOCATION_ERROR || out.isBogus()) throw std::bad_alloc();
         if (U_SUCCESS(status)) return Copied(out);
     }
     if (!throws) return std::u16string(pattern);
