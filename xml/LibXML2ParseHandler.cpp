@@ -24,6 +24,7 @@ namespace {
 constexpr std::size_t kLongestDocument = std::numeric_limits<int>::max();  // libxml2 counts in int
 constexpr const char* kTooLong = "the document is longer than 2 GiB";
 constexpr const char* kOutOfMemory = "out of memory";
+constexpr const char* kUndecoded = "bytes after the root element are not in the declared encoding";
 constexpr const char* kTooCostly = "its entities, attributes or namespaces cost too much";
 constexpr const char* kLongList = "a list of attributes has more than 10,000 entries";
 constexpr const char* kManyNamespaces = "more than 10,000 namespaces are in scope";
@@ -143,6 +144,12 @@ std::array<char, 200> Describe(const xmlError& error) noexcept {
         constexpr unsigned char kContinuationMask = 0xC0, kContinuation = 0x80;
         while ((static_cast<unsigned char>(text[--end]) & kContinuationMask) == kContinuation) {
         }
+// libxml2 ends the document at the first bytes that are not in its encoding. It does not report
+// them when they follow the root element.
+bool HasUndecodedBytes(const xmlParserInput& input) {
+    return input.buf && input.buf->raw && xmlBufUse(input.buf->raw) != 0;
+}
+
     }
     text[end] = '\0';
     return text;
@@ -345,7 +352,11 @@ void LibXML2ParseHandler::startDocument(void* parser) {
 }
 
 void LibXML2ParseHandler::endDocument(void* parser) {
-    Report(parser, [](auto& self) { self.handler->EndDocument(); });
+    Report(parser, [](auto& self) {
+        if (self.context && HasUndecodedBytes(*self.context->input))
+            throw std::runtime_error(kUndecoded);
+        self.handler->EndDocument();
+    });
 }
 
 void LibXML2ParseHandler::characters(void* parser, const xmlChar* text, int length) {

@@ -165,9 +165,12 @@ TEST(Malformed, DocumentsGiveTheEventsBeforeTheFirstErrorOnly) {
     check("<a>one<b", one + "start[b][][b] ");
     check("<a>one</a>two<b/><!--three-->", one + "end[a][][a] ");
     check("<a xmlns='u'><b></a>two<c/>", "doc map[][u] start[a][u][a] start[b][u][b] ");
-    for (const char* encoding : {"EUC-JP", "Big5", "ISO-2022-JP"})
-        check("<?xml version='1.0' encoding='"s + encoding + "'?><a>one<b/>\xFFtwo</a>",
-              one + "start[b][][b] end[b][][b] ");
+    for (const char* encoding : {"EUC-JP", "Big5", "ISO-2022-JP"}) {
+        const std::string declaration = "<?xml version='1.0' encoding='"s + encoding + "'?>";
+        check(declaration + "<a>one<b/>\xFFtwo</a>", one + "start[b][][b] end[b][][b] ");
+        check(declaration + "<a>one</a>\n\xFF<b/>", one + "end[a][][a] ");
+    }
+    check("<?xml version='1.0' encoding='Shift_JIS'?><a>one</a>\x81", one + "end[a][][a] ");
     const std::string entity = "<!DOCTYPE a [<!ENTITY e ";
     check(entity + "'one<b>two'>]><a>&e;three</b></a>", one + "start[b][][b] text[two] ");
     check(entity + "'one&#38; two<b/>'><!ENTITY f '&e;<c/>'>]><a>&f;three<c/></a>", one);
