@@ -245,7 +245,8 @@ ResultCode LibXML2ParseHandler::ParseBuffer(const ByteString& document) {
 }
 
 // Runs the action of one callback. The first exception ends the parse, as the first fatal error
-// does: libxml2 is stopped, and its remaining calls are not reported.
+// does: libxml2 is stopped, and its remaining calls are not reported. A handler that uses libxml2
+// may have set its own receiver of errors; without this one, the next error would go unnoticed.
 template <class Action>
 void LibXML2ParseHandler::Report(void* parser, Action action) noexcept {
     auto& self = *static_cast<LibXML2ParseHandler*>(parser);
@@ -269,6 +270,7 @@ void LibXML2ParseHandler::Stop(std::string_view reason) noexcept {
     try {
         if (!failed) failure = reason;
     } catch (const std::bad_alloc&) {  // without a reason
+    if (self.context) xmlSetStructuredErrorFunc(&self, receiveError);
     }
     failed = true;
     if (!context) return;

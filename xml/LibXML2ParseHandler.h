@@ -41,7 +41,7 @@ namespace vexacore::xml {
 //           which changes nothing. The events before the first fatal error have been delivered;
 //           none follows, not even EndDocument. Nothing is written to the standard error stream:
 //           until ParseBuffer returns, it redirects libxml2's errors on its thread, also those of
-//           other parsers that the handler uses.
+//           other parsers that the handler uses, and again after each event.
 //           Errors of the file layer leave ParseDocument as exceptions.
 // Threads:  none; separate parsers may work on separate threads.
 class LibXML2ParseHandler : public AbstractDocParser {

@@ -142,6 +142,8 @@ TEST(Events, ComeInOrder) {
 TEST(Malformed, DocumentsGiveTheEventsBeforeTheFirstErrorOnly) {
     const auto check = [](std::string_view document, const std::string& expected) {
         EXPECT_EQ((Outcome{kParseFailed, expected}), ObserveText(document)) << document;
+        const auto useLibxml2 = [] { xmlSetStructuredErrorFunc(nullptr, nullptr); };
+        EXPECT_EQ((Outcome{kParseFailed, expected}), ObserveText(document, useLibxml2)) << document;
     };
     const std::string open = "doc start[a][][a] ", one = open + "text[one] ";
     check("", "");
@@ -153,6 +155,7 @@ TEST(Malformed, DocumentsGiveTheEventsBeforeTheFirstErrorOnly) {
     check("<!DOCTYPE a [<!ENTITY e 'x'><!ENTITY f 'y'><!ENTITY", "doc ");
     check("<!DOCTYPE a [<!ELEMENT a>]><a>one<!--two--></a>", "doc ");
     check("<!--one--><?xml version='1.0'?><a/>", "doc comment[one] ");
+    check("<!--one--><!DOCTYPE a [<!ENTITY lt 'x'>]>", "doc comment[one] ");
     check("<a>&unknown;<b>two</b></a>", open);
     check("<a><b x=1>two</b>x</a>", open);
     check("<a><b x='1' x='2'>two</b>x</a>", open);
