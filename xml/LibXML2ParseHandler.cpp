@@ -338,17 +338,21 @@ xmlEntity* LibXML2ParseHandler::getEntity(void* parser, const xmlChar* name) {
     return given;
 }
 
+void LibXML2ParseHandler::CheckDocument() {
+    xmlParserInput& input = *context->input;
+    Decode(input);
+    const auto length = static_cast<std::size_t>(input.end - input.cur);
+    const Lists lists(View(input.cur, length));
+    lists.Check();
+    declaredAttributes = lists.declared;
+    if (lists.namespaces && length > kDeclaredNamespaceLimit)
+        throw std::length_error(kLongForNamespace);
+    xmlDictSetLimit(context->dict, lists.namespaces ? 0 : kDictionaryLimit);
+}
+
 void LibXML2ParseHandler::startDocument(void* parser) {
     Report(parser, [](auto& self) {
-        xmlParserInput& input = *self.context->input;
-        Decode(input);
-        const auto length = static_cast<std::size_t>(input.end - input.cur);
-        const Lists lists(View(input.cur, length));
-        lists.Check();
-        self.declaredAttributes = lists.declared;
-        if (lists.namespaces && length > kDeclaredNamespaceLimit)
-            throw std::length_error(kLongForNamespace);
-        xmlDictSetLimit(self.context->dict, lists.namespaces ? 0 : kDictionaryLimit);
+        if (self.context) self.CheckDocument();
         self.handler->StartDocument();
     });
 }

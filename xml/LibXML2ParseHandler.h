@@ -56,7 +56,8 @@ public:
     ResultCode ParseBuffer(const ByteString& document) override;
 
     // libxml2 calls these; `parser` is the LibXML2ParseHandler. They let no exception out: it would
-    // pass through libxml2's frames and leak what those own.
+    // pass through libxml2's frames and leak what those own. Outside ParseBuffer they report too,
+    // as long as nothing has failed.
     static void internalSubset(void* parser, const unsigned char* name,
                                const unsigned char* externalId, const unsigned char* systemId);
     static _xmlEntity* getEntity(void* parser, const unsigned char* name);
@@ -82,6 +83,7 @@ private:
     static void Report(void* parser, Action action) noexcept;
     static void receiveError(void* parser, _xmlError* error);  // of any parser on this thread
     void Stop(std::string_view reason) noexcept;               // the first reason counts
+    void CheckDocument();                                      // throws when it exceeds a limit
     // These convert for the handler and count against the budget; Spend only counts. They throw
     // when the budget is spent.
     void Spend(std::size_t cost);
@@ -92,11 +94,8 @@ private:
     _xmlParserCtxt* context = nullptr;  // null outside ParseBuffer
     std::deque<Scope> scopes;
     // For the current parse:
-    bool failed = false;                 // by a fatal error, or a callback has thrown
-    std::size_t budget = 0;              // what it may still spend, in bytes
-    std::size_t namespacesInScope = 0;   // in the document and the entities that are open
-    std::size_t declaredAttributes = 0;  // defaults and tokens in the document's own declarations
-};
+    bool failed = false;                   // by a fatal error, or a callback has thrown
+    std::size_t budget = ~std::size_t{0};
 
 // Makes LibXML2ParseHandlers.
 class LibXML2ParserFactory : public DocParserFactory {

@@ -210,6 +210,22 @@ TEST(Parser, ServesOneParseAfterAnother) {
               }));
 }
 
+TEST(Parser, ReportsCallbacksOutsideAParse) {
+    using Bridge = xml::LibXML2ParseHandler;
+    const auto* const text = reinterpret_cast<const xmlChar*>("text");
+    const auto call = [&](auto& parser) {
+        auto* const bridge = static_cast<Bridge*>(&parser);
+        Bridge::startDocument(bridge);
+        Bridge::startElementWithNamespace(bridge, text, nullptr, nullptr, 0, nullptr, 0, 0,
+                                          nullptr);
+        Bridge::cdataBlock(bridge, text, 2);
+        Bridge::endElementWithNamespace(bridge, text, nullptr, nullptr);
+        Bridge::endDocument(bridge);
+        return kParseSucceeded;
+    };
+    EXPECT_EQ(ObserveText("<text><![CDATA[te]]></text>"), Observe(call));
+}
+
 TEST(Parser, RefusesToParseFromItsOwnHandler) {
     constexpr std::string_view kDocument = "<a x='y'>one<b/></a>";
     int errors = 0;
