@@ -104,7 +104,8 @@ const bool registered = [] {
     add("references with 9,990 namespaces in scope", entity + "'x'>]>" + scope9990, "&e;", end);
     add("elements with 1,000 namespaces in scope", scope1000, "<b/>", end);
     add("elements with 9,990 namespaces in scope", scope9990, "<b/>", end);
-    add("new namespaces inside an entity", entity + "'<b", " xmlns:p#=\"u\"", "/>'>]><a>&e;</a>");
+    add("new namespaces inside an entity", entity + "\"", "<b" + Repeat(100, " xmlns:p#_") + ">",
+        "\">]><a>&e;</a>");
     add("tags of 1,000 attributes", "<a>", "<b" + Repeat(1'000, " c") + "/>", end);
     add("tags of 9,990 attributes", "<a>", "<b" + Repeat(9'990, " c") + "/>", end);
     add("one tag of attributes", "<a", " b#=''", "/>");
@@ -112,6 +113,11 @@ const bool registered = [] {
     add("one tag of attributes in UTF-7", "<a", " b#+AD0-''", "/>", Utf7);
     add("one tag of attributes in 1,000 namespaces", "<a" + Repeat(1'000, " xmlns:p"), " p%:b@=''",
         "/>");
+    const std::string name(45'000, 'n');
+    add("undefined prefixes in tags of a long name", "<a>", "<" + name + Repeat(200, " p:b") + "/>",
+        end);
+    add("attribute declarations for a long name", dtd + "<!ATTLIST " + name, " b# CDATA ''",
+        ">]><a/>");
     add("attribute declarations", dtd + "<!ATTLIST a", " b# CDATA ''", ">]><a/>");
     add("values of one attribute declaration", dtd + "<!ATTLIST a b (c", "|c#",
         ") #IMPLIED>]><a/>");

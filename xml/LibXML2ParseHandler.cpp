@@ -26,7 +26,8 @@ constexpr const char* kTooLong = "the document is longer than 2 GiB";
 constexpr const char* kOutOfMemory = "out of memory";
 constexpr const char* kUndecoded = "bytes after the root element are not in the declared encoding";
 constexpr const char* kTooCostly = "its entities, attributes or namespaces cost too much";
-constexpr const char* kLongList = "a list of attributes has more than 10,000 entries";
+constexpr const char* kLongList =
+    "a list of attributes has more than 10,000 entries, or fewer with a long element name";
 constexpr const char* kManyNamespaces = "more than 10,000 namespaces are in scope";
 constexpr const char* kManyNames = "the document has too many different names";
 constexpr const char* kLongForNamespace =
@@ -45,12 +46,16 @@ constexpr std::size_t kReferenceCost = 3 * kAllowedFactor;
 constexpr std::size_t kFreeUriLength = 128;
 // Attributes of one start tag, namespaces in scope, or entries of all attribute-list declarations.
 constexpr std::size_t kLongestList = 10'000;
+// Each further so many bytes of an element's name make its attributes count once more there.
+constexpr std::size_t kNameBytesPerCount = 1'000;
 
 // Work that libxml2 2.9.14 does without calling back, as measured; a test bounds the time. Each
-// start tag compares its attributes with each other, with the namespaces in scope and with the
-// declared defaults. An entity copies the namespaces in scope. One byte of the budget pays for so
-// many of these steps.
+// start tag compares its attributes and namespaces with each other, with the namespaces in scope
+// and with the declared defaults. For each of them it reads the element's name again: for its
+// declared type, and for the text of an error when its prefix is not defined. An entity copies the
+// namespaces in scope. One byte of the budget pays for so many of these steps.
 constexpr std::size_t kComparisonsPerByte = 128;
+constexpr std::size_t kNameBytesReadPerByte = 16;
 constexpr std::size_t kNamespacesCopiedPerByte = 8;
 // Bytes of names, namespace URIs and declared defaults, which libxml2 keeps in 4608 lists. Its last
 // block of memory for them may exceed the limit.
@@ -82,9 +87,10 @@ std::span<const xmlChar* const> Pointers(const xmlChar** first, int groups, std:
 // Counts the entries that libxml2 compares with all before them, before it calls back. The limit of
 // the dictionary does not bound their number: a few prefixes and names make many attributes, and
 // the values of an attribute declaration are not in the dictionary. Without this count 4 MB of
-// either take minutes. Each tag begins with an unquoted '<'; a quoted one is an error there.
+// either take minutes. libxml2 reads the element's name again for each entry, so an entry of a long
+// name counts more than once. Each tag begins with an unquoted '<'; a quoted one is an error there.
 struct Lists {
-    std::size_t attributes = 0;  // of the longest tag
+    std::size_t attributes = 0;  // of the tag with most of them
     std::size_t declared = 0;    // defaults and tokens in all attribute-list declarations
     bool namespaces = false;     // such a declaration may declare one
 
@@ -100,10 +106,11 @@ struct Lists {
 
 private:
     void Add(std::string_view tag) {
-        const bool isDeclaration = tag.starts_with("<!ATTLIST");
+        constexpr std::string_view kDeclaration = "<!ATTLIST", kBlanks = " \t\r\n";
+        const bool isDeclaration = tag.starts_with(kDeclaration);
         if (!isDeclaration && tag.find_first_of("!?/ \t\r\n", 1) == 1) return;
         namespaces |= isDeclaration && tag.find("xmlns") != tag.npos;
-        std::size_t values = 0;
+        std::size_t entries = 0;
         char quote = '\0', previous = '\0';
         for (const char c : tag) {
             if (quote != '\0') {
@@ -113,13 +120,16 @@ private:
             if (c == '>') break;
             const bool isQuote = c == '"' || c == '\'';
             if (isQuote) quote = c;
-            if (isDeclaration)
-                declared += isQuote || c == '|' || c == '#';
-            else
-                values += isQuote && previous == '=';
-            if (!std::strchr(" \t\r\n", c)) previous = c;
+            entries += isDeclaration ? isQuote || c == '|' || c == '#' : isQuote && previous == '=';
+            if (kBlanks.find(c) == kBlanks.npos) previous = c;
         }
-        attributes = std::max(attributes, values);
+        tag.remove_prefix(isDeclaration ? kDeclaration.size() : 1);
+        tag.remove_prefix(std::min(tag.find_first_not_of(kBlanks), tag.size()));
+        entries *= 1 + std::min(tag.find_first_of(kBlanks), tag.size()) / kNameBytesPerCount;
+        if (isDeclaration)
+            declared += entries;
+        else
+            attributes = std::max(attributes, entries);
     }
 };
 
@@ -134,6 +144,12 @@ void Decode(xmlParserInput& input) {
     input.end = xmlBufEnd(input.buf->buffer);
 }
 
+// libxml2 ends the document at the first bytes that are not in its encoding. It does not report
+// them when they follow the root element.
+bool HasUndecodedBytes(const xmlParserInput& input) {
+    return input.buf && input.buf->raw && xmlBufUse(input.buf->raw) != 0;
+}
+
 // The line of an error and the first line of its text, in UTF-8. A text with a very long name is
 // cut between two characters.
 std::array<char, 200> Describe(const xmlError& error) noexcept {
@@ -144,12 +160,6 @@ std::array<char, 200> Describe(const xmlError& error) noexcept {
         constexpr unsigned char kContinuationMask = 0xC0, kContinuation = 0x80;
         while ((static_cast<unsigned char>(text[--end]) & kContinuationMask) == kContinuation) {
         }
-// libxml2 ends the document at the first bytes that are not in its encoding. It does not report
-// them when they follow the root element.
-bool HasUndecodedBytes(const xmlParserInput& input) {
-    return input.buf && input.buf->raw && xmlBufUse(input.buf->raw) != 0;
-}
-
     }
     text[end] = '\0';
     return text;
@@ -260,6 +270,7 @@ void LibXML2ParseHandler::Report(void* parser, Action action) noexcept {
     } catch (...) {
         self.Stop({});
     }
+    if (self.context) xmlSetStructuredErrorFunc(&self, receiveError);
 }
 
 // With this limit the dictionary of libxml2 2.9.14 refuses every name, so the parse ends at the
@@ -270,7 +281,6 @@ void LibXML2ParseHandler::Stop(std::string_view reason) noexcept {
     try {
         if (!failed) failure = reason;
     } catch (const std::bad_alloc&) {  // without a reason
-    if (self.context) xmlSetStructuredErrorFunc(&self, receiveError);
     }
     failed = true;
     if (!context) return;
@@ -393,10 +403,11 @@ void LibXML2ParseHandler::startElementWithNamespace(void* parser, const xmlChar*
         const auto declared = Pointers(namespaces, namespaceCount, 2);
         self.namespacesInScope += declared.size() / 2;
         if (self.namespacesInScope > kLongestList) throw std::length_error(kManyNamespaces);
-        const std::size_t listed = given.size() / 5;
-        self.Spend(kElementCost + (1 + listed) *
-                                      (listed + self.namespacesInScope + self.declaredAttributes) /
-                                      kComparisonsPerByte);
+        const std::size_t entries = given.size() / 5 + declared.size() / 2;
+        const std::size_t compared = entries + self.namespacesInScope + self.declaredAttributes;
+        const std::size_t nameLength = View(prefix).size() + View(localName).size();
+        self.Spend(kElementCost + (1 + entries) * compared / kComparisonsPerByte +
+                   entries * nameLength / kNameBytesReadPerByte);
 
         Attributes list;
         for (std::size_t i = 0; i < given.size(); i += 5) {

@@ -27,10 +27,11 @@ namespace vexacore::xml {
 //           namespace URI that names repeat, only what exceeds 128 bytes), and so does the text of
 //           an entity at each reference. Without entities, default attributes and longer URIs, it
 //           is enough for any document with at most 100 attributes in a tag and namespaces in
-//           scope; more of them spend it too.
+//           scope, and element names of at most 64 bytes; more of them spend it too.
 //           Also refused: more than 10,000 attributes in a tag, namespaces in scope, or tokens and
-//           defaults in all attribute lists; different names, namespace URIs and declared defaults
-//           of more than about 340,000 bytes together; a document of more than 1 MB whose attribute
+//           defaults in all attribute lists (one under an element name of 1,000 bytes counts as
+//           two, of 2,000 bytes as three); different names, namespace URIs and declared defaults of
+//           more than about 340,000 bytes together; a document of more than 1 MB whose attribute
 //           lists declare namespaces. These limits hold in every encoding and inside entities. They
 //           bound the time in proportion to the size.
 //           libxml2's own limits: 257 open elements in the document and again in each entity;
@@ -95,7 +96,10 @@ private:
     std::deque<Scope> scopes;
     // For the current parse:
     bool failed = false;                   // by a fatal error, or a callback has thrown
-    std::size_t budget = ~std::size_t{0};
+    std::size_t budget = ~std::size_t{0};  // what it may still spend, in bytes
+    std::size_t namespacesInScope = 0;     // in the document and the entities that are open
+    std::size_t declaredAttributes = 0;    // defaults and tokens in the document's own declarations
+};
 
 // Makes LibXML2ParseHandlers.
 class LibXML2ParserFactory : public DocParserFactory {

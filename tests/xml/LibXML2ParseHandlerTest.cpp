@@ -317,6 +317,14 @@ TEST(Budget, EndsDocumentsThatYieldTooMuch) {
     const std::string defaults =
         "<!DOCTYPE a [<!ATTLIST b" + Repeat(1'000, " a# CDATA ''") + ">]><a>";
     CheckCode(kParseFailed, defaults, 30, "<b/>", "</a>");
+    const std::string name(900, 'n'),
+        named = "<!DOCTYPE a [<!ATTLIST " + name + Repeat(200, " p:a# CDATA ''") + ">]><a>";
+    CheckCode(kParseSucceeded, named, 60, "<" + name + "/>", "</a>");
+    CheckCode(kParseFailed, named, 90, "<" + name + "/>", "</a>");
+    const std::string scopes = "<!DOCTYPE a [<!ATTLIST b" + Repeat(500, " xmlns:a# CDATA 'u'") +
+                               ">]><a" + Repeat(9'000, " xmlns:b#='u'") + ">";
+    CheckCode(kParseSucceeded, scopes, 10, "<b/>", "</a>");
+    CheckCode(kParseFailed, scopes, 25, "<b/>", "</a>");
     const std::string silent =
         "<!DOCTYPE a [<!ENTITY e '<?p " + big + "?>'><!ENTITY f '&e;&e;'>]><a>";
     CheckCode(kParseSucceeded, silent, 20, "&e;", "</a>");
@@ -339,7 +347,8 @@ TEST(Limits, EndDocumentsThatNestOrListTooMuch) {
     CheckCode(kParseSucceeded, Repeat(257, "<a>"), 257, "</a>", "");
     CheckCode(kParseFailed, Repeat(258, "<a>"), 258, "</a>", "");
     const std::string scope = Repeat(9'000, " xmlns:a#='u'"), dtd = "<!DOCTYPE a [";
-    const std::string entity = dtd + "<!ENTITY e '&#60;";
+    const std::string entity = dtd + "<!ENTITY e '&#60;", name(1'000, 'n');
+    CheckCode(kParseSucceeded, "<" + name.substr(1), 10'000, " a#=''", "/>");
     for (const int extra : {0, 1}) {
         const xml::ResultCode expected = extra == 0 ? kParseSucceeded : kParseFailed;
         CheckCode(expected, "<a", 10'000 + extra, " a# =\n'\">='", "/>");
@@ -350,6 +359,8 @@ TEST(Limits, EndDocumentsThatNestOrListTooMuch) {
         CheckCode(expected, entity + "a", 10'000 + extra, " a#=\"\"", "/>'>]><a>&e;</a>");
         CheckCode(expected, dtd + "<!ATTLIST a a CDATA ''><!ATTLIST a b (a", 9'998 + extra, "|a#",
                   ") #IMPLIED>]><a/>");
+        CheckCode(expected, "<" + name, 5'000 + extra, "\ta#=''", "/>");
+        CheckCode(expected, dtd + "<!ATTLIST \n" + name, 5'000 + extra, " a# CDATA ''", ">]><a/>");
     }
     CheckCode(kParseSucceeded, "<a>text is not a tag", 20'000, " a=''|", "</a>");
     CheckCode(kParseSucceeded, "<a><![CDATA[1 < 2", 20'000, " a=''|", "]]></a>");
@@ -374,7 +385,8 @@ TEST(Limits, NameThemselvesInTheFailure) {
     const std::string space(1'000'000, ' '), scope = Repeat(9'990, " xmlns:a#='u'");
     const std::pair<const char*, std::string> rows[] = {
         {"the document has too many different names", "<a>" + Repeat(80'000, "<b#/>") + "</a>"},
-        {"a list of attributes has more than 10,000 entries", "<a" + scope + scope + "/>"},
+        {"a list of attributes has more than 10,000 entries, or fewer with a long element name",
+         "<a" + scope + scope + "/>"},
         {"more than 10,000 namespaces are in scope",
          "<a" + scope + "><b" + Repeat(11, " xmlns:b#='u'") + "/></a>"},
         {"its entities, attributes or namespaces cost too much",
@@ -409,10 +421,12 @@ TEST(Limits, BoundTheTime) {
     std::string pairs = kUtf7 + "<a" + Repeat(50, " xmlns:p#='u#'");
     for (int i = 0; i < 50; ++i)
         pairs += Repeat(1'000, " p" + std::to_string(i) + ":a#+AD0-''");
+    const std::string undefined = "<" + std::string(45'000, 'n') + Repeat(9'990, " p:a#=''") + "/>";
     for (const std::string& document : {
              "<!DOCTYPE a [<!ENTITY e 'x'>]><a" + Repeat(9'990, " xmlns:p#='u'") + ">" +
                  Repeat(300'000, "&e;") + "</a>",
              "<!DOCTYPE a [<!ELEMENT a (a" + Repeat(300'000, "|b#") + ")>]><a/>",
+             "<a>" + Repeat(5, undefined) + "</a>",
              pairs + "/>",
          }) {
         const std::clock_t start = std::clock();
