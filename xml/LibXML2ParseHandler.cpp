@@ -244,7 +244,7 @@ ResultCode LibXML2ParseHandler::ParseBuffer(const ByteString& document) {
     context->options |= XML_PARSE_NOENT;
     xmlSAXHandler* const ownCallbacks = std::exchange(context->sax, &callbacks);
     failed = false;
-    namespacesInScope = declaredAttributes = 0;
+    namespacesInScope = declaredNamespaces = 0;
     budget = kAllowedExpansion + kAllowedFactor * length;
 
     const int result = xmlParseDocument(context);
@@ -354,7 +354,8 @@ void LibXML2ParseHandler::CheckDocument() {
     const auto length = static_cast<std::size_t>(input.end - input.cur);
     const Lists lists(View(input.cur, length));
     lists.Check();
-    declaredAttributes = lists.declared;
+    // A declared namespace that is already in scope is looked up there, and not reported.
+    declaredNamespaces = lists.namespaces ? lists.declared : 0;
     if (lists.namespaces && length > kDeclaredNamespaceLimit)
         throw std::length_error(kLongForNamespace);
     xmlDictSetLimit(context->dict, lists.namespaces ? 0 : kDictionaryLimit);
@@ -404,9 +405,10 @@ void LibXML2ParseHandler::startElementWithNamespace(void* parser, const xmlChar*
         self.namespacesInScope += declared.size() / 2;
         if (self.namespacesInScope > kLongestList) throw std::length_error(kManyNamespaces);
         const std::size_t entries = given.size() / 5 + declared.size() / 2;
-        const std::size_t compared = entries + self.namespacesInScope + self.declaredAttributes;
+        const std::size_t compared = entries + self.namespacesInScope;
         const std::size_t nameLength = View(prefix).size() + View(localName).size();
-        self.Spend(kElementCost + (1 + entries) * compared / kComparisonsPerByte +
+        const std::size_t comparing = 1 + entries + self.declaredNamespaces;
+        self.Spend(kElementCost + comparing * compared / kComparisonsPerByte +
                    entries * nameLength / kNameBytesReadPerByte);
 
         Attributes list;

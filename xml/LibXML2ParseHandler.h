@@ -98,7 +98,7 @@ private:
     bool failed = false;                   // by a fatal error, or a callback has thrown
     std::size_t budget = ~std::size_t{0};  // what it may still spend, in bytes
     std::size_t namespacesInScope = 0;     // in the document and the entities that are open
-    std::size_t declaredAttributes = 0;    // defaults and tokens in the document's own declarations
+    std::size_t declaredNamespaces = 0;    // or other entries of lists that declare namespaces
 };
 
 // Makes LibXML2ParseHandlers.
