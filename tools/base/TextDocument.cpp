@@ -193,9 +193,19 @@ void TextDocument::Append(Units inserted) {
     edits.push_back({source.size(), source.size(), EncodedLine(inserted) + lineEnd});
 }
 
-std::string TextDocument::Bytes() const {
+std::string TextDocument::Bytes() const { return BytesWith(edits); }
+
+std::string TextDocument::BytesOf(const std::function<bool(const Line&)>& isWanted) const {
+    std::vector<Edit> all = edits;
+    for (const Line& line : lines)
+        if (!isWanted(line)) all.push_back({std::max(line.begin, markSize), line.end, {}});
+    return BytesWith(all);
+}
+
+std::string TextDocument::BytesWith(const std::vector<Edit>& all) const {
     std::vector<const Edit*> inOrder;
-    std::ranges::transform(edits, std::back_inserter(inOrder), [](const Edit& e) { return &e; });
+    inOrder.reserve(all.size());
+    std::ranges::transform(all, std::back_inserter(inOrder), [](const Edit& e) { return &e; });
     std::ranges::stable_sort(inOrder, {}, &Edit::begin);
     std::string bytes;
     bytes.reserve(source.size() + source.size() / 4);

@@ -1,6 +1,7 @@
 #pragma once
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -88,6 +89,8 @@ public:
 
     bool HasEdits() const { return !edits.empty(); }
     std::string Bytes() const;
+    // The same with empty lines for those that are not wanted. Lines keep their numbers.
+    std::string BytesOf(const std::function<bool(const Line&)>& isWanted) const;
     // An empty document of the same encoding, mark and line end, for entries moved from this one.
     TextDocument EmptyLikeThis() const;
 
@@ -103,6 +106,7 @@ private:
     std::size_t PassLineEnd(std::size_t at) const;
     std::size_t OffsetOf(const Line& line, std::size_t unit) const;
     void Replace(const Line& line, Part part, std::string bytes);
+    std::string BytesWith(const std::vector<Edit>& all) const;
     std::string Encoded(Units text) const;
     std::string EncodedValue(Units written) const;
     std::string EncodedLine(Units line) const;

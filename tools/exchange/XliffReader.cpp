@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <exception>
 #include <limits>
 #include <map>
 #include <memory>
@@ -24,9 +25,6 @@ constexpr std::size_t kMostNamespaces = 32;
 // No shorter tag exceeds either.
 constexpr std::size_t kShortTag = 5 * kMostNamespaces;
 
-struct FreeDocument {
-    void operator()(xmlDoc* document) const { xmlFreeDoc(document); }
-};
 struct FreeContext {
     // The context does not own its document.
     void operator()(xmlParserCtxt* context) const {
@@ -34,34 +32,6 @@ struct FreeContext {
         xmlFreeParserCtxt(context);
     }
 };
-
-// The results of the parser's callbacks.
-struct Outcome {
-    bool hasDeclaration = false;
-    int line = 0;
-    std::string error;  // the first one
-};
-
-Outcome& OutcomeOf(void* context) {
-    return *static_cast<Outcome*>(static_cast<xmlParserCtxt*>(context)->_private);
-}
-
-// Stops before the declaration's entities are read.
-void OnInternalSubset(void* context, const xmlChar*, const xmlChar*, const xmlChar*) {
-    auto* const parser = static_cast<xmlParserCtxt*>(context);
-    OutcomeOf(context).hasDeclaration = true;
-    OutcomeOf(context).line = parser->input == nullptr ? 0 : parser->input->line;
-    xmlStopParser(parser);
-}
-
-void OnError(void* context, xmlError* error) {
-    Outcome& outcome = OutcomeOf(context);
-    const bool isFirst = outcome.error.empty() && error->level >= XML_ERR_ERROR;
-    if (!isFirst || error->message == nullptr) return;
-    outcome.line = error->line;
-    outcome.error = error->message;
-    outcome.error.erase(std::min(outcome.error.find('\n'), outcome.error.size()));
-}
 
 std::uint64_t LineAt(std::string_view text, std::size_t at) {
     return 1 + static_cast<std::uint64_t>(std::ranges::count(text.substr(0, at), '\n'));
@@ -89,31 +59,6 @@ void CheckTags(const std::string& name, std::string_view text) {
     }
 }
 
-std::unique_ptr<xmlDoc, FreeDocument> Parse(const std::string& name, const std::string& bytes) {
-    if (bytes.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
-        throw Failure(name + ": longer than 2 GiB, which libxml2 does not read");
-    }
-    CheckTags(name, bytes);
-    const std::unique_ptr<xmlParserCtxt, FreeContext> context(xmlNewParserCtxt());
-    if (!context) throw std::bad_alloc();
-    Outcome outcome;
-    context->_private = &outcome;
-    context->sax->internalSubset = OnInternalSubset;
-    context->sax->serror = OnError;
-    constexpr int kOptions = XML_PARSE_NONET | XML_PARSE_BIG_LINES;
-    std::unique_ptr<xmlDoc, FreeDocument> document(xmlCtxtReadMemory(
-        context.get(), bytes.data(), static_cast<int>(bytes.size()), nullptr, "UTF-8", kOptions));
-    const std::string place = name + ':' + std::to_string(outcome.line) + ": ";
-    if (outcome.hasDeclaration) {
-        throw Failure(place + "a document type declaration, which XLIFF does not have; remove it");
-    }
-    if (!outcome.error.empty()) throw Failure(place + outcome.error);
-    if (!document || xmlDocGetRootElement(document.get()) == nullptr) {
-        throw Failure(name + ": not XLIFF");
-    }
-    return document;
-}
-
 std::string_view NameOf(const xmlNode* node) { return reinterpret_cast<const char*>(node->name); }
 
 // The value of an attribute without a namespace, or nothing.
@@ -138,33 +83,24 @@ class Reader {
 public:
     explicit Reader(const std::string& fileName) : name(fileName) {}
 
-    Exchange Read(const xmlNode* root) && {
+    void BeginRoot(const xmlNode* root) {
         const std::string version = AttributeOf(root, "version").value_or("");
         isVersion2 = version.starts_with("2.");
         if (NameOf(root) != "xliff" || (!isVersion2 && !version.starts_with("1."))) {
             Fail(root, "not XLIFF 1.2, 2.0 or 2.1");
         }
-        Visit(root);
-        return std::move(exchange);
     }
+
+    bool IsUnit(const xmlNode* node) const {
+        return NameOf(node) == (isVersion2 ? "unit" : "trans-unit");
+    }
+    void ReadUnit(const xmlNode* node) { isVersion2 ? ReadUnit21(node) : ReadUnit12(node); }
+
+    Exchange Take() && { return std::move(exchange); }
 
 private:
     [[noreturn]] void Fail(const xmlNode* node, const std::string& why) const {
         throw Failure(name + ':' + std::to_string(xmlGetLineNo(node)) + ": " + why);
-    }
-
-    // libxml2 limits how deep elements are nested.
-    void Visit(const xmlNode* node) {
-        for (const xmlNode* child = node->children; child != nullptr; child = child->next) {
-            if (child->type != XML_ELEMENT_NODE) continue;
-            if (isVersion2 && NameOf(child) == "unit") {
-                ReadUnit21(child);
-            } else if (!isVersion2 && NameOf(child) == "trans-unit") {
-                ReadUnit12(child);
-            } else {
-                Visit(child);
-            }
-        }
     }
 
     Unit BeginUnit(const xmlNode* node, const char* keyAttribute) const {
@@ -309,6 +245,125 @@ private:
     Exchange exchange;
 };
 
+// Parses a file and reads each unit as soon as it is complete. Only the unit is kept as a tree.
+class Parser {
+public:
+    Parser(const std::string& fileName, const std::string& fileBytes)
+        : name(fileName), bytes(fileBytes), reader(fileName), context(xmlNewParserCtxt()) {
+        if (!context) throw std::bad_alloc();
+        context->_private = this;
+        context->sax->internalSubset = OnInternalSubset;
+        context->sax->serror = OnError;
+        context->sax->startElementNs = OnStart;
+        context->sax->endElementNs = OnEnd;
+        context->sax->characters = OnText;
+        context->sax->ignorableWhitespace = OnText;
+        context->sax->cdataBlock = OnCdata;
+        context->sax->comment = nullptr;
+        context->sax->processingInstruction = nullptr;
+    }
+
+    Exchange Run() && {
+        if (bytes.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+            throw Failure(name + ": longer than 2 GiB, which libxml2 does not read");
+        }
+        CheckTags(name, bytes);
+        constexpr int kOptions = XML_PARSE_NONET | XML_PARSE_BIG_LINES | XML_PARSE_COMPACT;
+        context->myDoc =
+            xmlCtxtReadMemory(context.get(), bytes.data(), static_cast<int>(bytes.size()), nullptr,
+                              "UTF-8", kOptions);
+        if (failure) std::rethrow_exception(failure);
+        const std::string place = name + ':' + std::to_string(line) + ": ";
+        if (hasDeclaration) {
+            throw Failure(place +
+                          "a document type declaration, which XLIFF does not have; remove it");
+        }
+        if (!error.empty()) throw Failure(place + error);
+        if (!hasRoot) throw Failure(name + ": not XLIFF");
+        return std::move(reader).Take();
+    }
+
+private:
+    static xmlParserCtxt* ContextOf(void* context) { return static_cast<xmlParserCtxt*>(context); }
+    static Parser& Of(void* context) { return *static_cast<Parser*>(ContextOf(context)->_private); }
+
+    // Stops before the declaration's entities are read.
+    static void OnInternalSubset(void* context, const xmlChar*, const xmlChar*, const xmlChar*) {
+        const xmlParserInput* const input = ContextOf(context)->input;
+        Of(context).hasDeclaration = true;
+        Of(context).line = input == nullptr ? 0 : input->line;
+        xmlStopParser(ContextOf(context));
+    }
+
+    static void OnError(void* context, xmlError* problem) {
+        Parser& parser = Of(context);
+        const bool isFirst = parser.error.empty() && problem->level >= XML_ERR_ERROR;
+        if (!isFirst || problem->message == nullptr) return;
+        parser.line = problem->line;
+        parser.error = problem->message;
+        parser.error.erase(std::min(parser.error.find('\n'), parser.error.size()));
+    }
+
+    static void OnStart(void* context, const xmlChar* element, const xmlChar* prefix,
+                        const xmlChar* uri, int namespaceCount, const xmlChar** namespaces,
+                        int attributeCount, int defaultedCount, const xmlChar** attributes) {
+        xmlSAX2StartElementNs(context, element, prefix, uri, namespaceCount, namespaces,
+                              attributeCount, defaultedCount, attributes);
+        Parser& parser = Of(context);
+        const xmlNode* const node = ContextOf(context)->node;
+        if (node == nullptr || parser.unit != nullptr) return;
+        if (!parser.hasRoot) {
+            parser.hasRoot = true;
+            parser.Guard([&] { parser.reader.BeginRoot(node); });
+        } else if (parser.reader.IsUnit(node)) {
+            parser.unit = node;
+        }
+    }
+
+    static void OnEnd(void* context, const xmlChar* element, const xmlChar* prefix,
+                      const xmlChar* uri) {
+        Parser& parser = Of(context);
+        xmlNode* const node = ContextOf(context)->node;
+        xmlSAX2EndElementNs(context, element, prefix, uri);
+        if (node == nullptr || node != parser.unit) return;
+        parser.Guard([&] { parser.reader.ReadUnit(node); });
+        parser.unit = nullptr;
+        xmlUnlinkNode(node);
+        xmlFreeNode(node);
+    }
+
+    // Text between units has no meaning.
+    static void OnText(void* context, const xmlChar* text, int length) {
+        if (Of(context).unit != nullptr) xmlSAX2Characters(context, text, length);
+    }
+    static void OnCdata(void* context, const xmlChar* text, int length) {
+        if (Of(context).unit != nullptr) xmlSAX2CDataBlock(context, text, length);
+    }
+
+    // Exceptions do not pass through libxml2.
+    template <typename Work>
+    void Guard(const Work& work) noexcept {
+        if (failure) return;
+        try {
+            work();
+        } catch (...) {
+            failure = std::current_exception();
+            xmlStopParser(context.get());
+        }
+    }
+
+    const std::string& name;
+    const std::string& bytes;
+    Reader reader;
+    std::unique_ptr<xmlParserCtxt, FreeContext> context;
+    const xmlNode* unit = nullptr;  // the one being parsed
+    bool hasRoot = false;
+    std::exception_ptr failure;  // of the reader
+    bool hasDeclaration = false;
+    std::string error;  // the parser's first one
+    int line = 0;       // of the declaration or the error
+};
+
 }  // namespace
 
 bool LooksLikeXml(const std::string& bytes) {
@@ -319,8 +374,7 @@ bool LooksLikeXml(const std::string& bytes) {
 }
 
 Exchange ReadXliff(const std::string& name, const std::string& bytes) {
-    const auto document = Parse(name, bytes);
-    return Reader(name).Read(xmlDocGetRootElement(document.get()));
+    return Parser(name, bytes).Run();
 }
 
 }  // namespace tool

@@ -1,9 +1,11 @@
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <iostream>
 #include <map>
 #include <optional>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "tools/base/Annotations.h"
 #include "tools/base/Files.h"
@@ -21,15 +23,30 @@ namespace tool {
 namespace {
 
 using Line = TextDocument::Line;
-using ByShownKey = std::unordered_map<std::string, const Line*>;
+// Finds the lines of a document by ShownKey(). The document outlives it.
+class ShownKeys {
+public:
+    explicit ShownKeys(const TextDocument& ofDocument) : document(ofDocument) {
+        for (const Line& line : document.Lines()) {
+            std::string shown = ShownKey(line.key);
+            if (shown != line.key) escaped.insert_or_assign(std::move(shown), &line);
+        }
+    }
 
-ByShownKey LinesOf(const TextDocument& document) {
-    ByShownKey lines;
-    lines.reserve(document.Lines().size());
-    for (const Line& line : document.Lines())
-        lines.insert_or_assign(ShownKey(line.key), &line);  // the last one counts
-    return lines;
-}
+    // The last line with the key, or null.
+    const Line* Find(const std::string& shown) const {
+        const auto other = escaped.find(shown);
+        const Line* const line = other == escaped.end() ? nullptr : other->second;
+        // A key that is shown as it is.
+        const auto same = ShownKey(shown) == shown ? document.Find(shown) : std::nullopt;
+        if (!same) return line;
+        return std::max(line, &document.Lines()[*same], std::less());
+    }
+
+private:
+    const TextDocument& document;
+    std::unordered_map<std::string, const Line*> escaped;  // whose shown form is not the key
+};
 
 // Writes the units of one file into a translation.
 class Importer {
@@ -41,8 +58,8 @@ public:
           referenceName(nameOfReference),
           reference(ReadTextDocument(referenceName)),
           document(ReadTextDocument(name)),
-          wanted(LinesOf(reference)),
-          present(LinesOf(document)) {}
+          wanted(reference),
+          present(document) {}
 
     void Take(const Exchange& exchange) {
         std::unordered_map<std::string_view, std::uint64_t> seen;
@@ -98,15 +115,15 @@ private:
     std::string Place(std::uint64_t line) const { return source + ':' + std::to_string(line); }
 
     void TakeUnit(const Unit& unit) {
-        const auto there = wanted.find(unit.key);
-        const auto here = present.find(unit.key);
+        const Line* const there = wanted.Find(unit.key);
+        const Line* const here = present.Find(unit.key);
         const bool isEmpty = unit.state == State::kUntranslated;
-        if (there == wanted.end() || here == present.end()) {
-            if (!isEmpty && !IsThere(unit, here)) ReportAbsent(unit, there != wanted.end());
+        if (there == nullptr || here == nullptr) {
+            if (!isEmpty && !IsThere(unit, here)) ReportAbsent(unit, there != nullptr);
             return;
         }
-        const Line& referenceLine = *there->second;
-        const Line& line = *here->second;
+        const Line& referenceLine = *there;
+        const Line& line = *here;
         const Unit now = MakeBareUnit(reference, referenceLine, document, &line);
         const std::string& shown = now.target;
         if (isEmpty) {
@@ -131,8 +148,8 @@ private:
         Mark(unit, line, referenceLine, state);
     }
 
-    bool IsThere(const Unit& unit, ByShownKey::const_iterator here) const {
-        return here != present.end() && ShownText(document.Value(*here->second)) == unit.target;
+    bool IsThere(const Unit& unit, const Line* here) const {
+        return here != nullptr && ShownText(document.Value(*here)) == unit.target;
     }
 
     void ReportAbsent(const Unit& unit, bool inReference) {
@@ -148,6 +165,8 @@ private:
     // An entry without room for a comment gets only its text.
     void Mark(const Unit& unit, const Line& line, const Line& referenceLine, State state) {
         ++counts[static_cast<std::size_t>(state)];
+        changedKeys.insert(line.key);
+        changedKeys.insert(referenceLine.key);
         if (state != State::kUntranslated) changed.emplace(line.number, unit.line);
         if (!line.quoted) return;
         const Annotations marks{state == State::kUntranslated,
@@ -159,11 +178,23 @@ private:
         document.SetComment(line, line.after, WithMarks(document.Comment(line, line.after), marks));
     }
 
+    // A part of the file that has the same findings on the changed lines as the whole file: all
+    // lines with one of their keys, all that may have an accelerator, and all that may belong to a
+    // conflict. Most files have few of these.
+    std::string Relevant(const TextDocument& of) const {
+        const auto mayBegin = [](unsigned short unit) { return unit == u'&' || unit == u'#'; };
+        return of.BytesOf([&](const Line& line) {
+            if (!line.quoted || changedKeys.contains(line.key)) return true;
+            return std::ranges::any_of(of.Value(line), mayBegin) &&
+                   of.Find(line.key) == static_cast<std::size_t>(&line - of.Lines().data());
+        });
+    }
+
     // The lines of the result are those of the dictionary: an import neither adds nor removes any.
     void CheckTexts() {
-        const auto checkedReference = ReadReference(referenceName, reference.Bytes());
+        const auto checkedReference = ReadReference(referenceName, Relevant(reference));
         for (const Finding& finding :
-             CheckBytes(name, document.Bytes(), &checkedReference).findings) {
+             CheckBytes(name, Relevant(document), &checkedReference).findings) {
             const auto line = changed.find(finding.place.line);
             // The file's own mark, and the states, which the import counts.
             const bool isOther = finding.rule == Rule::kUtf8Mark || finding.rule == Rule::kStale ||
@@ -179,10 +210,11 @@ private:
     std::string referenceName;
     TextDocument reference;
     TextDocument document;
-    ByShownKey wanted;
-    ByShownKey present;
+    ShownKeys wanted;   // in the reference
+    ShownKeys present;  // in the dictionary
     // Maps changed lines of the dictionary to the lines of the source with their texts.
     std::map<std::uint64_t, std::uint64_t> changed;
+    std::unordered_set<std::string_view> changedKeys;  // in either file
     std::vector<Problem> problems;
     std::array<std::size_t, kStates> counts{};
 };
