@@ -36,8 +36,14 @@ bool IsWrittenWithoutBlanks(UChar32 c) {
     return script == USCRIPT_HAN || script == USCRIPT_HIRAGANA || script == USCRIPT_KATAKANA;
 }
 
-// Moves past a parameter tag at `i`, whose letters are not text.
-bool PassTag(Units text, std::size_t& i) {
+// Moves past a marker or a parameter tag at `i`, which are not text.
+bool PassPlaceholder(Units text, std::size_t& i) {
+    const bool isMarker =
+        text[i] == u'^' && i + 1 < text.size() && text[i + 1] >= u'0' && text[i + 1] <= u'9';
+    if (isMarker) {
+        i += 2;
+        return true;
+    }
     if (!std::ranges::equal(text.subspan(i, std::min(kTag.size(), text.size() - i)), kTag)) {
         return false;
     }
@@ -48,7 +54,7 @@ bool PassTag(Units text, std::size_t& i) {
 
 bool HasLetters(Units text) {
     for (std::size_t i = 0; i < text.size();) {
-        if (!PassTag(text, i) && u_isalpha(Next(text, i))) return true;
+        if (!PassPlaceholder(text, i) && u_isalpha(Next(text, i))) return true;
     }
     return false;
 }
@@ -150,7 +156,7 @@ std::size_t CountWords(Units text) {
     std::size_t count = 0;
     bool inWord = false;
     for (std::size_t i = 0; i < text.size();) {
-        if (PassTag(text, i)) continue;
+        if (PassPlaceholder(text, i)) continue;
         const UChar32 c = Next(text, i);
         if (IsWrittenWithoutBlanks(c)) {
             ++count;
