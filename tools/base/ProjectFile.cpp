@@ -173,7 +173,7 @@ Project ParseProject(const std::string& file, const std::string& toml,
 std::string FromWorkingFolder(const std::string& name) {
     std::error_code error;
     const fs::path near = fs::path(name).lexically_proximate(fs::current_path(error));
-    return near.empty() || *near.begin() == ".." ? name : near.string();
+    return near.empty() ? name : near.string();
 }
 
 }  // namespace tool

@@ -44,7 +44,7 @@ std::string FindProjectFile(const std::string& folder);
 Project ParseProject(const std::string& file, const std::string& toml,
                      const std::vector<std::string>& rules);
 
-// The name relative to the working folder if it is inside, else unchanged.
+// The name relative to the working folder.
 std::string FromWorkingFolder(const std::string& name);
 
 }  // namespace tool
