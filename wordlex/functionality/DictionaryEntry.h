@@ -57,6 +57,8 @@ public:
                                  const lexon::EncodingInfo* encoding,
                                  lexon::EndianT order) const override;
 
+    Content GetContent() const noexcept override { return {true, {GetData(), GetLength()}, units}; }
+
     // The conversion of escapes; see Escapes.
     static UnicodeRun ConvertEscapeSequences(const unsigned short* text, unsigned long length) {
         return Escapes::Convert(Escapes::Units(text, length));

@@ -1,6 +1,7 @@
 #pragma once
 #include <cstdint>
 #include <iosfwd>
+#include <span>
 
 #include "wordlex/staticlib/Wordlexlib.h"
 
@@ -35,6 +36,14 @@ public:
     // A hash of what operator== compares, over all 32 bits: a table finds an item by it. Items
     // without one are found by their bucket, by comparing with all its items.
     virtual std::uint32_t KeyHash() const;
+    // Key and value of an item that writes them as they are in memory, so that a table can copy
+    // them without the calls above. Not known of other items.
+    struct Content {
+        bool known = false;
+        std::span<const unsigned char> key;
+        std::span<const unsigned short> units;  // of the value, in host order
+    };
+    virtual Content GetContent() const noexcept { return {}; }
 
 private:
     friend class HashTableGeneric;

@@ -1,36 +1,27 @@
 #include "wordlex/functionality/HashTableGeneric.h"
 
+#include <algorithm>
 #include <numeric>
 #include <ostream>
-#include <sstream>
-#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "wordlex/functionality/ImageWriter.h"
+#include "wordlex/functionality/TextLine.h"
 
 namespace lexon_private {
 
 namespace {
 
-// An area of an image, collected in memory until the tables before it are written, so that each
-// item is visited once.
-class Area {
-public:
-    // Exhausted memory throws.
-    Area() { collected.exceptions(std::ios_base::badbit); }
+using Contents = std::vector<HashItem::Content>;
 
-    std::ostream& To() noexcept { return blocks; }
-    void WriteTo(BlockStream& out) {
-        blocks.Finish();
-        const std::string_view bytes = collected.view();
-        out.Append(bytes.data(), bytes.size());
-    }
-
-private:
-    std::ostringstream collected;
-    BlockStream blocks{collected};
-};
+// The waits for the memory of items overlap in a loop that does nothing else.
+Contents ContentsOf(std::span<const HashItem* const> items) {
+    Contents contents(items.size());
+    std::transform(items.begin(), items.end(), contents.begin(),
+                   [](const HashItem* item) { return item->GetContent(); });
+    return contents;
+}
 
 }  // namespace
 
@@ -184,9 +175,37 @@ std::uint32_t HashTableGeneric::Serialize(std::ostream& out, bool binary,
     if (binary) return SerializeBinary(out, encoding);
     std::uint32_t written = 0;
     BlockStream blocks(out);
+    TextLine line(blocks);
     const Listing listing = InOrder();
-    for (const HashItem* const item : listing.items)
-        written += item->Serialize(blocks, false, encoding);
+    const Contents contents = ContentsOf(listing.items);
+    // Some keys and values at a time are copied together first: the waits for their memory overlap,
+    // too.
+    std::vector<unsigned char> keys;
+    std::vector<unsigned short> values;
+    for (std::size_t first = 0, end = 0; first < contents.size(); first = end) {
+        constexpr std::size_t kAtOnce = 64;
+        end = std::min(first + kAtOnce, contents.size());
+        keys.clear();
+        for (std::size_t i = first; i < end; ++i)
+            keys.insert(keys.end(), contents[i].key.begin(), contents[i].key.end());
+        values.clear();
+        for (std::size_t i = first; i < end; ++i)
+            values.insert(values.end(), contents[i].units.begin(), contents[i].units.end());
+        const unsigned char* key = keys.data();
+        const unsigned short* value = values.data();
+        for (std::size_t i = first; i < end; ++i) {
+            if (contents[i].known) {
+                line.PutKey({key, contents[i].key.size()});
+                written += line.PutValue({value, contents[i].units.size()});
+                key += contents[i].key.size();
+                value += contents[i].units.size();
+            } else {
+                line.Write();
+                written += listing.items[i]->Serialize(blocks, false, encoding);
+            }
+        }
+    }
+    line.Write();
     blocks.Finish();
     return written;
 }
@@ -232,14 +251,18 @@ std::uint32_t HashTableGeneric::Serialize2(std::ostream& out, bool binary,
                                            const lexon::EncodingInfo* encoding,
                                            lexon::EndianT order) const {
     if (!binary) return Serialize(out, false, encoding);
+    const Listing listing = InOrder();
+    const Contents contents = ContentsOf(listing.items);
     std::vector<std::uint32_t> keySizes;
     std::vector<std::uint32_t> valueSizes;
-    Area keys;
-    Area values;
-    const Listing listing = InOrder();
-    for (const HashItem* const item : listing.items) {
-        keySizes.push_back(item->SerializeKey(keys.To(), true, encoding));
-        valueSizes.push_back(item->SerializeValue(values.To(), true, nullptr, order));
+    std::ostream nowhere(nullptr);
+    for (std::size_t i = 0; i < contents.size(); ++i) {
+        const auto& content = contents[i];
+        const HashItem& item = *listing.items[i];
+        keySizes.push_back(content.known ? static_cast<std::uint32_t>(content.key.size())
+                                         : item.SerializeKey(nowhere, true, encoding));
+        valueSizes.push_back(content.known ? static_cast<std::uint32_t>(content.units.size_bytes())
+                                           : item.SerializeValue(nowhere, true, nullptr, order));
     }
     const auto keyArea = std::accumulate(keySizes.begin(), keySizes.end(), std::uint64_t{0});
     const auto valueArea = std::accumulate(valueSizes.begin(), valueSizes.end(), std::uint64_t{0});
@@ -265,8 +288,20 @@ std::uint32_t HashTableGeneric::Serialize2(std::ostream& out, bool binary,
     };
     writeTables(keySizes);
     writeTables(valueSizes);
-    keys.WriteTo(blocks);
-    values.WriteTo(blocks);
+    for (std::size_t i = 0; i < contents.size(); ++i) {
+        if (contents[i].known) {
+            writer.WriteBytes(contents[i].key.data(), contents[i].key.size());
+        } else {
+            listing.items[i]->SerializeKey(blocks, true, encoding);
+        }
+    }
+    for (std::size_t i = 0; i < contents.size(); ++i) {
+        if (contents[i].known) {
+            writer.writearr2(contents[i].units.data(), contents[i].units.size_bytes());
+        } else {
+            listing.items[i]->SerializeValue(blocks, true, nullptr, order);
+        }
+    }
     for (const UsedBucket& bucket : listing.buckets)
         writer.write2(bucket.number);
     for (const UsedBucket& bucket : listing.buckets)
