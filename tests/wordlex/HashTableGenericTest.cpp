@@ -6,6 +6,7 @@
 
 #include "tests/wordlex/Text.h"
 #include "wordlex/functionality/ByteRunKey.h"
+#include "wordlex/functionality/DictionaryEntry.h"
 
 namespace wordlex_tests {
 namespace {
@@ -119,6 +120,41 @@ TEST_F(HashTable, WritesItsIndexAheadOfTheBinaryItems) {
                   std::string(reinterpret_cast<const char*>(slots), sizeof slots) +
                   "AA\x60\x82\x60\x82" + "abab",
               out.str());
+}
+
+// Of the items, only dictionary entries know where their bytes are.
+TEST_F(HashTable, WritesEachItemAsTheItemWritesItself) {
+    for (int i = 0; i < 200; ++i) {
+        const std::string key = "key " + std::to_string(i);
+        const auto* const bytes = reinterpret_cast<const unsigned char*>(key.data());
+        const std::u16string text = u"\"line\n" + std::u16string(key.begin(), key.end());
+        const auto* const units = reinterpret_cast<const unsigned short*>(text.data());
+        if (i % 3 == 0) {
+            Insert(key, 'x');
+        } else {
+            table->Insert(
+                new lexon_private::DictionaryEntry(bytes, key.size(), true, {units, text.size()}));
+        }
+    }
+    for (const lexon::EndianT order : {lexon::EndianT::kLittle, lexon::EndianT::kBig}) {
+        std::ostringstream lines;
+        std::ostringstream keys;
+        std::ostringstream values;
+        std::uint32_t lineBytes = 0;
+        while (table->HasMoreItem()) {
+            lineBytes += table->NextItem()->Serialize(lines, false, nullptr);
+            table->NextItem()->SerializeKey(keys, true, nullptr);
+            table->NextItem()->SerializeValue(values, true, nullptr, order);
+        }
+        const std::string areas = keys.str() + values.str();
+        std::ostringstream text;
+        std::ostringstream image;
+        EXPECT_EQ(lineBytes, table->Serialize2(text, false, nullptr, order));
+        EXPECT_EQ(lines.str(), text.str());
+        EXPECT_EQ(12 + areas.size(), table->Serialize2(image, true, nullptr, order));
+        const std::size_t beforeAreas = 25 + 200 * 12;
+        EXPECT_EQ(areas, image.str().substr(beforeAreas, areas.size()));
+    }
 }
 
 }  // namespace
