@@ -71,7 +71,7 @@ const Row kTextRows[] = {
     {__LINE__, Key(65536), "1:2 key-length "},
     {__LINE__, "\"A=" + std::string(32767, 'v') + '"', ""},
     {__LINE__, "\"A=" + std::string(32768, 'v') + '"', "1:4 value-length "},
-    {__LINE__, "\"A=x#{U+D83D}\"", "1:4 lone-surrogate "},
+    {__LINE__, "\"A=x#{U+D83D}\"", "1:5 lone-surrogate "},
     {__LINE__, "\xFF\xFE" + Wide("\"A=x") + "\x3D\xD8" + Wide("\""), "1:5 lone-surrogate "},
     {__LINE__, "\"A=\xF0\x9F\x98\x80^x^1^\"", "1:5 unknown-escape 1:9 unknown-escape "},
     {__LINE__, "\"A=#{amp}#{Amp}#{\"", "1:10 unknown-escape 1:16 unknown-escape "},
@@ -136,7 +136,8 @@ const Row kTranslationRows[] = {
      "1:12 unknown-escape 1:17 final-punctuation "},
     {__LINE__, "\"/Go=\xE8\xA1\x8C ^1 (&G)\xE2\x80\xA6 \\b^#G\"", ""},
     {__LINE__, "\"/N={n, number}{o}\"", ""},
-    {__LINE__, "\"/N={m}{n, date}\"", "1:5 missing-argument 1:6 extra-argument 1:9 argument-type "},
+    {__LINE__, "\"/N={n, number}{o}{m}\"", "1:20 extra-argument "},
+    {__LINE__, "\"/N={m}{n, date}\"", "1:6 missing-argument 1:9 argument-type "},
     {__LINE__, "\"/P=Tipp\"\n\"/T=a b\"", "1:5 missing-section 2:5 line-breaks "},
     {__LINE__, "\"/Q=Jetzt beenden?\"", "1:5 outer-blanks "},
     {__LINE__, "\"/Q=\xE7\xB5\x82\xE4\xBA\x86\xEF\xBC\x9F\"", ""},
@@ -144,6 +145,8 @@ const Row kTranslationRows[] = {
     {__LINE__, "\"/R=^2 von ^1, ^1.\"", "1:16 repeated-marker "},
     {__LINE__, "\"/R=%d von ^2.\"", "1:5 missing-marker "},
     {__LINE__, "\"/R=^1 \"von\" ^2.\"", "1:9 text-after-mark "},
+    {__LINE__, "\"/R=\"^1\" von ^2.\"", "1:6 text-after-mark "},
+    {__LINE__, "\"/P=Tipp#{maco}x\"", "1:9 unknown-escape "},
     {__LINE__, "\"/R=^1 von", "1:1 unclosed-quote "},
     {__LINE__, "\"/R=^1 von ^2\\\"", "1:14 trailing-backslash "},
     {__LINE__, "\"/R=^1 \xE0\xB8\x82\xE0\xB8\xAD\xE0\xB8\x87 ^2\"", ""},
@@ -170,6 +173,25 @@ TEST_F(CheckTest, EachRuleFiresWhereItShould) {
     EXPECT_EQ(all.substr(all.find("1:2 missing-key")),
               "1:2 missing-key 2:2 missing-key 4:2 missing-key 6:2 missing-key 7:2 missing-key "
               "8:2 missing-key 9:2 missing-key ");
+    // A line with a finding about its key is not reported as a missing and as an obsolete key too.
+    Write("two.txt", "\"/File=one\"\n\"/Quit=1\"");
+    const Row spoiltRows[] = {
+        {__LINE__, "\"/File=eins\" \"/Quit=1\"", "1:14 text-after-mark "},
+        {__LINE__, "\"$$/File=eins\"\n\"/Quit=1\"", "1:2 dollar-key "},
+        {__LINE__, "\"/File=\xFF\"\n\"/Quit=1\"", "1:8 invalid-text "},
+        {__LINE__, "\" $$$/File=eins\"\n\"/Quit=1\"", "1:3 inner-prefix "},
+        {__LINE__, "\"/File eins\"\n\"/Quit=1\"", "1:12 no-equals "},
+        {__LINE__, "\"/File =eins\"\n\"/Quit=1\"", "1:7 blank-at-equals "},
+        {__LINE__, "/File=eins\"\n\"/Quit=1\"", "1:11 unclosed-quote "},
+        {__LINE__, "# Files\n\"/File=eins\"\n\"/Quit=1\"", "1:1 unquoted-line "},
+        {__LINE__, std::string("\"/File=ei\0ns\"\n\"/Quit=1\"", 23), "1:10 zero "},
+        {__LINE__, "\"/Files eins\"\n\"/Quit=1\"", "1:13 no-equals 1:2 missing-key "},
+    };
+    for (const Row& row : spoiltRows) {
+        SCOPED_TRACE(row.line);
+        Write("m", row.bytes);
+        EXPECT_EQ(Found("--reference=two.txt m"), row.found);
+    }
     for (const tool::RuleInfo& rule : tool::AllRules()) {
         // Those of binary files and of sources are in transcripts.
         using tool::Rule;

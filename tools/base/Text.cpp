@@ -94,6 +94,12 @@ bool IsSecondHalf(Units units, std::size_t i) {
     return IsLowSurrogate(units[i]) && !IsUnpairedSurrogate(units, i);
 }
 
+char32_t NextCharacter(Units units, std::size_t& i) {
+    const char32_t unit = units[i++];
+    if (i == units.size() || !IsSecondHalf(units, i)) return unit;
+    return 0x10000 + ((unit - 0xD800) << 10) + (units[i++] - 0xDC00U);
+}
+
 std::string Counted(std::size_t count, const std::string& thing, const std::string& things) {
     const std::string plural = things.empty() ? thing + 's' : things;
     return std::to_string(count) + ' ' + (count == 1 ? thing : plural);

@@ -32,6 +32,8 @@ bool IsUnpairedSurrogate(Units units, std::size_t i);
 std::size_t FindUnpairedSurrogate(Units units);
 // Whether the unit at `i` belongs to the one before it: a surrogate pair is one character.
 bool IsSecondHalf(Units units, std::size_t i);
+// Returns the character at `i` and moves `i` past it. Returns an unpaired surrogate as it is.
+char32_t NextCharacter(Units units, std::size_t& i);
 
 // "1 byte", "2 bytes"; `things` is the plural where it has another form than that.
 std::string Counted(std::size_t count, const std::string& thing, const std::string& things = {});

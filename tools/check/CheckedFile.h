@@ -31,7 +31,8 @@ struct Definition {
     std::uint64_t firstLine = 0;
     std::size_t firstLineBegin = 0;
     Text value;
-    bool isWhole = true;  // false where the value is not the text that the author wrote
+    bool isWhole = true;    // false where the value is not the text that the author wrote
+    bool isSpoilt = false;  // a finding of the line says that its key is not the intended one
     bool untranslated = false;
     bool stale = false;
     bool isMessage = false;  // by its own line
@@ -46,6 +47,9 @@ struct CheckedFile {
     Entries entries = {};     // those that a look-up of their key finds
     std::string locale = {};  // from the file itself, empty when it has none
     bool usable = true;  // false when the entries are not what the author wrote, or there are none
+    bool endsEarly = false;  // at a zero
+    // Lines with a finding that also explains why keys are missing, as UTF-8.
+    std::vector<std::string> spoiltLines = {};
     std::vector<unsigned short> units = {};  // of all lines of a text file, one after the other
 
     Units UnitsOf(Part part) const {

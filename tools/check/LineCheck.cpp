@@ -48,6 +48,13 @@ bool IsWordPart(unsigned short unit) {
            (unit >= 'a' && unit <= 'z') || unit > 0x00BF;
 }
 
+// Whether a finding explains why a key of the line is missing or unknown.
+bool IsAboutKey(Rule rule) {
+    return rule == Rule::kDollarKey || rule == Rule::kTextAfterMark ||
+           rule == Rule::kUnquotedLine || rule == Rule::kNoEquals || rule == Rule::kEmptyKey ||
+           rule == Rule::kInnerPrefix || rule == Rule::kWideKey;
+}
+
 }  // namespace
 
 void LineCheck::Add(Rule rule, Units where, std::string text, std::optional<std::string> key) {
@@ -59,10 +66,13 @@ void LineCheck::Add(Rule rule, Units where, std::string text, std::optional<std:
     place.unit = static_cast<std::uint64_t>(std::max(begin - line - mark, std::ptrdiff_t{0}));
     place.endUnit = static_cast<std::uint64_t>(std::max(end - line - mark, std::ptrdiff_t{0}));
     findings.Add(rule, std::move(place), std::move(text), std::move(key));
+    isSpoilt = isSpoilt || IsAboutKey(rule);
 }
 
 void LineCheck::Check() {
+    isSpoilt = false;
     if (scanner.IsLost()) {
+        file.spoiltLines.emplace_back(scanner.LineBytes());
         findings.Add(Rule::kInvalidText,
                      {file.name, scanner.LineNumber(), scanner.LostColumn(), scanner.LostColumn()},
                      "these bytes are not text of the encoding; the loader skips the whole line");
@@ -86,6 +96,7 @@ void LineCheck::Check() {
         Add(Rule::kDollarKey, {parts.opening != nullptr ? parts.opening + 1 : line, 1},
             "the key begins with \"$\" but not with \"$$$\": the dictionary becomes invalid and "
             "the application shows all of its keys raw");
+        file.spoiltLines.push_back(Utf8(units));
         return;
     }
     parts.key = {key, keyLength};
@@ -94,6 +105,8 @@ void LineCheck::Check() {
     entry.isWhole = CheckMarks(parts);
     CheckKey(parts);
     if (parts.opening != nullptr) CheckEquals(parts);
+    if (isSpoilt) file.spoiltLines.push_back(Utf8(units));
+    entry.isSpoilt = isSpoilt;
     if (entry.untranslated) {
         Add(Rule::kUntranslated, parts.value, "marked as untranslated", Narrow(parts.key));
     } else if (entry.stale) {
@@ -161,7 +174,9 @@ bool LineCheck::CheckMarks(const Parts& parts) {
     if (last != line.rend() && *last == u'"' && &*last > parts.opening) {
         Add(Rule::kTrailingBackslash, {&*last - 1, 2},
             "the backslash escapes the closing quotation mark, which becomes part of the value");
-    } else {
+    } else if (const TextScanner::End end = scanner.AtEnd();
+               !end.byZero || end.line != scanner.LineNumber()) {
+        isSpoilt = parts.key.empty();
         Add(Rule::kUnclosedQuote, {parts.opening, 1},
             "the quotation mark is not closed: the entry runs to the end of the line");
     }
@@ -178,20 +193,21 @@ bool LineCheck::CheckOutside(const Parts& parts) {
     }
     const Units after = WithoutBlanks({parts.closing + 1, line.data() + line.size()});
     if (after.empty() || BeginsComment(after)) return true;
-    const bool isCut = after.data() == parts.closing + 1 && IsWordPart(after.front());
-    if (isCut || std::ranges::find(after, u'"') != after.end()) {
+    const bool isLost = std::ranges::find(after, u'"') != after.end() ||
+                        (after.data() == parts.closing + 1 && IsWordPart(after.front()));
+    if (isLost) {
         Add(Rule::kTextAfterMark, after,
             ShowRaw(after) +
                 " after the closing quotation mark is lost; a quotation mark inside "
                 "a text is written \\\", and each entry has a line of its own");
     }
-    return !isCut;
+    return !isLost || BeginsWith(after, "\"$$$");
 }
 
 void LineCheck::CheckKey(const Parts& parts) {
     const Units key = parts.key;
     if (key.empty()) {
-        Add(Rule::kEmptyKey, key, "an entry without a key");
+        if (!isSpoilt) Add(Rule::kEmptyKey, key, "an entry without a key");
         return;
     }
     const auto wide = std::ranges::find_if(key, [](unsigned short unit) { return unit > 0x00FF; });
@@ -223,6 +239,7 @@ void LineCheck::CheckEquals(const Parts& parts) {
     }
     if (IsBlank(parts.key.back())) {
         Add(Rule::kBlankAtEquals, {keyEnd - 1, 1}, "the blank before \"=\" is part of the key");
+        isSpoilt = true;
     }
     if (!parts.value.empty() && IsBlank(parts.value.front())) {
         Add(Rule::kBlankAtEquals, parts.value.first(1),
@@ -244,8 +261,7 @@ Text LineCheck::CheckValue(const Parts& parts) {
                 ": binary files have room for 65,535");
     }
     if (const std::size_t at = FindUnpairedSurrogate(units); at != units.size()) {
-        const std::size_t raw = FindUnpairedSurrogate(written);
-        Add(Rule::kLoneSurrogate, written.subspan(raw == written.size() ? 0 : raw, 1),
+        Add(Rule::kLoneSurrogate, written.subspan(OriginsOf(written)[at], 1),
             CodePoint(units[at]) + " is half of a surrogate pair");
     }
     CheckCharacters(written, units, add);

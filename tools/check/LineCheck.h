@@ -28,6 +28,7 @@ private:
     };
     enum class Conflict { kNone, kFirstSide, kOtherSide };
 
+    // A line with a finding about its key is spoilt.
     void Add(Rule rule, Units where, std::string text,
              std::optional<std::string> key = std::nullopt);
     bool IsOfConflict();
@@ -43,6 +44,7 @@ private:
     const TextScanner& scanner;
     CheckedFile& file;
     Findings& findings;
+    bool isSpoilt = false;  // the current line
     Conflict conflict = Conflict::kNone;
 };
 

@@ -110,13 +110,22 @@ void MessageCheck::Compare(const std::string& key, const MessageShape& shape,
     const Needs here = NeedsOf(shape);
     const Needs there = NeedsOf(reference);
     const std::string text = "the message of " + ShowKey(key);
-    for (const auto& [name, needs] : there) {
-        if (!here.contains(name)) {
-            add(Rule::kMissingArgument, 0,
-                text + " does not have the reference's argument " + Braced(name));
-        }
-    }
     std::set<std::u16string> told;
+    for (const auto& item : there) {
+        if (here.contains(item.first)) continue;
+        const std::string what =
+            text + " does not have the reference's argument " + Braced(item.first);
+        const auto other = std::ranges::find_if(shape.places, [&](const MessagePlace& place) {
+            return !there.contains(place.name) && !told.contains(place.name);
+        });
+        if (other == shape.places.end()) {
+            add(Rule::kMissingArgument, 0, what);
+            continue;
+        }
+        add(Rule::kMissingArgument, other->position,
+            what + "; " + Braced(other->name) + " is in its place");
+        told.insert(other->name);
+    }
     for (const MessagePlace& place : shape.places) {
         const auto known = there.find(place.name);
         const Need need = NeedOf(place);

@@ -1,5 +1,7 @@
 #include "tools/check/Placeholders.h"
 
+#include <unicode/uchar.h>
+
 #include <algorithm>
 #include <set>
 #include <string_view>
@@ -7,6 +9,8 @@
 namespace tool {
 
 namespace {
+
+constexpr std::string_view kTag = "<param ";
 
 bool IsDigit(unsigned short unit) { return unit >= '0' && unit <= '9'; }
 bool IsNamePart(unsigned short unit) {
@@ -59,6 +63,29 @@ std::size_t HtmlEntityAt(Units text, std::size_t i) {
     return known ? end + 1 : 0;
 }
 
+bool PassPlaceholder(Units text, std::size_t& i) {
+    const bool isMarker =
+        text[i] == u'^' && i + 1 < text.size() && text[i + 1] >= u'0' && text[i + 1] <= u'9';
+    if (isMarker) {
+        i += 2;
+        return true;
+    }
+    if (!std::ranges::equal(text.subspan(i, std::min(kTag.size(), text.size() - i)), kTag)) {
+        return false;
+    }
+    while (i < text.size() && text[i++] != '>') {
+    }
+    return true;
+}
+
+bool HasLetters(Units text) {
+    for (std::size_t i = 0; i < text.size();) {
+        if (PassPlaceholder(text, i)) continue;
+        if (u_isalpha(static_cast<UChar32>(NextCharacter(text, i)))) return true;
+    }
+    return false;
+}
+
 std::vector<Placeholder> Markers(Units text) {
     std::vector<Placeholder> markers;
     for (std::size_t i = 0; i + 1 < text.size(); ++i) {
@@ -106,7 +133,9 @@ std::vector<Placeholder> ForeignPlaceholders(Units text) {
     std::vector<Placeholder> found;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const Units rest = text.subspan(i);
-        const bool isSign = rest.front() == '{' || rest.front() == '$';
+        // "#{name}" is an unknown escape, which is a finding of its own.
+        const bool isEscape = i > 0 && text[i - 1] == '#';
+        const bool isSign = (rest.front() == '{' && !isEscape) || rest.front() == '$';
         std::size_t length = isSign ? BracedAt(rest) : 0;
         if (length == 0) length = PercentAt(rest, i > 0 && IsDigit(text[i - 1]));
         if (length == 0) length = HtmlEntityAt(text, i);

@@ -20,6 +20,11 @@ std::vector<Placeholder> Parameters(const Text& text);
 // Placeholders of other systems: {name}, ${name}, %d, %1$s, %@, &amp;.
 std::vector<Placeholder> ForeignPlaceholders(Units text);
 
+// Moves past a marker or a parameter tag at `i`, which are not text.
+bool PassPlaceholder(Units text, std::size_t& i);
+// Whether the text has letters outside markers and parameter tags.
+bool HasLetters(Units text);
+
 // The length of the HTML entity at `i` ("&amp;", "&#39;"), or 0.
 std::size_t HtmlEntityAt(Units text, std::size_t i);
 

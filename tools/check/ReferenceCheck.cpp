@@ -47,6 +47,7 @@ public:
         }
         if (there.isMessage) CompareMessages();
         if (here.value == there.value) {
+            if (!HasLetters(original)) return;
             Add(Rule::kSameAsReference, "the text of " + ShowKey(key) + " equals the reference's");
             return;
         }
@@ -185,6 +186,10 @@ private:
         const Units wanted = referenceOf.UnitsOf(there.written);
         if (std::ranges::find(wanted, u'#') == wanted.end()) return;
         const Units written = file.UnitsOf(here.written);
+        // A misspelt section has a finding of its own.
+        constexpr std::string_view kEscape = "#{";
+        const auto unknown = std::search(text.begin(), text.end(), kEscape.begin(), kEscape.end());
+        if (unknown != text.end()) return;
         for (const std::string_view begin : {"#{macos}", "#{mswindows}", "#{ios}", "#{android}"}) {
             const auto has = [&begin](Units units) {
                 return std::search(units.begin(), units.end(), begin.begin(), begin.end()) !=
@@ -247,6 +252,19 @@ bool DifferInDigits(std::string_view a, std::string_view b) {
                               [&](char x, char y) { return x == y || (isDigit(x) && isDigit(y)); });
 }
 
+// Whether the line has the key, as a whole.
+bool HasKey(std::string_view line, std::string_view key) {
+    constexpr std::string_view kBefore = "\"$ \t";
+    constexpr std::string_view kAfter = "\"= \t";
+    for (std::size_t at = line.find(key); at != line.npos && !key.empty();
+         at = line.find(key, at + 1)) {
+        const std::size_t end = at + key.size();
+        const bool begins = at == 0 || kBefore.find(line[at - 1]) != kBefore.npos;
+        if (begins && (end == line.size() || kAfter.find(line[end]) != kAfter.npos)) return true;
+    }
+    return false;
+}
+
 }  // namespace
 
 void CheckAgainst(const CheckedFile& file, const CheckedFile& reference,
@@ -278,11 +296,18 @@ void CheckAgainst(const CheckedFile& file, const CheckedFile& reference,
         if (DifferInDigits(nearest, item->first)) nearest.clear();
         std::string what = "the reference does not have the key " + ShowKey(item->first);
         if (!nearest.empty()) what += "; did you mean " + ShowKey(nearest) + '?';
-        findings.Add(Rule::kObsoleteKey, file.PlaceOf(item->second), std::move(what), item->first);
+        if (!item->second.isSpoilt) {
+            findings.Add(Rule::kObsoleteKey, file.PlaceOf(item->second), std::move(what),
+                         item->first);
+        }
         misspelt.insert(std::move(nearest));
     }
+    if (file.endsEarly) return;  // that explains all of them
+    const bool areFewLines = file.spoiltLines.size() * missing.size() <= kMostCompared;
     for (const auto* item : missing) {
+        const auto hasKey = [item](const std::string& line) { return HasKey(line, item->first); };
         if (misspelt.contains(item->first)) continue;
+        if (areFewLines && std::ranges::any_of(file.spoiltLines, hasKey)) continue;
         findings.AddMissing(Rule::kMissingKey, reference.PlaceOf(item->second),
                             file.name + " lacks the key " + ShowKey(item->first), item->first,
                             file.name);

@@ -85,6 +85,7 @@ CheckedFile CheckText(const std::string& name, const std::string& bytes, Finding
         progress.Reach(scanner.Offset());
     }
     CheckEnd(scanner, name, findings);
+    file.endsEarly = scanner.AtEnd().byZero;
     return file;
 }
 

@@ -2,7 +2,6 @@
 
 #include <unicode/uchar.h>
 #include <unicode/uscript.h>
-#include <unicode/utf16.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -12,6 +11,7 @@
 #include "tools/base/Progress.h"
 #include "tools/base/TextDocument.h"
 #include "tools/check/Content.h"
+#include "tools/check/Placeholders.h"
 
 namespace tool {
 
@@ -19,44 +19,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view kTag = "<param ";
-
-// Returns the code point at `i` and moves `i` past it. Returns a lone surrogate as it is.
-UChar32 Next(Units text, std::size_t& i) {
-    const unsigned short unit = text[i++];
-    if (!U16_IS_LEAD(unit) || i == text.size() || !U16_IS_TRAIL(text[i])) return unit;
-    return U16_GET_SUPPLEMENTARY(unit, text[i++]);
-}
-
 bool IsWrittenWithoutBlanks(UChar32 c) {
     constexpr UChar32 kFirst = 0x2E80;
     if (c < kFirst) return false;
     UErrorCode error = U_ZERO_ERROR;
     const UScriptCode script = uscript_getScript(c, &error);
     return script == USCRIPT_HAN || script == USCRIPT_HIRAGANA || script == USCRIPT_KATAKANA;
-}
-
-// Moves past a marker or a parameter tag at `i`, which are not text.
-bool PassPlaceholder(Units text, std::size_t& i) {
-    const bool isMarker =
-        text[i] == u'^' && i + 1 < text.size() && text[i + 1] >= u'0' && text[i + 1] <= u'9';
-    if (isMarker) {
-        i += 2;
-        return true;
-    }
-    if (!std::ranges::equal(text.subspan(i, std::min(kTag.size(), text.size() - i)), kTag)) {
-        return false;
-    }
-    while (i < text.size() && text[i++] != '>') {
-    }
-    return true;
-}
-
-bool HasLetters(Units text) {
-    for (std::size_t i = 0; i < text.size();) {
-        if (!PassPlaceholder(text, i) && u_isalpha(Next(text, i))) return true;
-    }
-    return false;
 }
 
 bool IsMeantToBeSame(const Annotations& marks) {
@@ -157,7 +125,7 @@ std::size_t CountWords(Units text) {
     bool inWord = false;
     for (std::size_t i = 0; i < text.size();) {
         if (PassPlaceholder(text, i)) continue;
-        const UChar32 c = Next(text, i);
+        const auto c = static_cast<UChar32>(NextCharacter(text, i));
         if (IsWrittenWithoutBlanks(c)) {
             ++count;
             inWord = false;
