@@ -17,6 +17,5 @@ constexpr std::int32_t kOutputFailed = 1;
 constexpr std::int32_t kDocumentUnusable = 4;  // the application is shown without the document
 
 // Runs the application on the launcher's thread. The host is up: a localizer and a parser factory
-// are installed. Returns the exit code of the process: 0, or one of those
-// above.
+// are installed. Returns the exit code of the process: 0, or one of those above.
 extern "C" std::int32_t AppMain(std::intptr_t request, std::int32_t flags, std::int32_t unused);
