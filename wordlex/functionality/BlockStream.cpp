@@ -16,7 +16,7 @@ void BlockStream::Blocks::Finish(std::ios_base::iostate state) {
 
 std::streamsize BlockStream::Blocks::xsputn(const char* bytes, std::streamsize byteCount) {
     if (TakeWhole(bytes, static_cast<std::size_t>(byteCount))) return byteCount;
-    if (byteCount >= static_cast<std::streamsize>(block.size())) {
+    if (byteCount >= static_cast<std::streamsize>(kBlockBytes)) {
         return HandOn(bytes, byteCount) ? byteCount : 0;
     }
     if (!HandOn()) return 0;

@@ -1,8 +1,8 @@
 #pragma once
-#include <array>
 #include <cstddef>
 #include <cstring>
 #include <exception>
+#include <memory>
 #include <ostream>
 #include <streambuf>
 
@@ -10,7 +10,7 @@ namespace lexon_private {
 
 // Collects written bytes and passes them to another stream in blocks: the one buffer for saving a
 // dictionary.
-// Owns:    its buffer, which is part of the object; borrows the target, which outlives it.
+// Owns:    its buffer; borrows the target, which outlives it.
 // Failure: a target that fails makes this stream bad, and nothing more is passed on. Finish then
 //          sets the target to this stream's state, and throws what the target threw. Without
 //          Finish, bytes written after the last full block are lost.
@@ -32,7 +32,7 @@ public:
 private:
     class Blocks final : public std::streambuf {
     public:
-        explicit Blocks(std::ostream& to) noexcept : target(to) { Clear(); }
+        explicit Blocks(std::ostream& to) : target(to) { Clear(); }
 
         bool TakeWhole(const char* bytes, std::size_t byteCount) noexcept {
             if (byteCount > static_cast<std::size_t>(epptr() - pptr())) return false;
@@ -48,17 +48,16 @@ private:
         int_type overflow(int_type byte) override;
 
     private:
-        // Large enough for few calls of the system, small enough to leave most of the first-level
-        // cache to the entries.
-        static constexpr std::size_t kBlockBytes = 0x4000;
+        // A file system takes a large block in large pages.
+        static constexpr std::size_t kBlockBytes = 0x40000;
 
-        void Clear() noexcept { setp(block.data(), block.data() + block.size()); }
+        void Clear() noexcept { setp(block.get(), block.get() + kBlockBytes); }
         // Passes on the collected bytes, then these. False when the target accepts no more.
         bool HandOn(const char* bytes, std::streamsize byteCount) noexcept;
 
         std::ostream& target;
         std::exception_ptr thrown;
-        std::array<char, kBlockBytes> block;
+        std::unique_ptr<char[]> block = std::make_unique_for_overwrite<char[]>(kBlockBytes);
     };
 
     Blocks blocks;
