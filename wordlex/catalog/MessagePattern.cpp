@@ -2,11 +2,14 @@
 
 #include <unicode/locid.h>
 #include <unicode/messagepattern.h>
+#include <unicode/msgfmt.h>
 #include <unicode/plurrule.h>
 
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <new>
+#include <optional>
 #include <span>
 #include <utility>
 
@@ -81,6 +84,36 @@ std::vector<MessagePlace> Places(const MessagePattern& pattern, std::int32_t& op
     return places;
 }
 
+// The pattern of one argument that ICU cannot format: it does not know the type, or its style.
+std::optional<MessageFault> UnknownType(const MessagePattern& pattern) {
+    const auto canFormat = [](const icu::UnicodeString& argument) {
+        UErrorCode status = U_ZERO_ERROR;
+        UParseError ignored{};
+        const icu::MessageFormat format(argument, icu::Locale::getRoot(), ignored, status);
+        if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
+        return U_SUCCESS(status);
+    };
+    std::int32_t begin = 0;
+    for (std::int32_t i = 0; i < pattern.countParts(); ++i) {
+        const MessagePattern::Part& part = pattern.getPart(i);
+        if (part.getType() == UMSGPAT_PART_TYPE_ARG_START) begin = i;
+        if (part.getType() != UMSGPAT_PART_TYPE_ARG_TYPE) continue;
+        const icu::UnicodeString& text = pattern.getPatternString();
+        const std::int32_t from = pattern.getPart(begin).getIndex();
+        const std::int32_t end = pattern.getPart(pattern.getLimitPartIndex(begin)).getLimit();
+        if (canFormat(text.tempSubStringBetween(from, end))) continue;
+        const icu::UnicodeString type = pattern.getSubstring(part);
+        std::string name;
+        type.toUTF8String(name);
+        const bool isKnown = canFormat(u"{0," + type + u"}");
+        return MessageFault{
+            .position = static_cast<std::size_t>(part.getIndex()),
+            .reason =
+                (isKnown ? "an invalid style of the type \"" : "the unknown type \"") + name + '"'};
+    }
+    return std::nullopt;
+}
+
 const char* Reason(UErrorCode status) {
     switch (status) {
         case U_UNMATCHED_BRACES:
@@ -106,7 +139,10 @@ MessageShape ParseMessage(std::u16string_view pattern) {
     MessageShape shape;
     std::int32_t open = -1;
     shape.places = Places(parsed, open);
-    if (U_SUCCESS(status)) return shape;
+    if (U_SUCCESS(status)) {
+        shape.fault = UnknownType(parsed);
+        return shape;
+    }
     // When the end of an argument lacks something, ICU reports no place: use the argument's
     // beginning.
     const bool atEnd = status == U_DEFAULT_KEYWORD_MISSING || status == U_UNMATCHED_BRACES;

@@ -301,7 +301,11 @@ TEST(MessageShape, NamesPlacesAndFaults) {
     const struct {
         std::u16string_view pattern;
         std::size_t position;
-    } faults[] = {{u"ab {x, plural, one {}}", 3}, {u"{a} {b", 4}, {u"{a, nonsense }} {", 16}};
+    } faults[] = {{u"ab {x, plural, one {}}", 3},
+                  {u"{a} {b", 4},
+                  {u"{a, nonsense }} {", 16},
+                  {u"{n, plural, other {{m, nonsense}}}", 23},
+                  {u"{n, number, ::nonsense}", 4}};
     for (const auto& row : faults) {
         const auto faulty = lexon::detail::ParseMessage(row.pattern);
         ASSERT_TRUE(faulty.fault);
