@@ -1,7 +1,9 @@
 #include <algorithm>
+#include <iostream>
 
 #include "tools/base/BinaryFile.h"
 #include "tools/base/Files.h"
+#include "tools/base/Suggest.h"
 #include "tools/base/Terminal.h"
 #include "tools/check/Content.h"
 #include "tools/verbs/Verbs.h"
@@ -197,7 +199,12 @@ private:
         found = here || main.Get().HasKey(asked.c_str(), nullptr);
         explanation = "key " + ShowKey(key) + '\n' + files.ExplainKey(key, "", false) +
                       main.ExplainKey(key, kInMain, here);
-        if (!found) explanation += "  in none of the files: the answer is the key's default text\n";
+        if (!found) {
+            const std::string nearest = DidYouMean(key, Keys());
+            explanation +=
+                "  in none of the files: the answer is the key's default text" + nearest + '\n';
+            Tell("no file has the key " + ShowKey(key) + nearest);
+        }
         return files.Get().Lookup(asked.c_str(), nullptr);
     }
 
@@ -208,7 +215,23 @@ private:
         explanation += here    ? files.ExplainId(asked, "")
                        : found ? main.ExplainId(asked, kInMain)
                                : "no entry has it\n";
+        if (!found) Tell("no entry has the id " + std::to_string(asked));
         return files.Get().Lookup(asked, nullptr);
+    }
+
+    // Why there is no answer, unless the explanation says it.
+    void Tell(const std::string& why) const {
+        if (!explain) std::cerr << "wordlex: " << why << '\n';
+    }
+
+    std::vector<std::string> Keys() {
+        std::vector<std::string> keys;
+        const auto add = [&keys](const lexon_private::EntryView& entry) {
+            keys.emplace_back(entry.key.begin(), entry.key.end());
+        };
+        files.Get().ForEachEntry(add);
+        main.Get().ForEachEntry(add);
+        return keys;
     }
 
     static constexpr char kInMain[] = " in the main dictionary";
