@@ -1,5 +1,7 @@
 #include "tools/check/Accelerators.h"
 
+#include <unicode/uchar.h>
+
 #include <algorithm>
 #include <unordered_map>
 
@@ -11,9 +13,7 @@ namespace tool {
 
 namespace {
 
-bool IsCapital(unsigned short unit) {
-    return (unit >= 'A' && unit <= 'Z') || (unit >= '0' && unit <= '9');
-}
+bool IsCapital(unsigned short unit) { return u_isupper(unit) != 0 || (unit >= '0' && unit <= '9'); }
 
 // Whether the word with the "&" at `i` is an address.
 bool IsInAddress(Units text, std::size_t i) {

@@ -78,6 +78,13 @@ void Findings::AddMissing(Rule rule, Place place, std::string text, std::string 
         {rule, std::move(place), std::move(text), std::move(key), std::move(missingFrom)});
 }
 
+void Findings::Remove(Rule rule, const Place& place) {
+    std::erase_if(findings, [&](const Finding& finding) {
+        return finding.rule == rule && finding.place.line == place.line &&
+               finding.place.unit == place.unit;
+    });
+}
+
 void Findings::ThrowIfFatal() const {
     for (const Finding& finding : findings) {
         if (IsFatal(finding.rule)) throw Failure(Show(finding.place) + ": " + finding.text);

@@ -46,6 +46,8 @@ public:
     // For what the file lacks; the place is in its reference.
     void AddMissing(Rule rule, Place place, std::string text, std::string key,
                     std::string missingFrom);
+    // Removes the findings of the rule that begin at the place, where another one says more.
+    void Remove(Rule rule, const Place& place);
     // Drops the findings of these rules on a line from here on.
     void Ignore(std::uint64_t line, const Rules& rules);
     bool Ignores(std::uint64_t line, Rule rule) const;

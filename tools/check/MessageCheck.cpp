@@ -26,6 +26,26 @@ std::string Utf8(std::u16string_view text) {
 
 std::string Braced(std::u16string_view name) { return '{' + Utf8(name) + '}'; }
 
+// "form "few"", "forms "few" and "many""
+std::string Forms(const std::vector<std::string>& names) {
+    std::string list = names.size() == 1 ? "form " : "forms ";
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        if (i != 0) list += i + 1 == names.size() ? " and " : ", ";
+        list += '"' + names[i] + '"';
+    }
+    return list;
+}
+
+// The names that are in the first list but not in the second one.
+std::vector<std::string> Without(const std::vector<std::u16string>& names,
+                                 const std::vector<std::u16string>& others) {
+    std::vector<std::string> left;
+    for (const std::u16string& name : names) {
+        if (std::ranges::find(others, name) == others.end()) left.push_back(Utf8(name));
+    }
+    return left;
+}
+
 // The kind of argument that a place can show.
 enum class Need { kAnything, kNumber, kDate, kText };
 
@@ -46,6 +66,23 @@ Needs NeedsOf(const MessageShape& shape) {
     for (const MessagePlace& place : shape.places)
         needs[place.name].insert(NeedOf(place));
     return needs;
+}
+
+// The program passes the names of the reference's forms. A language may need fewer or more of them,
+// but a form in place of one of the reference is misspelt or translated.
+void CompareSelect(const std::string& key, const MessagePlace& place, const MessageShape& reference,
+                   const MessageCheck::Add& add) {
+    std::vector<std::u16string> wanted;
+    for (const MessagePlace& other : reference.places) {
+        if (other.type == u"select" && other.name == place.name)
+            wanted.insert(wanted.end(), other.selectors.begin(), other.selectors.end());
+    }
+    const std::vector<std::string> missing = Without(wanted, place.selectors);
+    const std::vector<std::string> unknown = Without(place.selectors, wanted);
+    if (missing.empty() || unknown.empty()) return;
+    add(Rule::kMessageUnusedForm, place.position,
+        Braced(place.name) + " of " + ShowKey(key) + " has the " + Forms(unknown) +
+            " where the reference has the " + Forms(missing));
 }
 
 }  // namespace
@@ -74,34 +111,35 @@ std::optional<MessageShape> MessageCheck::Check(const std::string& key, const De
 void MessageCheck::CheckForms(const std::string& key, const MessagePlace& place,
                               const Categories& categories, const Add& add) const {
     if (categories.empty()) return;
-    std::string argument = Braced(place.name);
-    argument += " of " + ShowKey(key);
     const auto has = [&place](const std::string& selector) {
         return std::ranges::any_of(place.selectors, [&selector](const std::u16string& written) {
             return Utf8(written) == selector;
         });
     };
+    std::vector<std::string> missing;
     for (const auto& category : categories) {
-        if (has(category.name) || (category.only && has('=' + std::to_string(*category.only)))) {
-            continue;
+        if (!has(category.name) && !(category.only && has('=' + std::to_string(*category.only)))) {
+            missing.push_back(category.name);
         }
-        add(Rule::kMessageCategory, place.position,
-            argument + " has no form \"" + category.name + "\", which " + language + " needs");
     }
+    std::vector<std::string> unused;
     for (const std::u16string& written : place.selectors) {
-        const std::string selector = Utf8(written);
-        if (selector.starts_with('=') ||
-            std::ranges::find(categories, selector, &lexon::detail::PluralCategory::name) !=
+        std::string selector = Utf8(written);
+        if (!selector.starts_with('=') &&
+            std::ranges::find(categories, selector, &lexon::detail::PluralCategory::name) ==
                 categories.end()) {
-            continue;
+            unused.push_back(std::move(selector));
         }
+    }
+    const std::string argument = Braced(place.name) + " of " + ShowKey(key);
+    if (!missing.empty()) {
+        std::string what =
+            argument + " has no " + Forms(missing) + ", which " + language + " needs";
+        if (!unused.empty()) what += "; " + language + " does not have its " + Forms(unused);
+        add(Rule::kMessageCategory, place.position, std::move(what));
+    } else if (!unused.empty()) {
         add(Rule::kMessageUnusedForm, place.position,
-            std::string(argument)
-                .append(" has a form \"")
-                .append(selector)
-                .append("\", which ")
-                .append(language)
-                .append(" does not have"));
+            argument + " has the " + Forms(unused) + ", which " + language + " does not have");
     }
 }
 
@@ -139,6 +177,8 @@ void MessageCheck::Compare(const std::string& key, const MessageShape& shape,
             add(Rule::kArgumentType, place.position,
                 text + " needs " + Name(need) + " for " + Braced(place.name) + ", the reference " +
                     Name(*known->second.rbegin()));
+        } else if (place.type == u"select") {
+            CompareSelect(key, place, reference, add);
         }
     }
 }

@@ -96,6 +96,25 @@ std::vector<Placeholder> Markers(Units text) {
     return markers;
 }
 
+std::optional<Placeholder> MisspeltMarker(Units text, const std::string& marker) {
+    const auto digit = static_cast<unsigned short>(marker.back());
+    const auto wide = static_cast<unsigned short>(digit - '0' + 0xFF10);
+    for (std::size_t i = 0; i + 1 < text.size(); ++i) {
+        const bool afterDigit = i > 0 && IsDigit(text[i - 1]);
+        const bool isSign = (text[i] == '%' && !afterDigit) || text[i] == '$';
+        const bool isHat = text[i] == '^';
+        const bool hasBlank = isHat && text[i + 1] == ' ' && i + 2 < text.size();
+        const std::size_t last = hasBlank ? i + 2 : i + 1;
+        const bool isWhole =
+            last + 1 == text.size() || (text[last + 1] != '$' && !IsNamePart(text[last + 1]));
+        if (((isSign || isHat) && text[last] == digit && isWhole) ||
+            (isHat && text[last] == wide)) {
+            return Placeholder{Utf8(text.subspan(i, last + 1 - i)), i, last + 1};
+        }
+    }
+    return std::nullopt;
+}
+
 // The quoted texts that the string class finds as the name of a tag.
 std::vector<Placeholder> Parameters(const Text& text) {
     std::vector<Placeholder> tags;

@@ -1,4 +1,5 @@
 #pragma once
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,8 @@ struct Placeholder {
 std::vector<Placeholder> Markers(Units text);
 // The tags that the string class takes for parameters, in the order of the text.
 std::vector<Placeholder> Parameters(const Text& text);
+// What a translator wrote for the marker: "%1", "$1", "^ 1" or "^" with a full-width digit.
+std::optional<Placeholder> MisspeltMarker(Units text, const std::string& marker);
 // Placeholders of other systems: {name}, ${name}, %d, %1$s, %@, &amp;.
 std::vector<Placeholder> ForeignPlaceholders(Units text);
 

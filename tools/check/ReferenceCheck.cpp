@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <functional>
 #include <map>
+#include <optional>
 #include <set>
 #include <string_view>
 #include <unordered_set>
@@ -108,7 +109,9 @@ private:
                      {Rule::kMissingMarker, Rule::kExtraMarker, "marker "});
         CompareNames(Parameters(here.value), Parameters(there.value), foreign,
                      {Rule::kMissingParameter, Rule::kExtraParameter, "parameter tag "});
+        std::set<std::string> told;
         for (const Placeholder& other : foreign) {
+            if (!told.insert(other.name).second) continue;
             Add(Rule::kForeignPlaceholder, other,
                 ShowRaw(UnitsOf(FromUtf8(other.name))) +
                     " is not replaced by the application, which shows it as it is");
@@ -149,14 +152,20 @@ private:
             if (!found.insert(one.name).second) continue;
             const std::string what =
                 "the text of " + ShowKey(key) + " lacks the reference's " + kind.what + shown(one);
+            std::optional<Placeholder> other;
+            if (kind.missing == Rule::kMissingMarker) other = MisspeltMarker(text, one.name);
             std::vector<Placeholder>& others = extra.empty() ? foreign : extra;
-            if (others.empty()) {
+            if (!other.has_value() && !others.empty()) {
+                other = others.front();
+                others.erase(others.begin());
+            }
+            if (!other.has_value()) {
                 Add(kind.missing, what);
                 continue;
             }
-            Add(kind.missing, others.front(),
-                what + "; " + shown(others.front()) + " is in its place");
-            others.erase(others.begin());
+            findings.Remove(Rule::kUnknownEscape,
+                            PlaceInValue(file, here, other->begin, other->end));
+            Add(kind.missing, *other, what + "; " + shown(*other) + " is in its place");
         }
         for (const Placeholder& one : extra) {
             Add(kind.extra, one,

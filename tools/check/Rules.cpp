@@ -86,7 +86,7 @@ constexpr RuleInfo kRules[] = {
     {Rule::kMessageCategory, "message-category", kWarning,
      "a plural of a message without a form that the language needs"},
     {Rule::kMessageUnusedForm, "message-unused-form", kWarning,
-     "a plural of a message with a form that the language does not have"},
+     "a form of a message that is never used"},
 
     {Rule::kMalformedBinary, "malformed-binary", kError,
      "a binary file that the loader refuses, whole or in part"},
