@@ -46,10 +46,13 @@ std::string Fill(std::size_t size, std::string text, const std::string& piece,
     return text + tail;
 }
 
-std::string Repeat(int count, const std::string& piece) {
+// Numbered pieces, each with the value, or with one of its own.
+std::string Repeat(int count, const std::string& piece, const std::string& value = "") {
     std::string text;
-    for (int i = 0; i < count; ++i)
-        text += piece + std::to_string(i) + "='u" + std::to_string(i) + "'";
+    for (int i = 0; i < count; ++i) {
+        const std::string number = std::to_string(i);
+        text += piece + number + (value.empty() ? "='u" + number + "'" : value);
+    }
     return text;
 }
 
@@ -104,6 +107,8 @@ const bool registered = [] {
     add("references with 9,990 namespaces in scope", entity + "'x'>]>" + scope9990, "&e;", end);
     add("elements with 1,000 namespaces in scope", scope1000, "<b/>", end);
     add("elements with 9,990 namespaces in scope", scope9990, "<b/>", end);
+    add("tags of 500 declared namespaces",
+        dtd + "<!ATTLIST b" + Repeat(500, " xmlns:p", " CDATA 'u'") + ">]><b>", "<b/>", "</b>");
     add("new namespaces inside an entity", entity + "\"", "<b" + Repeat(100, " xmlns:p#_") + ">",
         "\">]><a>&e;</a>");
     add("tags of 1,000 attributes", "<a>", "<b" + Repeat(1'000, " c") + "/>", end);
