@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <csignal>
@@ -145,6 +146,24 @@ bool IsSameFile(const std::string& a, const std::string& b) {
     return fs::equivalent(a, b, absent);
 }
 
+void RefuseInput(const std::string& output, const std::vector<std::string>& inputs) {
+    const auto isOutput = [&output](const std::string& input) { return IsSameFile(output, input); };
+    std::error_code absent;
+    if (fs::is_regular_file(output, absent) && std::ranges::any_of(inputs, isOutput)) {
+        throw Failure(output + ": is an input too, and would be lost: name another output");
+    }
+}
+
+void RequireWritable(const std::string& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0) return;
+    if (S_ISDIR(status.st_mode)) Fail(path, "cannot be written", EISDIR);
+    if (!S_ISREG(status.st_mode)) return;
+    // Renaming ignores the permissions of the file itself, and root has every permission.
+    if ((status.st_mode & kAnyoneWrites) == 0) Fail(path, "is read-only", EACCES);
+    if (access(path.c_str(), W_OK) != 0) Fail(path, "cannot be written", errno);
+}
+
 std::string ReadInput(const std::string& path) {
     if (path == "-") {
         static bool alreadyRead = false;
@@ -162,11 +181,8 @@ void WriteOutput(const std::string& path, std::string_view bytes) {
     if (stat(path.c_str(), &status) != 0) {
         return Replace(errno == ENOENT ? EndOfLinks(path) : fs::path(path), nullptr, bytes);
     }
-    if (S_ISDIR(status.st_mode)) Fail(path, "cannot be written", EISDIR);
+    RequireWritable(path);
     if (!S_ISREG(status.st_mode)) return WriteInPlace(path, bytes);
-    // Renaming ignores the permissions of the file itself, and root has every permission.
-    if ((status.st_mode & kAnyoneWrites) == 0) Fail(path, "is read-only", EACCES);
-    if (access(path.c_str(), W_OK) != 0) Fail(path, "cannot be written", errno);
     Replace(fs::canonical(path), &status, bytes);  // a link stays a link
 }
 

@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tool {
 
@@ -27,6 +28,11 @@ void HandleSignals();
 
 // Whether both names are of one file that exists.
 bool IsSameFile(const std::string& a, const std::string& b);
+
+// Refuses an output that would replace one of the inputs by another kind of file.
+void RefuseInput(const std::string& output, const std::vector<std::string>& inputs);
+// Refuses a target that exists and that WriteOutput would refuse.
+void RequireWritable(const std::string& path);
 
 std::string ReadInput(const std::string& path);
 // Writes a file beside its target and renames it, so that the target is either the old file or the

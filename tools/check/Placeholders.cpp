@@ -97,7 +97,7 @@ std::vector<Placeholder> Markers(Units text) {
 }
 
 std::optional<Placeholder> MisspeltMarker(Units text, const std::string& marker) {
-    const auto digit = static_cast<unsigned short>(marker.back());
+    const auto digit = static_cast<unsigned char>(marker.back());
     const auto wide = static_cast<unsigned short>(digit - '0' + 0xFF10);
     for (std::size_t i = 0; i + 1 < text.size(); ++i) {
         const bool afterDigit = i > 0 && IsDigit(text[i - 1]);

@@ -49,6 +49,9 @@ void AddValue(const OptionInfo& option, const std::string& value, Arguments& arg
             at = end + 1;
         }
     } else {
+        const bool isPath =
+            option.value == "FILE" || option.value == "DIR" || option.value == "OUT";
+        if (isPath && value.empty()) Refuse(name + " needs the name of a file or folder");
         arguments.Add(option.name, value);
     }
 }

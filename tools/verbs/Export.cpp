@@ -81,6 +81,8 @@ std::string Exported(const Arguments& arguments) {
 }  // namespace
 
 int Export(const Arguments& arguments) {
+    RefuseInput(arguments.Get("output"), arguments.operands);
+    RefuseInput(arguments.Get("output"), arguments.All("reference"));
     WriteOutput(arguments.Get("output"), Exported(arguments));
     return kSuccess;
 }

@@ -56,6 +56,7 @@ public:
 
     // Whatever interrupts it, an entry that moves is in one of the files or in both.
     void WriteFiles() const {
+        if (document.HasEdits()) RequireWritable(name);
         if (counts[kGone] != 0) WriteOutput(obsoleteName, obsoleteWithGone);
         if (document.HasEdits()) WriteOutput(name, document.Bytes());
         if (counts[kRestored] == 0) return;
